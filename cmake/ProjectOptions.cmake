@@ -1,0 +1,32 @@
+# Settings that every target of this project shares, kept on one interface target.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib/static")
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+
+add_library(project_options INTERFACE)
+target_compile_options(project_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    # Ties between equal distances are decided on exact doubles: no fused multiply-add.
+    -ffp-contract=off)
+if(IMPORTGEOMETRY_WERROR)
+    target_compile_options(project_options INTERFACE -Werror)
+endif()
+if(IMPORTGEOMETRY_SANITIZE)
+    target_compile_options(project_options INTERFACE
+        -fsanitize=${IMPORTGEOMETRY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(project_options INTERFACE -fsanitize=${IMPORTGEOMETRY_SANITIZE})
+endif()
+target_compile_definitions(project_options INTERFACE
+    QT_NO_CAST_FROM_ASCII
+    QT_NO_CAST_TO_ASCII
+    QT_NO_URL_CAST_FROM_STRING
+    QT_DEPRECATED_WARNINGS)

@@ -1,0 +1,34 @@
+# One function per kind of target, so that a new one is one line.
+
+# importgeometry_library(NAME SOURCES... LINK libraries...)
+function(importgeometry_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINK")
+    add_library(${name} STATIC ${arg_UNPARSED_ARGUMENTS})
+    target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
+    target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE project_options)
+endfunction()
+
+# importgeometry_test(NAME SOURCES... LINK libraries...)
+#
+# A QtTest program, run offscreen under the C and under the ru_RU locale, each run with a home and
+# settings of its own.
+function(importgeometry_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINK")
+    add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+    set_target_properties(${name} PROPERTIES
+        AUTOMOC ON
+        RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
+    target_compile_definitions(${name} PRIVATE
+        SAMPLES_DIR="${PROJECT_SOURCE_DIR}/samples"
+        PLUGIN_PATH="$<TARGET_FILE:importgeometry>")
+    target_link_libraries(${name} PRIVATE ${arg_LINK} Qt5::Test project_options)
+    foreach(locale IN ITEMS C ru_RU.UTF-8)
+        set(home "${CMAKE_CURRENT_BINARY_DIR}/home-${name}-${locale}")
+        file(MAKE_DIRECTORY "${home}")
+        add_test(NAME ${name}.${locale} COMMAND ${name})
+        set_tests_properties(${name}.${locale} PROPERTIES
+            WORKING_DIRECTORY "${home}"
+            ENVIRONMENT "LC_ALL=${locale};QT_QPA_PLATFORM=offscreen;HOME=${home};XDG_CONFIG_HOME=${home}/config")
+    endforeach()
+    add_dependencies(${name} importgeometry)
+endfunction()
