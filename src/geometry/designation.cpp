@@ -1,0 +1,89 @@
+#include "geometry/designation.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+namespace {
+
+bool isDigit(QChar c)
+{
+    return c >= QLatin1Char('0') && c <= QLatin1Char('9');
+}
+
+/// What an object is sorted by, and where it stood.
+struct SortKey {
+    QString prefix;
+    int number = -1;
+    int index = 0;
+};
+
+bool operator<(const SortKey& a, const SortKey& b)
+{
+    const int order = QString::compare(a.prefix, b.prefix, Qt::CaseInsensitive);
+    return order != 0 ? order < 0 : a.number < b.number;
+}
+
+} // namespace
+
+void splitDef(const QString& def, QString& prefix, int& number)
+{
+    const QChar lineFeed = QLatin1Char('\n');
+    const int end = def.endsWith(lineFeed) ? def.size() - 1 : def.size();
+    int start = end;
+    while (start > 0 && isDigit(def.at(start - 1)))
+        --start;
+
+    const bool hasNumber =
+        start < end && !def.leftRef(start).contains(lineFeed) && def.isValidUtf16();
+    if (!hasNumber) {
+        prefix = def;
+        number = -1;
+        return;
+    }
+    number = def.midRef(start, end - start).toInt();
+    prefix = def.left(start);
+}
+
+QString numberedDef(const QString& prefix, int number)
+{
+    std::array<char, 12> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    const int count = static_cast<int>(end - digits.data());
+
+    QString result(prefix.size() + count, Qt::Uninitialized);
+    QChar* out = std::copy(prefix.cbegin(), prefix.cend(), result.data());
+    std::transform(digits.data(), end, out, [](char c) { return QLatin1Char(c); });
+    return result;
+}
+
+void sortObjects(QVector<DefPolygon>& objects)
+{
+    std::vector<SortKey> keys(static_cast<size_t>(objects.size()));
+    int index = 0;
+    for (SortKey& key : keys) {
+        splitDef(objects.at(index).def, key.prefix, key.number);
+        key.index = index++;
+    }
+    std::sort(keys.begin(), keys.end());
+
+    QVector<DefPolygon> sorted;
+    sorted.reserve(objects.size());
+    for (const SortKey& key : keys)
+        sorted.append(std::move(objects[key.index]));
+    objects = std::move(sorted);
+}
+
+uint qHash(const DefKey& key, uint seed)
+{
+    uint hash = seed;
+    for (const QChar c : key.def) {
+        // The halves of a surrogate pair fold only together; all pairs hash alike.
+        const ushort folded = c.isSurrogate() ? ushort(0xD800) : c.toCaseFolded().unicode();
+        hash = hash * 31 + folded;
+    }
+    return hash;
+}

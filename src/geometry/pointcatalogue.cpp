@@ -1,0 +1,243 @@
+#include "geometry/pointcatalogue.h"
+
+#include "geometry/nearestpoint.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+/// Cells are squares with this many to a unit: small enough that points a tolerance apart cannot
+/// crowd one, large enough that most searches touch a single cell.
+constexpr double cellsPerUnit = 4;
+/// A point that coincides with a place, and every nearer one, is within this distance of it in
+/// each coordinate: the diagonal of the tolerance square, rounded up.
+constexpr double reach = DefPoint::epsilon * 1.45;
+/// More arranged points than this in a cell are better served by a tree.
+constexpr int crowd = 256;
+/// From this size on std::sort relies on a strict order to stay within its range.
+constexpr int sortThreshold = 16;
+/// Beyond this the cells of a double are finer than the numbers themselves.
+constexpr double cellLimit = 4503599627370496.0;
+
+quint64 cellCoordinate(double value)
+{
+    const double cell = std::floor(value * cellsPerUnit);
+    if (std::abs(cell) < cellLimit)
+        return static_cast<quint64>(static_cast<qint64>(cell));
+    quint64 bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+}
+
+/// A hash that stands for the cell; two cells that share one only share their chain.
+quint64 cellHash(quint64 cellX, quint64 cellY)
+{
+    quint64 hash = cellX * 0x9E3779B97F4A7C15ull ^ (cellY + 0x632BE59BD9B4E019ull);
+    hash = (hash ^ (hash >> 32)) * 0xD6E8FEB86659FD93ull;
+    hash = (hash ^ (hash >> 32)) * 0xD6E8FEB86659FD93ull;
+    return hash ^ (hash >> 32);
+}
+
+/// The part of a cell's hash that tells it from others in the same neighbourhood of the table.
+quint32 tagOf(quint64 cell)
+{
+    return static_cast<quint32>(cell >> 32);
+}
+
+/// The distinct cell coordinates that a search around `value` touches.
+class CellSpan {
+public:
+    explicit CellSpan(double value)
+    {
+        for (const double edge : { value - reach, value, value + reach }) {
+            const quint64 cell = cellCoordinate(edge);
+            if (std::find(begin(), end(), cell) == end())
+                m_cells[m_size++] = cell;
+        }
+    }
+    const quint64* begin() const { return m_cells.data(); }
+    const quint64* end() const { return m_cells.data() + m_size; }
+
+private:
+    std::array<quint64, 3> m_cells;
+    size_t m_size = 0;
+};
+
+} // namespace
+
+void sortPoints(QVector<DefPoint>& points)
+{
+    const bool unordered =
+        points.size() > sortThreshold && std::any_of(points.cbegin(), points.cend(), hasNan);
+    if (unordered)
+        std::stable_sort(points.begin(), points.end());
+    else
+        std::sort(points.begin(), points.end());
+}
+
+void mergeCoincident(QVector<DefPoint>& points)
+{
+    if (points.isEmpty())
+        return;
+    auto kept = points.begin();
+    for (auto it = kept + 1; it != points.end(); ++it) {
+        if (!coincide(*kept, *it) && ++kept != it)
+            *kept = std::move(*it);
+    }
+    points.erase(kept + 1, points.end());
+}
+
+void PointCatalogue::clear()
+{
+    *this = PointCatalogue();
+}
+
+void PointCatalogue::arrange()
+{
+    QVector<DefPoint> points = std::move(m_points);
+    clear();
+    sortPoints(points);
+    mergeCoincident(points);
+    m_points = std::move(points);
+    m_arranged = m_points.size();
+    m_ordered = m_arranged;
+    m_literal = std::any_of(m_points.cbegin(), m_points.cend(), hasNan);
+}
+
+void PointCatalogue::becomeLiteral()
+{
+    sortPoints(m_points);
+    m_literal = true;
+}
+
+void PointCatalogue::insert(const DefPoint& point)
+{
+    if (!m_literal && hasNan(point))
+        becomeLiteral();
+    if (!m_literal) {
+        m_points.append(point);
+        return;
+    }
+    m_points.insert(std::lower_bound(m_points.begin(), m_points.end(), point), point);
+}
+
+const DefPoint* PointCatalogue::findCoincident(double x, double y)
+{
+    if (m_literal) {
+        const DefPoint* nearest = findNearestPoint(m_points, QPointF(x, y));
+        return nearest && coincide(nearest->x, nearest->y, x, y) ? nearest : nullptr;
+    }
+    if (!std::isfinite(x) || !std::isfinite(y))
+        return nullptr;
+
+    catchUp();
+    NearestSides nearest{ x, y, 2 * reach * reach };
+    m_arrangedIndex.collect(nearest);
+    const CellSpan rows(y);
+    for (const quint64 cellX : CellSpan(x)) {
+        for (const quint64 cellY : rows)
+            visitCell(cellHash(cellX, cellY), nearest);
+    }
+    const DefPoint* point = nearest.isTie() ? firstInOrder(nearest) : nearest.single();
+    return point && coincide(point->x, point->y, x, y) ? point : nullptr;
+}
+
+void PointCatalogue::catchUp()
+{
+    if (m_indexed == m_points.size())
+        return;
+    m_next.resize(static_cast<size_t>(m_points.size()), -1);
+    if (m_indexed == 0)
+        indexArranged();
+    for (; m_indexed < m_points.size(); ++m_indexed)
+        addToCell(m_indexed);
+}
+
+void PointCatalogue::indexArranged()
+{
+    for (; m_indexed < m_arranged; ++m_indexed) {
+        if (addToCell(m_indexed) > crowd)
+            break;
+    }
+    if (m_indexed == m_arranged)
+        return;
+    m_slots.clear();
+    m_usedSlots = 0;
+    m_arrangedIndex = NearestIndex(m_points.mid(0, m_arranged));
+    m_firstInCells = m_arranged;
+    m_indexed = m_arranged;
+}
+
+int PointCatalogue::addToCell(int index)
+{
+    const DefPoint& point = m_points.at(index);
+    // An infinitely distant point is never the nearest.
+    if (!std::isfinite(point.x) || !std::isfinite(point.y))
+        return 0;
+    // Half full at most, so that searches for an absent cell end soon.
+    if (m_usedSlots * 2 >= m_slots.size())
+        rehash(std::max<size_t>(m_slots.size() * 4, 1024));
+
+    const quint64 cell = cellHash(cellCoordinate(point.x), cellCoordinate(point.y));
+    Slot& slot = slotOf(cell);
+    m_usedSlots += slot.head < 0 ? 1 : 0;
+    slot.tag = tagOf(cell);
+    m_next[static_cast<size_t>(index)] = slot.head;
+    slot.head = index;
+    return ++slot.length;
+}
+
+void PointCatalogue::rehash(size_t slotCount)
+{
+    m_slots.assign(slotCount, Slot());
+    m_usedSlots = 0;
+    for (int i = m_firstInCells; i < m_indexed; ++i)
+        addToCell(i);
+}
+
+PointCatalogue::Slot& PointCatalogue::slotOf(quint64 cell)
+{
+    const quint32 tag = tagOf(cell);
+    const size_t mask = m_slots.size() - 1;
+    size_t position = static_cast<size_t>(cell) & mask;
+    while (m_slots[position].head >= 0 && m_slots[position].tag != tag)
+        position = (position + 1) & mask;
+    return m_slots[position];
+}
+
+void PointCatalogue::visitCell(quint64 cell, NearestSides& nearest)
+{
+    if (m_slots.empty())
+        return;
+    for (int i = slotOf(cell).head; i >= 0; i = m_next[static_cast<size_t>(i)])
+        nearest.offer(m_points.at(i));
+}
+
+const DefPoint* PointCatalogue::firstInOrder(const NearestSides& tie)
+{
+    for (; m_ordered < m_points.size(); ++m_ordered)
+        m_insertedPlaces.emplace(m_points.at(m_ordered).x, m_points.at(m_ordered).y);
+
+    // The first place at or right of the query, and the last one left of it, among all points.
+    const auto arrangedEnd = m_points.cbegin() + m_arranged;
+    const auto arranged = std::lower_bound(m_points.cbegin(), arrangedEnd, tie.x,
+        [](const DefPoint& point, double x) { return point.x < x; });
+    const auto inserted =
+        m_insertedPlaces.lower_bound({ tie.x, -std::numeric_limits<double>::infinity() });
+
+    const Place right{ tie.right->x, tie.right->y };
+    const Place left{ tie.left->x, tie.left->y };
+    const bool rightIsLowerBound =
+        (arranged == arrangedEnd || !(Place(arranged->x, arranged->y) < right))
+        && (inserted == m_insertedPlaces.end() || !(*inserted < right));
+    if (rightIsLowerBound)
+        return tie.right;
+    const bool leftIsPredecessor =
+        (arranged == m_points.cbegin() || !(left < Place((arranged - 1)->x, (arranged - 1)->y)))
+        && (inserted == m_insertedPlaces.begin() || !(left < *std::prev(inserted)));
+    return leftIsPredecessor ? tie.left : tie.right;
+}
