@@ -1,0 +1,80 @@
+#pragma once
+
+#include "import/mapimport.h"
+
+#include <QStringView>
+#include <QVarLengthArray>
+
+/// Reads the MapInfo interchange pair: the MIF file with the geometry and the MID file with one
+/// row of attributes per object, in the same order.
+///
+/// The point pass collects POINT objects; the object pass builds LINE, PLINE and REGION objects.
+/// Designations come from the first MID column. Other objects only consume their MID row;
+/// a COLLECTION ends the pass. The format is MapInfo's published one, narrowed: the first three
+/// lines must be VERSION, CHARSET and DELIMITER, and no blank line may stand inside an object.
+class MifImport : public MapImport {
+public:
+    MifImport() = default;
+    ~MifImport() override;
+
+protected:
+    bool loadPoints() override;
+    bool loadPolygons() override;
+
+    /// Checks the three header lines, takes the delimiter from them, and reports a wrong header.
+    bool checkMifFile();
+    /// Reads a MIF line into `line`; with `split`, also its tokens. False when it is blank.
+    bool readTokenizeMifLine(bool split);
+    /// Opens the MID file that belongs to `file`, and reports one that cannot be opened.
+    bool openMidFile();
+    /// Reads a MID row. False when it is blank or missing.
+    bool readMidLine();
+    /// Reads a MID row and stores its first column in `def` unless that is null; does nothing and
+    /// returns true when there is no MID file. False when the row is blank or missing.
+    bool readMidDef(QString* def);
+    /// The first column of a MID row, without quotes; null when it is empty.
+    QString extractDef(QStringView row) const;
+
+    bool readPoint();
+    bool readLine();
+    bool readPline();
+    bool readPlineMultiple();
+    bool readRegion();
+    /// Reads a contour of `count` vertices; the last one of a `closed` contour closes it.
+    bool readSub(int count, bool closed);
+    bool readVert(bool closing);
+
+    QChar delimiter = QLatin1Char(','); ///< between the columns of a MID row
+    QVarLengthArray<QStringView, 8> tokens; ///< the first ones of `line`, parted by white space
+    QFile midFile;
+    QTextStream midIn; ///< the rows of `midFile`
+    QString midLine; ///< the last MID row read
+    int midLineNum = 0; ///< number of MID rows read: the one-based number of the last row
+
+private:
+    /// What starts on a line of the data section.
+    enum class Keyword {
+        None, ///< no object
+        Point,
+        Line,
+        Pline,
+        Region,
+        Collection,
+        Skipped, ///< an object that is passed over
+    };
+    /// What a pass does with an object of the given kind that starts on the current line.
+    using ObjectHandler = bool (MifImport::*)(Keyword);
+
+    bool scan(bool withMid, ObjectHandler handle);
+    bool scanObjects(ObjectHandler handle);
+    bool loadPoint(Keyword keyword);
+    bool loadPolygon(Keyword keyword);
+    bool skipObject();
+    bool readPolygon(Keyword keyword);
+    void tokenize();
+    bool isHeaderLine(QLatin1String keyword) const;
+    double tokenToDouble(int index, bool* ok) const;
+    int tokenToInt(int index, bool* ok) const;
+    bool readCount(int least, int* count);
+    static Keyword keywordOf(QStringView token);
+};
