@@ -16,6 +16,5 @@ public:
 
     QStringList operations() const override;
     QString operation(const QString& opName, const QString& contextName, const QString& tableName,
-        const QString& catalogueTableName, const GeometryInfo& info,
-        StatusFunc callback) override;
+        const QString& catalogueTableName, const GeometryInfo& info, StatusFunc callback) override;
 };
