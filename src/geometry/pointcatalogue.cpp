@@ -10,24 +10,32 @@
 
 namespace {
 
-/// Cells are squares with this many to a unit: small enough that points a tolerance apart cannot
-/// crowd one, large enough that most searches touch a single cell.
-constexpr double cellsPerUnit = 4;
+/// Cells are squares with so many to a unit: at first coarse ones, so that neighbouring vertices
+/// share a cell that is at hand, finer ones once points crowd a cell. In the finest, points
+/// a tolerance apart cannot come too close to be searched one by one.
+constexpr double coarsestCells = 1.0 / 64;
+constexpr double finestCells = 4;
+constexpr double refinement = 4;
+/// So many points may share a cell before cells are refined.
+constexpr int crowd = 32;
+/// More arranged points than this in a finest cell are better served by a tree.
+constexpr int denseCrowd = 128;
 /// A point that coincides with a place, and every nearer one, is within this distance of it in
 /// each coordinate: the diagonal of the tolerance square, rounded up.
 constexpr double reach = DefPoint::epsilon * 1.45;
-/// More arranged points than this in a cell are better served by a tree.
-constexpr int crowd = 256;
-/// From this size on std::sort relies on a strict order to stay within its range.
+/// Up to this size std::sort cannot leave its range even where there is no strict order.
 constexpr int sortThreshold = 16;
-/// Beyond this the cells of a double are finer than the numbers themselves.
+/// From here on cells would be finer than the numbers themselves.
 constexpr double cellLimit = 4503599627370496.0;
 
-quint64 cellCoordinate(double value)
+quint64 cellCoordinate(double value, double cellsPerUnit)
 {
-    const double cell = std::floor(value * cellsPerUnit);
-    if (std::abs(cell) < cellLimit)
-        return static_cast<quint64>(static_cast<qint64>(cell));
+    const double scaled = value * cellsPerUnit;
+    if (std::abs(scaled) < cellLimit) {
+        const auto truncated = static_cast<qint64>(scaled);
+        return static_cast<quint64>(
+            static_cast<double>(truncated) > scaled ? truncated - 1 : truncated);
+    }
     quint64 bits;
     std::memcpy(&bits, &value, sizeof bits);
     return bits;
@@ -45,24 +53,31 @@ quint64 cellHash(quint64 cellX, quint64 cellY)
 /// The part of a cell's hash that tells it from others in the same neighbourhood of the table.
 quint32 tagOf(quint64 cell)
 {
-    return static_cast<quint32>(cell >> 32);
+    return static_cast<quint32>(cell >> 40);
 }
 
-/// The distinct cell coordinates that a search around `value` touches.
+/// The distinct cell coordinates that a search around a value touches.
 class CellSpan {
 public:
-    explicit CellSpan(double value)
+    CellSpan(double value, double cellsPerUnit)
     {
-        for (const double edge : { value - reach, value, value + reach }) {
-            const quint64 cell = cellCoordinate(edge);
-            if (std::find(begin(), end(), cell) == end())
-                m_cells[m_size++] = cell;
-        }
+        add(cellCoordinate(value - reach, cellsPerUnit));
+        const quint64 last = cellCoordinate(value + reach, cellsPerUnit);
+        if (last == m_cells.front())
+            return;
+        add(cellCoordinate(value, cellsPerUnit));
+        add(last);
     }
     const quint64* begin() const { return m_cells.data(); }
     const quint64* end() const { return m_cells.data() + m_size; }
 
 private:
+    void add(quint64 cell)
+    {
+        if (m_size == 0 || m_cells[m_size - 1] != cell)
+            m_cells[m_size++] = cell;
+    }
+
     std::array<quint64, 3> m_cells;
     size_t m_size = 0;
 };
@@ -91,6 +106,11 @@ void mergeCoincident(QVector<DefPoint>& points)
     points.erase(kept + 1, points.end());
 }
 
+PointCatalogue::PointCatalogue()
+    : m_cellsPerUnit(coarsestCells)
+{
+}
+
 void PointCatalogue::clear()
 {
     *this = PointCatalogue();
@@ -114,12 +134,12 @@ void PointCatalogue::becomeLiteral()
     m_literal = true;
 }
 
-void PointCatalogue::insert(const DefPoint& point)
+void PointCatalogue::insert(DefPoint point)
 {
     if (!m_literal && hasNan(point))
         becomeLiteral();
     if (!m_literal) {
-        m_points.append(point);
+        m_points.append(std::move(point));
         return;
     }
     m_points.insert(std::lower_bound(m_points.begin(), m_points.end(), point), point);
@@ -137,8 +157,8 @@ const DefPoint* PointCatalogue::findCoincident(double x, double y)
     catchUp();
     NearestSides nearest{ x, y, 2 * reach * reach };
     m_arrangedIndex.collect(nearest);
-    const CellSpan rows(y);
-    for (const quint64 cellX : CellSpan(x)) {
+    const CellSpan rows(y, m_cellsPerUnit);
+    for (const quint64 cellX : CellSpan(x, m_cellsPerUnit)) {
         for (const quint64 cellY : rows)
             visitCell(cellHash(cellX, cellY), nearest);
     }
@@ -151,25 +171,28 @@ void PointCatalogue::catchUp()
     if (m_indexed == m_points.size())
         return;
     m_next.resize(static_cast<size_t>(m_points.size()), -1);
-    if (m_indexed == 0)
-        indexArranged();
-    for (; m_indexed < m_points.size(); ++m_indexed)
-        addToCell(m_indexed);
+    for (; m_indexed < m_points.size(); ++m_indexed) {
+        const int length = addToCell(m_indexed);
+        if (length > crowd && m_cellsPerUnit < finestCells)
+            refineCells();
+        else if (length > denseCrowd && m_indexed < m_arranged)
+            indexArranged();
+    }
+}
+
+void PointCatalogue::refineCells()
+{
+    m_cellsPerUnit *= refinement;
+    rehash(m_slots.size());
+    addToCell(m_indexed);
 }
 
 void PointCatalogue::indexArranged()
 {
-    for (; m_indexed < m_arranged; ++m_indexed) {
-        if (addToCell(m_indexed) > crowd)
-            break;
-    }
-    if (m_indexed == m_arranged)
-        return;
-    m_slots.clear();
-    m_usedSlots = 0;
     m_arrangedIndex = NearestIndex(m_points.mid(0, m_arranged));
     m_firstInCells = m_arranged;
-    m_indexed = m_arranged;
+    m_indexed = m_arranged - 1;
+    rehash(m_slots.size());
 }
 
 int PointCatalogue::addToCell(int index)
@@ -180,20 +203,23 @@ int PointCatalogue::addToCell(int index)
         return 0;
     // Half full at most, so that searches for an absent cell end soon.
     if (m_usedSlots * 2 >= m_slots.size())
-        rehash(std::max<size_t>(m_slots.size() * 4, 1024));
+        rehash(std::max<size_t>(m_slots.size() * 2, 1024));
 
-    const quint64 cell = cellHash(cellCoordinate(point.x), cellCoordinate(point.y));
+    const quint64 cell =
+        cellHash(cellCoordinate(point.x, m_cellsPerUnit), cellCoordinate(point.y, m_cellsPerUnit));
     Slot& slot = slotOf(cell);
     m_usedSlots += slot.head < 0 ? 1 : 0;
-    slot.tag = tagOf(cell);
+    slot.tag = tagOf(cell) & 0xFFFFFF;
     m_next[static_cast<size_t>(index)] = slot.head;
     slot.head = index;
-    return ++slot.length;
+    if (slot.length <= denseCrowd)
+        ++slot.length;
+    return slot.length;
 }
 
 void PointCatalogue::rehash(size_t slotCount)
 {
-    m_slots.assign(slotCount, Slot());
+    m_slots.assign(slotCount, Slot{ 0, 0, -1 });
     m_usedSlots = 0;
     for (int i = m_firstInCells; i < m_indexed; ++i)
         addToCell(i);

@@ -28,6 +28,8 @@ void mergeCoincident(QVector<DefPoint>& points);
 /// sorted vector and searches it literally.
 class PointCatalogue {
 public:
+    PointCatalogue();
+
     void clear();
     bool isEmpty() const { return m_points.isEmpty(); }
     int size() const { return m_points.size(); }
@@ -44,18 +46,19 @@ public:
     /// until the next change of the catalogue.
     const DefPoint* findCoincident(double x, double y);
     /// Adds a point that later searches find. To be called on an arranged catalogue.
-    void insert(const DefPoint& point);
+    void insert(DefPoint point);
 
 private:
     /// An entry of the hash table: the points of a cell as a chain through m_next.
     struct Slot {
-        quint32 tag = 0;
-        int head = -1;
-        int length = 0;
+        quint32 tag : 24;
+        quint32 length : 8; ///< number of points, or the most that fits
+        int head;
     };
 
     void becomeLiteral();
     void catchUp();
+    void refineCells();
     void indexArranged();
     int addToCell(int index);
     void rehash(size_t slotCount);
@@ -70,6 +73,7 @@ private:
     int m_indexed = 0; ///< so many points at the front can be found
     NearestIndex m_arrangedIndex; ///< the arranged points, where they would crowd a cell
     int m_firstInCells = 0; ///< the points from here on are in the cells
+    double m_cellsPerUnit;
     std::vector<Slot> m_slots; ///< open addressing; the size is a power of two
     size_t m_usedSlots = 0;
     std::vector<int> m_next; ///< for each point the next one of its cell, or -1

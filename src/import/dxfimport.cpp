@@ -69,13 +69,20 @@ bool DxfImport::readCodeValue()
         unread = false;
         return true;
     }
-    readTextLine(m_codeLine);
-    code = QStringView(m_codeLine).trimmed();
+    code = in.readLine().trimmed();
     if (code.isEmpty())
         return false;
-    readTextLine(line);
-    value = QStringView(line).trimmed();
+    m_valueLine = in.readLine();
+    value = m_valueLine.trimmed();
     return true;
+}
+
+void DxfImport::keepPair()
+{
+    m_keptCode = code.toString();
+    m_keptValue = value.toString();
+    code = m_keptCode;
+    value = m_keptValue;
 }
 
 bool DxfImport::checkDxfFile()
@@ -83,7 +90,7 @@ bool DxfImport::checkDxfFile()
     const bool isDxf = readCodeValue() && code == entityCode && value == QLatin1String("SECTION")
         && readCodeValue() && code == QLatin1String("2") && value == QLatin1String("HEADER");
     if (!isDxf) {
-        reportFile(QStringLiteral("Ошибка. Файл %1 не соответствует формату DXF"), file.fileName());
+        reportFile(QStringLiteral("Ошибка. Файл %1 не соответствует формату DXF"), in.fileName());
     }
     return isDxf;
 }
@@ -175,7 +182,7 @@ bool DxfImport::readText()
         }
         if (code == QLatin1String("1")) {
             hasText = true;
-            text = line.trimmed();
+            text = m_valueLine.toString();
         } else if (code == QLatin1String("10")) {
             x.read(value);
         } else if (code == QLatin1String("20")) {
@@ -308,10 +315,12 @@ bool DxfImport::scanEntities(EntityReceiver receive)
             }
         }
         if (!ok) {
-            report(QStringLiteral("Ошибка чтения DXF файла в строке: %1"), lineNum);
+            report(QStringLiteral("Ошибка чтения DXF файла в строке: %1"), in.lineNum());
             return false;
         }
     }
+    if (unread)
+        keepPair();
     return true;
 }
 

@@ -55,7 +55,7 @@ protected:
     void pointsFromPolygons();
 
     QStringView code; ///< group code of the current pair, trimmed
-    QStringView value; ///< value of the current pair, trimmed; `line` holds it untrimmed
+    QStringView value; ///< value of the current pair, trimmed
     bool unread = false; ///< the next readCodeValue() hands back the current pair
     QVector<DefPoint> texts; ///< text labels: decoded text and reference point
 
@@ -69,11 +69,14 @@ private:
     template <size_t Count>
     bool readCoordinates(
         const std::array<QLatin1String, Count>& codes, std::array<double, Count>& coordinates);
+    void keepPair();
     bool closeContour(bool closed);
     const DefPoint* findText(const QPointF& place);
     void setTexts(const QVector<DefPoint>& newTexts, bool sorted);
 
-    QString m_codeLine;
+    QStringView m_valueLine; ///< the value of the current pair as it stands in the file
+    QString m_keptCode; ///< hold the current pair where it outlives its file
+    QString m_keptValue;
     bool m_textsSorted = false;
     std::optional<NearestIndex> m_textIndex; ///< over sorted `texts`, made for the first search
 };

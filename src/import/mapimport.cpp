@@ -5,6 +5,8 @@
 
 #include <QDir>
 
+#include <utility>
+
 MapImport::MapImport()
     : codec(QTextCodec::codecForLocale())
 {
@@ -25,7 +27,7 @@ bool MapImport::importMap()
     if (searchPointDefs) {
         if (openFile(pointFileName.isEmpty() ? objectFileName : pointFileName)) {
             const bool loaded = loadPoints();
-            closeFile();
+            in.close();
             if (!loaded)
                 return false;
         }
@@ -35,40 +37,21 @@ bool MapImport::importMap()
     if (!openFile(objectFileName))
         return true;
     const bool loaded = loadPolygons();
-    closeFile();
+    in.close();
     return loaded;
 }
 
 bool MapImport::openFile(const QString& fileName)
 {
-    file.setFileName(fileName);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    const bool opened = in.open(fileName, codec);
+    if (!opened)
         reportFile(QStringLiteral("Ошибка открытия файла %1"), fileName);
-        return false;
-    }
-    in.setDevice(&file);
-    in.setCodec(codec);
-    lineNum = 0;
-    return true;
-}
-
-void MapImport::closeFile()
-{
-    in.setDevice(nullptr);
-    file.close();
+    return opened;
 }
 
 void MapImport::resetInFileStream()
 {
-    file.seek(0);
-    in.seek(0);
-}
-
-void MapImport::readTextLine(QString& text)
-{
-    if (!in.readLineInto(&text))
-        text = QString();
-    ++lineNum;
+    in.rewind();
 }
 
 void MapImport::appendEmptyPolygon()
@@ -85,7 +68,7 @@ QString MapImport::vertexDef(double x, double y)
 {
     if (const DefPoint* point = points.findCoincident(x, y))
         return point->def;
-    const QString def = numberedDef(pointPref, pointStartNum++);
+    QString def = numberedDef(pointPref, pointStartNum++);
     points.insert(DefPoint{ def, x, y });
     return def;
 }
@@ -93,8 +76,10 @@ QString MapImport::vertexDef(double x, double y)
 void MapImport::appendVert(double x, double y, bool closing)
 {
     QVector<DefPoint>& contour = map->last().contours.last();
-    const QString def = closing ? contour.first().def : vertexDef(x, y);
-    contour.append(swapXY ? DefPoint{ def, y, x } : DefPoint{ def, x, y });
+    DefPoint vertex{ closing ? contour.first().def : vertexDef(x, y), x, y };
+    if (swapXY)
+        std::swap(vertex.x, vertex.y);
+    contour.append(std::move(vertex));
 }
 
 void MapImport::setLastPolygonDef(const QString& def)

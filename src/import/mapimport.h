@@ -2,12 +2,11 @@
 
 #include "geometry/defpolygon.h"
 #include "geometry/pointcatalogue.h"
+#include "import/linereader.h"
 
 #include <QByteArray>
-#include <QFile>
 #include <QString>
 #include <QTextCodec>
-#include <QTextStream>
 #include <QVector>
 
 /// The base of the file readers: options, files, passes, and the operations that build objects.
@@ -49,15 +48,13 @@ public:
     QVector<DefPolygon>* map = nullptr; ///< the collection to fill; not owned
 
 protected:
-    /// The point pass over `file`: fills `points`. False when it was stopped by an error.
+    /// The point pass over `in`: fills `points`. False when it was stopped by an error.
     virtual bool loadPoints() = 0;
-    /// The object pass over `file`: fills `map`. False when it was stopped by an error.
+    /// The object pass over `in`: fills `map`. False when it was stopped by an error.
     virtual bool loadPolygons() = 0;
 
-    /// Starts the current file again from its beginning; `lineNum` runs on.
+    /// Starts the current file again from its beginning; the count of lines runs on.
     void resetInFileStream();
-    /// Reads the next line into `text` and counts it. At the end of the file `text` becomes null.
-    void readTextLine(QString& text);
 
     /// Adds an object without contours.
     void appendEmptyPolygon();
@@ -76,15 +73,11 @@ protected:
     static void reportFile(const QString& text, const QString& fileName);
 
     PointCatalogue points; ///< the named points
-    QTextStream in; ///< the lines of `file`
-    QString line; ///< the last line read
-    int lineNum = 0; ///< number of lines read in this pass: the one-based number of the last line
+    LineReader in; ///< the file of the current pass
     QTextCodec* codec; ///< the text codec of all files
-    QFile file; ///< the file of the current pass
     QByteArray encoding; ///< the codec name last asked for
 
 private:
     bool openFile(const QString& fileName);
-    void closeFile();
     QString vertexDef(double x, double y);
 };

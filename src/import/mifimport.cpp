@@ -6,8 +6,8 @@
 
 namespace {
 
-/// A LINE has the most tokens that are looked at: the keyword and four coordinates.
-constexpr int maxTokens = 5;
+/// A count is only a claim: room for more vertices than this is made as they come.
+constexpr int maxReserved = 64;
 
 bool isAscii(QStringView text)
 {
@@ -45,8 +45,10 @@ MifImport::Keyword MifImport::keywordOf(QStringView token)
         { QLatin1String("MULTIPOINT"), Keyword::Skipped },
         { QLatin1String("COLLECTION"), Keyword::Collection },
     };
+    const QChar first = token.front().toUpper();
     for (const auto& object : objects) {
-        if (token.size() == object.name.size() && isKeyword(token, object.name))
+        if (first == object.name.front() && token.size() == object.name.size()
+            && isKeyword(token, object.name))
             return object.keyword;
     }
     return Keyword::None;
@@ -56,13 +58,13 @@ MifImport::Keyword MifImport::keywordOf(QStringView token)
 
 bool MifImport::readTokenizeMifLine(bool split)
 {
-    readTextLine(line);
+    line = in.readLine().trimmed();
     if (split)
         tokenize();
-    return !QStringView(line).trimmed().isEmpty();
+    return !line.isEmpty();
 }
 
-void MifImport::tokenize()
+void MifImport::tokenize(int maxTokens)
 {
     tokens.clear();
     const QChar* it = line.cbegin();
@@ -94,7 +96,7 @@ bool MifImport::readCount(int least, int* count)
 {
     readTokenizeMifLine(false);
     bool ok = false;
-    *count = QStringView(line).trimmed().toString().toInt(&ok);
+    *count = line.toString().toInt(&ok);
     return ok && *count >= least;
 }
 
@@ -111,7 +113,7 @@ bool MifImport::checkMifFile()
         readTokenizeMifLine(true);
         if (!isHeaderLine(QLatin1String(keyword))) {
             reportFile(
-                QStringLiteral("Ошибка. Файл %1 не соответствует формату MIF"), file.fileName());
+                QStringLiteral("Ошибка. Файл %1 не соответствует формату MIF"), in.fileName());
             return false;
         }
     }
@@ -123,37 +125,30 @@ bool MifImport::checkMifFile()
 
 bool MifImport::openMidFile()
 {
-    QString name = file.fileName();
+    QString name = in.fileName();
     // Only the last letter changes, in lower case whatever the case of the name.
     name.chop(1);
     name.append(QLatin1Char('d'));
-    midFile.setFileName(name);
-    if (!midFile.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    const bool opened = mid.open(name, codec);
+    if (!opened)
         reportFile(QStringLiteral("Ошибка открытия MID файла %1"), name);
-        return false;
-    }
-    midIn.setDevice(&midFile);
-    midIn.setCodec(codec);
-    midLineNum = 0;
-    return true;
+    return opened;
 }
 
 bool MifImport::readMidLine()
 {
-    if (!midIn.readLineInto(&midLine))
-        midLine = QString();
-    ++midLineNum;
-    return !QStringView(midLine).trimmed().isEmpty();
+    midLine = mid.readLine().trimmed();
+    return !midLine.isEmpty();
 }
 
 bool MifImport::readMidDef(QString* def)
 {
-    if (!midFile.isOpen())
+    if (!mid.isOpen())
         return true;
     if (!readMidLine())
         return false;
     if (def)
-        *def = extractDef(QStringView(midLine).trimmed());
+        *def = extractDef(midLine);
     return true;
 }
 
@@ -202,8 +197,7 @@ bool MifImport::scan(bool withMid, ObjectHandler handle)
     if (withMid && !openMidFile())
         return false;
     const bool done = scanObjects(handle);
-    midIn.setDevice(nullptr);
-    midFile.close();
+    mid.close();
     return done;
 }
 
@@ -216,14 +210,15 @@ bool MifImport::scanObjects(ObjectHandler handle)
             QStringView(line).trimmed().compare(QLatin1String("DATA"), Qt::CaseInsensitive) == 0;
     }
     while (!in.atEnd()) {
-        if (!readTokenizeMifLine(true))
-            continue;
-        const Keyword keyword = keywordOf(tokens.first());
+        line = in.readLine();
+        tokenize(1);
+        const Keyword keyword = tokens.isEmpty() ? Keyword::None : keywordOf(tokens.first());
         if (keyword == Keyword::None)
             continue;
+        tokenize();
         if (keyword == Keyword::Collection) {
             report(QStringLiteral("Ошибка в стоке %1. Коллекции в MIF файлах не поддерживаются."),
-                lineNum);
+                in.lineNum());
             return true;
         }
         if (!(this->*handle)(keyword))
@@ -236,7 +231,7 @@ bool MifImport::skipObject()
 {
     if (readMidDef(nullptr))
         return true;
-    report(QStringLiteral("Ошибка чтения данных объекта из строки: %1"), midLineNum);
+    report(QStringLiteral("Ошибка чтения данных объекта из строки: %1"), mid.lineNum());
     return false;
 }
 
@@ -245,12 +240,12 @@ bool MifImport::loadPoint(Keyword keyword)
     if (keyword != Keyword::Point)
         return skipObject();
     if (!readPoint()) {
-        report(QStringLiteral("Ошибка чтения координат точки из строки: %1"), lineNum);
+        report(QStringLiteral("Ошибка чтения координат точки из строки: %1"), in.lineNum());
         return false;
     }
     QString def;
     if (!readMidDef(&def)) {
-        report(QStringLiteral("Ошибка чтения обозначения точки из строки: %1"), midLineNum);
+        report(QStringLiteral("Ошибка чтения обозначения точки из строки: %1"), mid.lineNum());
         return false;
     }
     points.setDef(points.size() - 1, def);
@@ -265,7 +260,7 @@ bool MifImport::loadPolygon(Keyword keyword)
         return false;
     QString def;
     if (!readMidDef(&def)) {
-        report(QStringLiteral("Ошибка чтения обозначения объекта из строки: %1"), midLineNum);
+        report(QStringLiteral("Ошибка чтения обозначения объекта из строки: %1"), mid.lineNum());
         return false;
     }
     setLastPolygonDef(def);
@@ -277,17 +272,17 @@ bool MifImport::readPolygon(Keyword keyword)
     if (keyword == Keyword::Line) {
         if (readLine())
             return true;
-        report(QStringLiteral("Ошибка чтения линии из строки: %1"), lineNum);
+        report(QStringLiteral("Ошибка чтения линии из строки: %1"), in.lineNum());
     } else if (keyword == Keyword::Pline) {
         const bool multiple =
             tokens.size() > 1 && isKeyword(tokens.at(1), QLatin1String("MULTIPLE"));
         if (multiple ? readPlineMultiple() : readPline())
             return true;
-        report(QStringLiteral("Ошибка чтения полилинии из строки: %1"), lineNum);
+        report(QStringLiteral("Ошибка чтения полилинии из строки: %1"), in.lineNum());
     } else {
         if (readRegion())
             return true;
-        report(QStringLiteral("Ошибка чтения области из строки: %1"), lineNum);
+        report(QStringLiteral("Ошибка чтения области из строки: %1"), in.lineNum());
     }
     return false;
 }
@@ -371,6 +366,7 @@ bool MifImport::readSub(int count, bool closed)
     appendEmptyContour();
     if (in.atEnd() || count < 1)
         return count == 0;
+    map->last().contours.last().reserve(std::min(count, maxReserved));
     int vertices = 0;
     while (vertices < count && !in.atEnd()) {
         if (!readVert(closed && vertices == count - 1))
@@ -382,13 +378,18 @@ bool MifImport::readSub(int count, bool closed)
 
 bool MifImport::readVert(bool closing)
 {
-    readTokenizeMifLine(true);
-    bool okX = false;
-    bool okY = false;
-    const double x = tokenToDouble(0, &okX);
-    const double y = tokenToDouble(1, &okY);
-    if (tokens.size() != 2 || !okX || !okY)
-        return false;
+    line = in.readLine();
+    double x = 0;
+    double y = 0;
+    if (!toPlainPair(line, &x, &y)) {
+        tokenize();
+        bool okX = false;
+        bool okY = false;
+        x = tokenToDouble(0, &okX);
+        y = tokenToDouble(1, &okY);
+        if (tokens.size() != 2 || !okX || !okY)
+            return false;
+    }
     appendVert(x, y, closing);
     return true;
 }

@@ -23,9 +23,11 @@ protected:
 
     /// Checks the three header lines, takes the delimiter from them, and reports a wrong header.
     bool checkMifFile();
-    /// Reads a MIF line into `line`; with `split`, also its tokens. False when it is blank.
+    /// Reads a MIF line into `line`, trimmed; with `split`, also its tokens. False when it is
+    /// blank.
     bool readTokenizeMifLine(bool split);
-    /// Opens the MID file that belongs to `file`, and reports one that cannot be opened.
+    /// Opens the MID file that belongs to the MIF file of the pass, and reports one that cannot be
+    /// opened.
     bool openMidFile();
     /// Reads a MID row. False when it is blank or missing.
     bool readMidLine();
@@ -45,13 +47,15 @@ protected:
     bool readVert(bool closing);
 
     QChar delimiter = QLatin1Char(','); ///< between the columns of a MID row
+    QStringView line; ///< the last MIF line read, trimmed
     QVarLengthArray<QStringView, 8> tokens; ///< the first ones of `line`, parted by white space
-    QFile midFile;
-    QTextStream midIn; ///< the rows of `midFile`
-    QString midLine; ///< the last MID row read
-    int midLineNum = 0; ///< number of MID rows read: the one-based number of the last row
+    LineReader mid; ///< the MID file
+    QStringView midLine; ///< the last MID row read, trimmed
 
 private:
+    /// A LINE has the most tokens that are looked at: the keyword and four coordinates.
+    static constexpr int mostTokens = 5;
+
     /// What starts on a line of the data section.
     enum class Keyword {
         None, ///< no object
@@ -71,7 +75,7 @@ private:
     bool loadPolygon(Keyword keyword);
     bool skipObject();
     bool readPolygon(Keyword keyword);
-    void tokenize();
+    void tokenize(int maxTokens = mostTokens);
     bool isHeaderLine(QLatin1String keyword) const;
     double tokenToDouble(int index, bool* ok) const;
     int tokenToInt(int index, bool* ok) const;

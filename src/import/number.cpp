@@ -7,44 +7,50 @@
 namespace {
 
 /// Powers of ten that a double holds exactly.
-constexpr std::array<double, 23> powersOfTen{ 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9,
-    1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22 };
+constexpr std::array<double, 16> powersOfTen{ 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9,
+    1e10, 1e11, 1e12, 1e13, 1e14, 1e15 };
 /// Any number of so many decimal digits is an exact double.
 constexpr int exactDigits = 15;
 
-/// Converts digits with an optional sign and decimal point when both the digits and the power of
-/// ten are exact doubles: one division then rounds correctly.
-bool parsePlain(QStringView text, double* value)
+/// Reads decimal digits at `it`, appends them to `value` (which wraps when there are too many) and
+/// returns their end.
+const QChar* scanDigits(const QChar* it, const QChar* end, quint64* value)
 {
-    const QChar* it = text.cbegin();
-    const QChar* const end = text.cend();
+    for (; it != end; ++it) {
+        const uint digit = it->unicode() - uint('0');
+        if (digit > 9)
+            break;
+        *value = *value * 10 + digit;
+    }
+    return it;
+}
+
+/// Converts a plain decimal number at `it` when both its digits and the power of ten are exact
+/// doubles: one division then rounds correctly. Returns the end of the number, or null where
+/// there is none of this form.
+const QChar* scanPlain(const QChar* it, const QChar* end, double* value)
+{
     const bool negative = it != end && *it == QLatin1Char('-');
     if (negative)
         ++it;
-    if (end - it > exactDigits + 1)
-        return false;
-
-    qint64 digits = 0;
-    qsizetype digitCount = 0;
-    const QChar* point = nullptr;
-    for (; it != end; ++it) {
-        const uint digit = it->unicode() - uint('0');
-        if (digit <= 9) {
-            digits = digits * 10 + digit;
-            ++digitCount;
-        } else if (*it == QLatin1Char('.') && !point && digitCount > 0) {
-            point = it;
-        } else {
-            return false;
-        }
+    quint64 digits = 0;
+    const QChar* const pointOrEnd = scanDigits(it, end, &digits);
+    const auto wholes = pointOrEnd - it;
+    it = pointOrEnd;
+    std::ptrdiff_t decimals = 0;
+    if (it != end && *it == QLatin1Char('.')) {
+        it = scanDigits(pointOrEnd + 1, end, &digits);
+        decimals = it - pointOrEnd - 1;
+        if (decimals == 0)
+            return nullptr;
     }
-    const auto decimals = point ? static_cast<size_t>(end - point - 1) : 0;
-    if (digitCount == 0 || digitCount > exactDigits || (point && decimals == 0))
-        return false;
+    if (wholes == 0 || wholes + decimals > exactDigits)
+        return nullptr;
 
-    const double magnitude = static_cast<double>(digits) / powersOfTen[decimals];
+    const double magnitude = static_cast<double>(static_cast<qint64>(digits))
+        / powersOfTen[static_cast<size_t>(decimals)];
     *value = negative ? -magnitude : magnitude;
-    return true;
+    return it;
 }
 
 } // namespace
@@ -52,8 +58,17 @@ bool parsePlain(QStringView text, double* value)
 double toDouble(QStringView text, bool* ok)
 {
     double value = 0;
-    if (!parsePlain(text, &value))
+    const QChar* const end = scanPlain(text.cbegin(), text.cend(), &value);
+    if (!end || end != text.cend())
         return text.toString().toDouble(ok);
     *ok = true;
     return value;
+}
+
+bool toPlainPair(QStringView text, double* first, double* second)
+{
+    const QChar* const end = text.cend();
+    const QChar* const middle = scanPlain(text.cbegin(), end, first);
+    return middle && middle != end && *middle == QLatin1Char(' ')
+        && scanPlain(middle + 1, end, second) == end;
 }
