@@ -197,16 +197,19 @@ void PointCatalogue::indexArranged()
 
 int PointCatalogue::addToCell(int index)
 {
+    if (isHalfFull())
+        rehash(std::max<size_t>(m_slots.size() * 2, 1024));
+    return link(index);
+}
+
+int PointCatalogue::link(int index)
+{
     const DefPoint& point = m_points.at(index);
     // An infinitely distant point is never the nearest.
     if (!std::isfinite(point.x) || !std::isfinite(point.y))
         return 0;
-    // Half full at most, so that searches for an absent cell end soon.
-    if (m_usedSlots * 2 >= m_slots.size())
-        rehash(std::max<size_t>(m_slots.size() * 2, 1024));
-
-    const quint64 cell =
-        cellHash(cellCoordinate(point.x, m_cellsPerUnit), cellCoordinate(point.y, m_cellsPerUnit));
+    const quint64 cell = cellHash(
+        cellCoordinate(point.x, m_cellsPerUnit), cellCoordinate(point.y, m_cellsPerUnit));
     Slot& slot = slotOf(cell);
     m_usedSlots += slot.head < 0 ? 1 : 0;
     slot.tag = tagOf(cell) & 0xFFFFFF;
@@ -217,12 +220,22 @@ int PointCatalogue::addToCell(int index)
     return slot.length;
 }
 
+bool PointCatalogue::isHalfFull() const
+{
+    return m_usedSlots * 2 >= m_slots.size();
+}
+
 void PointCatalogue::rehash(size_t slotCount)
 {
-    m_slots.assign(slotCount, Slot{ 0, 0, -1 });
+    m_slots.assign(slotCount, Slot{0, 0, -1});
     m_usedSlots = 0;
-    for (int i = m_firstInCells; i < m_indexed; ++i)
-        addToCell(i);
+    for (int i = m_firstInCells; i < m_indexed; ++i) {
+        if (isHalfFull()) {
+            rehash(slotCount * 2);
+            return;
+        }
+        link(i);
+    }
 }
 
 PointCatalogue::Slot& PointCatalogue::slotOf(quint64 cell)

@@ -61,6 +61,8 @@ private:
     void refineCells();
     void indexArranged();
     int addToCell(int index);
+    int link(int index);
+    bool isHalfFull() const;
     void rehash(size_t slotCount);
     Slot& slotOf(quint64 cell);
     void visitCell(quint64 cell, NearestSides& nearest);

@@ -1,0 +1,211 @@
+#include "import/linereader.h"
+
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextCodec>
+#include <QTextStream>
+
+namespace {
+
+/// What a reader gives: its lines, and after each one whether the file has ended.
+struct Reading {
+    QStringList lines;
+    QList<bool> ends;
+
+    void add(const QString& line, bool atEnd)
+    {
+        lines.append(line);
+        ends.append(atEnd);
+    }
+    bool sameNulls(const Reading& other) const
+    {
+        for (int i = 0; i < lines.size(); ++i) {
+            if (lines.at(i).isNull() != other.lines.at(i).isNull())
+                return false;
+        }
+        return true;
+    }
+};
+
+/// Lines are asked for beyond the end, too.
+constexpr int linesPastEnd = 2;
+
+Reading readWithStream(const QString& fileName, QTextCodec* codec)
+{
+    Reading reading;
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return reading;
+    QTextStream in(&file);
+    in.setCodec(codec);
+    for (int past = 0; past < linesPastEnd;) {
+        past += in.atEnd() ? 1 : 0;
+        const QString line = in.readLine();
+        reading.add(line, in.atEnd());
+    }
+    return reading;
+}
+
+Reading readWithReader(LineReader& reader)
+{
+    Reading reading;
+    for (int past = 0; past < linesPastEnd;) {
+        past += reader.atEnd() ? 1 : 0;
+        const QString line = reader.readLine().toString();
+        reading.add(line, reader.atEnd());
+    }
+    return reading;
+}
+
+QByteArray randomText(QRandomGenerator& random, int size)
+{
+    static const QByteArray pieces[] = { "\n", "\r\n", "\r", "\r\r\n", "\n\n", "0", " 10", "12.5",
+        "\t", "\xD0\x97\xD0\xA3", "\xD0", "\xE2\x82", "\xFF", QByteArray(1, '\0'),
+        QByteArray(300, 'x') };
+    QByteArray text;
+    while (text.size() < size)
+        text += pieces[random.bounded(int(std::size(pieces)))];
+    return text.left(size);
+}
+
+} // namespace
+
+class TestLineReader : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { QVERIFY(m_dir.isValid()); }
+    void sameLinesAsStream_data();
+    void sameLinesAsStream();
+    void randomFiles();
+    void lastTwoLinesStayValid();
+    void rewindsAndCountsOn();
+    void reportsMissingFile();
+
+private:
+    QString write(const QByteArray& content)
+    {
+        const QString name = m_dir.filePath(QStringLiteral("lines.txt"));
+        QFile file(name);
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot write %s", qPrintable(name));
+        return name;
+    }
+    void compare(const QByteArray& content, const char* codecName)
+    {
+        const QString name = write(content);
+        QTextCodec* codec = QTextCodec::codecForName(codecName);
+        const Reading expected = readWithStream(name, codec);
+        LineReader reader;
+        QVERIFY(reader.open(name, codec));
+        const Reading actual = readWithReader(reader);
+        QCOMPARE(actual.lines, expected.lines);
+        QCOMPARE(actual.ends, expected.ends);
+        QVERIFY(actual.sameNulls(expected));
+        QCOMPARE(reader.lineNum(), int(actual.lines.size()));
+    }
+
+    QTemporaryDir m_dir;
+};
+
+void TestLineReader::sameLinesAsStream_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("codec");
+
+    const QByteArray block(16383, 'a');
+    QTest::newRow("empty") << QByteArray() << QByteArray("UTF-8");
+    QTest::newRow("one line feed") << QByteArray("\n") << QByteArray("UTF-8");
+    QTest::newRow("one carriage return") << QByteArray("\r") << QByteArray("UTF-8");
+    QTest::newRow("no last line feed") << QByteArray("a\nb") << QByteArray("UTF-8");
+    QTest::newRow("carriage returns") << QByteArray("a\r\nb\r\r\nc\rd\r") << QByteArray("UTF-8");
+    QTest::newRow("byte-order mark") << QByteArray("\xEF\xBB\xBF"
+                                                   "0\nSECTION\n")
+                                     << QByteArray("windows-1251");
+    QTest::newRow("only a byte-order mark")
+        << QByteArray("\xEF\xBB\xBF") << QByteArray("windows-1251");
+    QTest::newRow("UTF-16 mark") << QByteArray("\xFF\xFE"
+                                               "0\0\n\0"
+                                               "1\0",
+        8) << QByteArray("windows-1251");
+    QTest::newRow("UTF-16 cut in half") << QByteArray("0\0\n\0"
+                                                      "1",
+        5) << QByteArray("UTF-16LE");
+    QTest::newRow("block ends a line") << block + "\nb" << QByteArray("windows-1251");
+    QTest::newRow("block ends the file") << block + "\n" << QByteArray("windows-1251");
+    QTest::newRow("line end across blocks") << block + "\r\nb\n" << QByteArray("windows-1251");
+    QTest::newRow("line across blocks") << block + block + block << QByteArray("windows-1251");
+    QTest::newRow("character across blocks") << block + "\xD0\x97\n" << QByteArray("UTF-8");
+    QTest::newRow("cut character alone in the last block")
+        << block + "\n\xD0" << QByteArray("UTF-8");
+    QTest::newRow("cut character ends the last block") << block + "\nab\xD0" << QByteArray("UTF-8");
+    QTest::newRow("NUL bytes") << QByteArray("a\0b\n\0\n", 6) << QByteArray("IBM866");
+}
+
+void TestLineReader::sameLinesAsStream()
+{
+    QFETCH(const QByteArray, content);
+    QFETCH(const QByteArray, codec);
+    compare(content, codec);
+}
+
+void TestLineReader::randomFiles()
+{
+    QRandomGenerator random(20);
+    const char* const codecs[] = { "UTF-8", "windows-1251", "IBM866", "UTF-16LE", "GB18030" };
+    for (int i = 0; i < 600; ++i) {
+        const int blocks = random.bounded(4) * 16384;
+        const int size = std::max(0, blocks + random.bounded(-20, 21)) + random.bounded(2) * 500;
+        compare(randomText(random, size), codecs[random.bounded(int(std::size(codecs)))]);
+        if (QTest::currentTestFailed())
+            qFatal("file %d of %d bytes", i, size);
+    }
+}
+
+void TestLineReader::lastTwoLinesStayValid()
+{
+    QByteArray content;
+    QStringList lines;
+    QRandomGenerator random(7);
+    for (int i = 0; i < 3000; ++i) {
+        lines.append(QString(random.bounded(1, 60), QChar('a' + i % 26)));
+        if (i % 500 == 0)
+            lines.last() = QString(40000, QLatin1Char('x'));
+        content += lines.last().toLatin1() + '\n';
+    }
+    LineReader reader;
+    QVERIFY(reader.open(write(content), QTextCodec::codecForName("UTF-8")));
+    QStringView previous = reader.readLine();
+    for (int i = 1; i < lines.size(); ++i) {
+        const QStringView line = reader.readLine();
+        QCOMPARE(previous.toString(), lines.at(i - 1));
+        QCOMPARE(line.toString(), lines.at(i));
+        previous = line;
+    }
+}
+
+void TestLineReader::rewindsAndCountsOn()
+{
+    LineReader reader;
+    QVERIFY(reader.open(write("\xEF\xBB\xBF"
+                              "one\ntwo\nthree"),
+        QTextCodec::codecForName("IBM866")));
+    QCOMPARE(reader.readLine().toString(), QStringLiteral("one"));
+    QCOMPARE(reader.readLine().toString(), QStringLiteral("two"));
+    reader.rewind();
+    QVERIFY(!reader.atEnd());
+    QCOMPARE(reader.readLine().toString(), QStringLiteral("one"));
+    QCOMPARE(reader.lineNum(), 3);
+}
+
+void TestLineReader::reportsMissingFile()
+{
+    LineReader reader;
+    QVERIFY(!reader.open(m_dir.filePath(QStringLiteral("absent")), QTextCodec::codecForLocale()));
+    QVERIFY(!reader.isOpen());
+    QVERIFY(!reader.open(m_dir.path(), QTextCodec::codecForLocale()));
+}
+
+QTEST_GUILESS_MAIN(TestLineReader)
+#include "tst_linereader.moc"
