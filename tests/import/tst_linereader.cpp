@@ -139,6 +139,8 @@ void TestLineReader::sameLinesAsStream_data()
     QTest::newRow("character across blocks") << block + "\xD0\x97\n" << QByteArray("UTF-8");
     QTest::newRow("cut character alone in the last block")
         << block + "\n\xD0" << QByteArray("UTF-8");
+    QTest::newRow("cut character alone behind a block of two-byte characters")
+        << QByteArray("\xD0\x97").repeated(8191) + "a\n\xD0" << QByteArray("UTF-8");
     QTest::newRow("cut character ends the last block") << block + "\nab\xD0" << QByteArray("UTF-8");
     QTest::newRow("NUL bytes") << QByteArray("a\0b\n\0\n", 6) << QByteArray("IBM866");
 }
