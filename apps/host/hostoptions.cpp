@@ -28,7 +28,7 @@ void declareOptions(QCommandLineParser& parser)
     const QString name = QStringLiteral("имя");
     const QString dir = QStringLiteral("папка");
     parser.addOptions({
-        option("plugin", QStringLiteral("Библиотека модуля импорта."), file,
+        option("library", QStringLiteral("Библиотека модуля импорта."), file,
             QCoreApplication::applicationDirPath()
                 + QStringLiteral("/../lib/libimportgeometry.so")),
         option(
@@ -112,7 +112,7 @@ HostOptions readOptions(const QCoreApplication& app)
     parser.process(app);
 
     HostOptions options;
-    options.pluginPath = QDir::cleanPath(parser.value(QStringLiteral("plugin")));
+    options.pluginPath = QDir::cleanPath(parser.value(QStringLiteral("library")));
     options.operation = parser.value(QStringLiteral("operation"));
     options.contextName = parser.value(QStringLiteral("context"));
     options.tableName = parser.value(QStringLiteral("table"));
