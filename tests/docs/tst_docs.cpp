@@ -32,11 +32,11 @@ QStringList pages()
     return result;
 }
 
-/// The names of all targets that the CMake files of the tree define.
+/// The names of all targets, and of their files, that the CMake files of the tree define.
 QSet<QString> targets()
 {
-    static const QRegularExpression definition(
-        QStringLiteral(R"((?:add_executable|add_library|importgeometry_\w+)\(\s*([\w-]+))"));
+    static const QRegularExpression definition(QStringLiteral(
+        R"((?:(?:add_executable|add_library|importgeometry_\w+)\(|OUTPUT_NAME)\s*([\w-]+))"));
     QSet<QString> result;
     const QStringList folders{ QStringLiteral("src"), QStringLiteral("apps"),
         QStringLiteral("tests"), QStringLiteral("bench") };
