@@ -1,0 +1,32 @@
+#pragma once
+
+#include "importgeometryinterface.h"
+
+#include <QPair>
+#include <QString>
+#include <QVector>
+
+class QCoreApplication;
+
+/// What the stand-in host was told on its command line.
+struct HostOptions {
+    /// Object names of the dialog's widgets and the values to give them, in this order.
+    using WidgetValues = QVector<QPair<QString, QString>>;
+
+    QString pluginPath;
+    QString operation; ///< empty: only list the operations
+    QString contextName;
+    QString tableName;
+    QString catalogueTableName;
+    GeometryInfo info;
+    WidgetValues widgetValues;
+    QString screenshotDir; ///< empty: no screenshots
+    QString outputFile; ///< empty: the result is printed
+    QString settingsDir; ///< empty: the user's own settings folder
+};
+
+/// True when nobody is there to use the dialog: on demand, or for want of a display.
+bool isUnattended(int argc, const char* const* argv);
+
+/// Reads the command line of `app`; ends the program on a request for help and on a usage error.
+HostOptions readOptions(const QCoreApplication& app);

@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, and imports the samples in the stand-in host: with a display
+# for you to use the dialog, without one by itself, with screenshots in build/demo. Arguments go to
+# the host; "--auto" does without the display.
+set -euo pipefail
+
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+scripts/build.sh
+
+demo=build/demo
+host=build/release/bin/importgeometry-host
+rm -rf "$demo"
+mkdir -p "$demo/runtime"
+chmod 700 "$demo/runtime"
+
+export LC_ALL=ru_RU.UTF-8
+export XDG_RUNTIME_DIR="${XDG_RUNTIME_DIR:-$PWD/$demo/runtime}"
+# The offscreen platform warns of the window hints that it ignores.
+export QT_LOGGING_RULES="default.warning=false"
+
+import() {
+    local name=$1
+    shift
+    echo
+    echo "=== $name ==="
+    # 2: cancelled in the dialog, which is no failure of the demo.
+    "$host" --settings "$demo/$name" --encoding Windows-1251 \
+        --screenshots "$demo/$name" "$@" || [ $? -eq 2 ]
+}
+
+import parcels --operation "Объекты из MIF" --file samples/parcels.mif \
+    --point-file samples/parcels-points.mif --set pointStartNumSpin=301 \
+    --set fieldEdit_0="межевой знак" --set updateCheck=true "$@"
+import quarter --operation "Объекты из DXF" --file samples/quarter.dxf "$@"
+import lots --operation "Объекты из DXF" --file samples/lots.dxf \
+    --point-file samples/lots-points.dxf "$@"
