@@ -4,6 +4,7 @@
 #include "import/dxfimport.h"
 #include "import/mifimport.h"
 #include "resultwriter.h"
+#include "sizecachingdelegate.h"
 #include "status.h"
 #include "ui_dialog.h"
 
@@ -39,6 +40,7 @@ Dialog::Dialog(QWidget* parent)
     connect(m_ui->buttonBox, SIGNAL(accepted()), this, SLOT(accept()));
     connect(m_ui->buttonBox, SIGNAL(rejected()), this, SLOT(reject()));
     m_ui->swapXYCheck->setVisible(false);
+    m_ui->listView->setItemDelegate(new SizeCachingDelegate(m_ui->listView));
 }
 
 Dialog::~Dialog()
