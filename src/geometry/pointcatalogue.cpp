@@ -118,37 +118,43 @@ void PointCatalogue::clear()
 
 void PointCatalogue::arrange()
 {
-    QVector<DefPoint> points = std::move(m_points);
+    QVector<DefPoint> points = m_sequence ? m_sequence->toVector() : std::move(m_points);
     clear();
     sortPoints(points);
     mergeCoincident(points);
     m_points = std::move(points);
     m_arranged = m_points.size();
     m_ordered = m_arranged;
-    m_literal = std::any_of(m_points.cbegin(), m_points.cend(), hasNan);
+    m_hasNan = std::any_of(m_points.cbegin(), m_points.cend(), hasNan);
 }
 
-void PointCatalogue::becomeLiteral()
+void PointCatalogue::giveUpOrder()
 {
-    sortPoints(m_points);
-    m_literal = true;
+    if (m_sequence)
+        return;
+    if (m_arranged < m_points.size())
+        sortPoints(m_points);
+    m_sequence.emplace(m_points);
+    m_points.clear();
 }
 
 void PointCatalogue::insert(DefPoint point)
 {
-    if (!m_literal && hasNan(point))
-        becomeLiteral();
-    if (!m_literal) {
+    m_hasNan = m_hasNan || hasNan(point);
+    if (!m_hasNan) {
         m_points.append(std::move(point));
         return;
     }
-    m_points.insert(std::lower_bound(m_points.begin(), m_points.end(), point), point);
+    giveUpOrder();
+    const auto isBefore = [&point](const DefPoint& other) { return other < point; };
+    m_sequence->insert(partitionIndex(*m_sequence, isBefore), point);
 }
 
 const DefPoint* PointCatalogue::findCoincident(double x, double y)
 {
-    if (m_literal) {
-        const DefPoint* nearest = findNearestPoint(m_points, QPointF(x, y));
+    if (m_hasNan) {
+        giveUpOrder();
+        const DefPoint* nearest = findNearestIn(*m_sequence, QPointF(x, y));
         return nearest && coincide(nearest->x, nearest->y, x, y) ? nearest : nullptr;
     }
     if (!std::isfinite(x) || !std::isfinite(y))
@@ -208,8 +214,8 @@ int PointCatalogue::link(int index)
     // An infinitely distant point is never the nearest.
     if (!std::isfinite(point.x) || !std::isfinite(point.y))
         return 0;
-    const quint64 cell = cellHash(
-        cellCoordinate(point.x, m_cellsPerUnit), cellCoordinate(point.y, m_cellsPerUnit));
+    const quint64 cell =
+        cellHash(cellCoordinate(point.x, m_cellsPerUnit), cellCoordinate(point.y, m_cellsPerUnit));
     Slot& slot = slotOf(cell);
     m_usedSlots += slot.head < 0 ? 1 : 0;
     slot.tag = tagOf(cell) & 0xFFFFFF;
@@ -227,7 +233,7 @@ bool PointCatalogue::isHalfFull() const
 
 void PointCatalogue::rehash(size_t slotCount)
 {
-    m_slots.assign(slotCount, Slot{0, 0, -1});
+    m_slots.assign(slotCount, Slot{ 0, 0, -1 });
     m_usedSlots = 0;
     for (int i = m_firstInCells; i < m_indexed; ++i) {
         if (isHalfFull()) {

@@ -2,9 +2,11 @@
 
 #include "geometry/defpoint.h"
 #include "geometry/nearestindex.h"
+#include "geometry/pointsequence.h"
 
 #include <QVector>
 
+#include <optional>
 #include <set>
 #include <utility>
 #include <vector>
@@ -24,21 +26,22 @@ void mergeCoincident(QVector<DefPoint>& points);
 /// the layout of the points. Points are kept in the order in which they came and found through
 /// a hash of square cells. Where many points share a cell, a k-d tree serves them. Ties between
 /// equal distances are decided by an ordered set that is built when the first one is met. Once
-/// a coordinate is not a number the order of points is lost; the catalogue then becomes that
-/// sorted vector and searches it literally.
+/// a coordinate is not a number the order of points is lost; the catalogue then becomes what that
+/// vector would be, and is searched step by step.
 class PointCatalogue {
 public:
     PointCatalogue();
 
     void clear();
-    bool isEmpty() const { return m_points.isEmpty(); }
-    int size() const { return m_points.size(); }
+    bool isEmpty() const { return size() == 0; }
+    int size() const { return m_sequence ? m_sequence->size() : m_points.size(); }
 
     /// Adds a point without regard to order; to be followed by arrange().
     void append(const DefPoint& point) { m_points.append(point); }
     /// Sorts the points and merges those that coincide.
     void arrange();
-    /// The point at `index`, zero-based; after arrange() in the ordering of DefPoint.
+    /// The point at `index`, zero-based; after arrange() in the ordering of DefPoint. Points that
+    /// were inserted since have no index.
     const DefPoint& at(int index) const { return m_points.at(index); }
     void setDef(int index, const QString& def) { m_points[index].def = def; }
 
@@ -56,7 +59,7 @@ private:
         int head;
     };
 
-    void becomeLiteral();
+    void giveUpOrder();
     void catchUp();
     void refineCells();
     void indexArranged();
@@ -70,7 +73,8 @@ private:
 
     QVector<DefPoint> m_points;
     int m_arranged = 0; ///< so many points at the front are sorted and merged
-    bool m_literal = false; ///< all of m_points is sorted, and searched as it is
+    bool m_hasNan = false;
+    std::optional<PointSequence> m_sequence; ///< all points, once the order is lost
 
     int m_indexed = 0; ///< so many points at the front can be found
     NearestIndex m_arrangedIndex; ///< the arranged points, where they would crowd a cell

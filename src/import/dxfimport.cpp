@@ -182,7 +182,8 @@ bool DxfImport::readText()
         }
         if (code == QLatin1String("1")) {
             hasText = true;
-            text = m_valueLine.toString();
+            const QString untrimmed = m_valueLine.toString();
+            text = untrimmed.trimmed();
         } else if (code == QLatin1String("10")) {
             x.read(value);
         } else if (code == QLatin1String("20")) {
