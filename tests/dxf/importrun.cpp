@@ -23,6 +23,7 @@ void collect(const QString& message)
 
 bool OpenDxfImport::open(const QString& fileName)
 {
+    file.close();
     file.setFileName(fileName);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
