@@ -28,6 +28,14 @@ QStringList drawing(const char* entities)
     return openDrawing(entities) + pairs("0 ENDSEC, 0 EOF");
 }
 
+QStringList rightAligned(QStringList lines)
+{
+    constexpr int columns = 3;
+    for (int i = 0; i < lines.size(); i += 2)
+        lines[i] = lines.at(i).rightJustified(columns);
+    return lines;
+}
+
 QByteArray encoded(const QStringList& lines, const char* codecName, LineEnd end)
 {
     const QString lineEnd = end == LineEnd::CrLf ? QStringLiteral("\r\n") : QStringLiteral("\n");

@@ -18,6 +18,9 @@ QStringList openDrawing(const char* entities);
 /// A drawing whose ENTITIES section holds `entities`, properly ended.
 QStringList drawing(const char* entities);
 
+/// The same lines with the group codes right-aligned in three columns.
+QStringList rightAligned(QStringList lines);
+
 enum class LineEnd { Lf, CrLf };
 
 /// The file of `lines`, each one ended, in the given codec.
