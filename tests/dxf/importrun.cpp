@@ -21,18 +21,6 @@ void collect(const QString& message)
 
 } // namespace
 
-bool OpenDxfImport::open(const QString& fileName)
-{
-    file.close();
-    file.setFileName(fileName);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return false;
-    in.setDevice(&file);
-    in.setCodec(codec);
-    lineNum = 0;
-    return true;
-}
-
 QString TestFolder::write(const QString& name, const QByteArray& content) const
 {
     QFile file(path(name));

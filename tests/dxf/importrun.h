@@ -30,7 +30,6 @@ public:
     using DxfImport::code;
     using DxfImport::decodeText;
     using DxfImport::filterObjectDefs;
-    using DxfImport::lineNum;
     using DxfImport::loadPoints;
     using DxfImport::points;
     using DxfImport::pointsFromPolygons;
@@ -40,7 +39,12 @@ public:
     using DxfImport::value;
 
     /// Opens a file as the driver does for a pass.
-    bool open(const QString& fileName);
+    bool open(const QString& fileName)
+    {
+        in.close();
+        return in.open(fileName, codec);
+    }
+    int lineNum() const { return in.lineNum(); }
 };
 
 /// A folder for the files of one test, gone when the test is over.

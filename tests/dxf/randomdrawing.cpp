@@ -196,10 +196,10 @@ void RandomDrawing::addSection(const char* name, int entityCount)
         add("0", "ENDSEC");
 }
 
-QStringList RandomDrawing::lines()
+QStringList RandomDrawing::lines(int mostEntities)
 {
     // The order of more than sixteen points is unspecified once a coordinate is not a number.
-    const int most = m_places == Places::Strange ? 15 : 40;
+    const int most = m_places == Places::Strange ? 15 : mostEntities;
     m_lines = pairs("0 SECTION, 2 HEADER");
     if (chance(50))
         add("9", "$ACADVER");

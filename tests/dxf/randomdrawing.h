@@ -15,7 +15,7 @@ public:
 
     ImportOptions options();
     /// A drawing whose pairs are in order, although its entities may lack codes.
-    QStringList lines();
+    QStringList lines(int mostEntities = 40);
     /// Spoils a few lines: drops, doubles, blanks, swaps or replaces them, or cuts the drawing off.
     QStringList spoiled(QStringList lines);
     QByteArray bytes(const QStringList& lines) const;

@@ -142,7 +142,8 @@ void TestDxfEntities::text_data()
     addRow("plain", "0 TEXT, 8 layer, 10 5, 20 6, 30 0, 40 2.5, 1 ЗУ1", "ЗУ1(5,6)");
     addRow("codes in any order", "0 TEXT, 1 ЗУ1, 20 6, 10 5", "ЗУ1(5,6)");
     addRow("text is decoded", "0 TEXT, 10 5, 20 6, 1 %%c%%065", "ØA(5,6)");
-    addRow("inner spaces stay", "0 TEXT, 10 5, 20 6, 1   ЗУ  1  ", "ЗУ  1(5,6)");
+    addRow("text is trimmed, but not within", "0 TEXT, 10 5, 20 6, 1   ЗУ  1  ", "ЗУ  1(5,6)");
+    addRow("text of blanks is empty", "0 TEXT, 10 5, 20 6, 1   ", "(5,6)");
     addRow("texts keep the order of the file", "0 TEXT, 10 9, 20 6, 1 б, 0 TEXT, 10 5, 20 6, 1 а",
         "б(9,6); а(5,6)");
     addRow("blank text is empty", "0 TEXT, 10 5, 20 6, 1 ", "(5,6)");

@@ -100,13 +100,33 @@ private:
 private slots:
     void unspoiledDrawings() { compareDrawings(6000, false); }
     void spoiledDrawings() { compareDrawings(6000, true); }
+    void largeDrawings();
     void everyCombinationOfOptions();
+    void linesAcrossBlocks_data();
+    void linesAcrossBlocks();
     void tiesBetweenTextsOnACircle();
     void textsAtOnePlace();
     void decodedTexts_data();
     void decodedTexts();
     void pointNumbers();
 };
+
+void TestDxfLiteral::largeDrawings()
+{
+    for (quint32 seed = 3000000; seed < 3000040; ++seed) {
+        RandomDrawing random(seed);
+        const ImportOptions options = random.options();
+        for (const char* name : { "objects.dxf", "points.dxf" }) {
+            QStringList lines = random.lines(1500);
+            if (random.chance(30))
+                lines = random.spoiled(lines);
+            m_folder.write(QLatin1String(name), random.bytes(lines));
+        }
+        compare(seed, options, random.chance(40));
+        if (QTest::currentTestFailed())
+            return;
+    }
+}
 
 void TestDxfLiteral::everyCombinationOfOptions()
 {
@@ -123,6 +143,44 @@ void TestDxfLiteral::everyCombinationOfOptions()
             if (QTest::currentTestFailed())
                 return;
         }
+    }
+}
+
+void TestDxfLiteral::linesAcrossBlocks_data()
+{
+    QTest::addColumn<QByteArray>("codecName");
+    QTest::addColumn<QByteArray>("lineEnd");
+    for (const char* name : { "Windows-1251", "UTF-8", "UTF-16LE" }) {
+        QTest::addRow("%s, LF", name) << QByteArray(name) << QByteArray("\n");
+        QTest::addRow("%s, CRLF", name) << QByteArray(name) << QByteArray("\r\n");
+    }
+}
+
+/// A file is read in blocks of 16 KiB; a filler moves their ends along the lines.
+void TestDxfLiteral::linesAcrossBlocks()
+{
+    QFETCH(QByteArray, codecName);
+    QFETCH(QByteArray, lineEnd);
+    constexpr int block = 16384;
+    QTextCodec* codec = QTextCodec::codecForName(codecName);
+    ImportOptions options;
+    options.encoding = codecName;
+    options.searchObjectDefs = true;
+    const QStringList body = drawing("0 POINT, 10 1, 20 2, 0 TEXT, 10 1, 20 2, 1 участок А-1, "
+                                     "0 LINE, 10 1, 20 2, 11 3, 21 4, 0 TEXT, 10 3, 20 4, 1 ");
+    for (int filler = block - 350; filler < block + 10; ++filler) {
+        QStringList lines = body;
+        lines.insert(4, QStringLiteral("1"));
+        lines.insert(5, QString(filler, QLatin1Char('x')));
+        const QString text = lines.join(QLatin1String(lineEnd));
+        // With and without an end of the last line, by turns.
+        const QByteArray bytes =
+            codec->fromUnicode(filler % 2 ? text : text + QLatin1String(lineEnd));
+        m_folder.write(QStringLiteral("objects.dxf"), bytes);
+        options.searchPointDefs = filler % 3 == 0;
+        compare(static_cast<quint32>(filler), options, false);
+        if (QTest::currentTestFailed())
+            return;
     }
 }
 

@@ -58,7 +58,7 @@ void TestDxfPairs::newImporterHasNothing()
     QVERIFY(m_import->value.isEmpty());
     QVERIFY(!m_import->unread);
     QVERIFY(m_import->texts.isEmpty());
-    QCOMPARE(m_import->lineNum, 0);
+    QCOMPARE(m_import->lineNum(), 0);
 }
 
 void TestDxfPairs::codeAndValueAreTrimmed()
@@ -66,10 +66,10 @@ void TestDxfPairs::codeAndValueAreTrimmed()
     open("  10 \n 12.5\t\n\t 20\v\n \f-3 4 \n");
     QVERIFY(m_import->readCodeValue());
     QCOMPARE(pair(), QStringLiteral("10|12.5"));
-    QCOMPARE(m_import->lineNum, 2);
+    QCOMPARE(m_import->lineNum(), 2);
     QVERIFY(m_import->readCodeValue());
     QCOMPARE(pair(), QStringLiteral("20|-3 4"));
-    QCOMPARE(m_import->lineNum, 4);
+    QCOMPARE(m_import->lineNum(), 4);
 }
 
 /// Codes that would be the same numbers are other codes; the names of entities have one spelling.
@@ -88,7 +88,7 @@ void TestDxfPairs::linesMayEndWithCarriageReturn()
 {
     open("  0\r\nSECTION\r\n  2\r\nHEADER\r\n");
     QVERIFY(m_import->checkDxfFile());
-    QCOMPARE(m_import->lineNum, 4);
+    QCOMPARE(m_import->lineNum(), 4);
 }
 
 void TestDxfPairs::blankCodeLineFailsWithoutReadingTheValue()
@@ -97,11 +97,11 @@ void TestDxfPairs::blankCodeLineFailsWithoutReadingTheValue()
         open("8\nlayer\n" + blank + "\n10\n5\n");
         QVERIFY(m_import->readCodeValue());
         QVERIFY(!m_import->readCodeValue());
-        QCOMPARE(m_import->lineNum, 3);
+        QCOMPARE(m_import->lineNum(), 3);
         QVERIFY(m_import->code.isEmpty());
         QVERIFY(m_import->readCodeValue());
         QCOMPARE(pair(), QStringLiteral("10|5"));
-        QCOMPARE(m_import->lineNum, 5);
+        QCOMPARE(m_import->lineNum(), 5);
     }
 }
 
@@ -110,9 +110,9 @@ void TestDxfPairs::endOfFileFails()
     open("10\n5");
     QVERIFY(m_import->readCodeValue());
     QVERIFY(!m_import->readCodeValue());
-    QCOMPARE(m_import->lineNum, 3);
+    QCOMPARE(m_import->lineNum(), 3);
     QVERIFY(!m_import->readCodeValue());
-    QCOMPARE(m_import->lineNum, 4);
+    QCOMPARE(m_import->lineNum(), 4);
 }
 
 void TestDxfPairs::blankValueIsAccepted()
@@ -132,7 +132,7 @@ void TestDxfPairs::missingValueLineIsAnEmptyValue()
     QVERIFY(m_import->readCodeValue());
     QVERIFY(m_import->readCodeValue());
     QCOMPARE(pair(), QStringLiteral("1|"));
-    QCOMPARE(m_import->lineNum, 4);
+    QCOMPARE(m_import->lineNum(), 4);
 }
 
 void TestDxfPairs::unreadHandsBackTheSamePairOnce()
@@ -143,10 +143,10 @@ void TestDxfPairs::unreadHandsBackTheSamePairOnce()
     QVERIFY(m_import->readCodeValue());
     QVERIFY(!m_import->unread);
     QCOMPARE(pair(), QStringLiteral("10|5"));
-    QCOMPARE(m_import->lineNum, 2);
+    QCOMPARE(m_import->lineNum(), 2);
     QVERIFY(m_import->readCodeValue());
     QCOMPARE(pair(), QStringLiteral("20|6"));
-    QCOMPARE(m_import->lineNum, 4);
+    QCOMPARE(m_import->lineNum(), 4);
 }
 
 void TestDxfPairs::headerSectionIsAccepted()
@@ -154,7 +154,7 @@ void TestDxfPairs::headerSectionIsAccepted()
     const MessageCollector collector;
     open("  0 \n SECTION\n\t2\nHEADER  \n9\n$ACADVER\n");
     QVERIFY(m_import->checkDxfFile());
-    QCOMPARE(m_import->lineNum, 4);
+    QCOMPARE(m_import->lineNum(), 4);
     QVERIFY(m_import->readCodeValue());
     QCOMPARE(pair(), QStringLiteral("9|$ACADVER"));
     QVERIFY(collector.messages().isEmpty());
