@@ -24,6 +24,8 @@ void collect(const QString& message)
 QString TestFolder::write(const QString& name, const QByteArray& content) const
 {
     QFile file(path(name));
+    // A file written over is waited for on some file systems, a new one is not.
+    file.remove();
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("Cannot write %s", qPrintable(file.fileName()));
     return file.fileName();
