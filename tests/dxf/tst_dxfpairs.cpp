@@ -1,0 +1,353 @@
+#include "drawing.h"
+#include "importrun.h"
+
+#include <QDir>
+#include <QtTest>
+
+/// Group codes and values, the test of the file's form, and the decoding of texts.
+class TestDxfPairs : public QObject {
+    Q_OBJECT
+
+private:
+    TestFolder m_folder;
+    OpenDxfImport* m_import = nullptr;
+
+    void open(const QByteArray& content)
+    {
+        QVERIFY(m_import->open(m_folder.write(QStringLiteral("test.dxf"), content)));
+    }
+
+    QString pair() const
+    {
+        return m_import->code.toString() + QLatin1Char('|') + m_import->value.toString();
+    }
+
+private slots:
+    void init() { m_import = new OpenDxfImport; }
+    void cleanup() { delete m_import; }
+
+    void newImporterHasNothing();
+    void codeAndValueAreTrimmed();
+    void codeStaysText();
+    void linesMayEndWithCarriageReturn();
+    void blankCodeLineFailsWithoutReadingTheValue();
+    void endOfFileFails();
+    void blankValueIsAccepted();
+    void missingValueLineIsAnEmptyValue();
+    void unreadHandsBackTheSamePairOnce();
+
+    void headerSectionIsAccepted();
+    void otherBeginningIsRefused_data();
+    void otherBeginningIsRefused();
+    void refusedPointFileIsNamed();
+    void refusalShowsAFileNameThatLooksLikeAPlaceholder();
+    void refusalWithoutCallbackIsSilent();
+
+    void decodedText_data();
+    void decodedText();
+    void decodedByte_data();
+    void decodedByte();
+    void unknownEncodingKeepsTheCodecOfTheEscapes();
+    void encodingOfFileGovernsTextsAndEscapes_data();
+    void encodingOfFileGovernsTextsAndEscapes();
+};
+
+void TestDxfPairs::newImporterHasNothing()
+{
+    QVERIFY(m_import->code.isEmpty());
+    QVERIFY(m_import->value.isEmpty());
+    QVERIFY(!m_import->unread);
+    QVERIFY(m_import->texts.isEmpty());
+    QCOMPARE(m_import->lineNum(), 0);
+}
+
+void TestDxfPairs::codeAndValueAreTrimmed()
+{
+    open("  10 \n 12.5\t\n\t 20\v\n \f-3 4 \n");
+    QVERIFY(m_import->readCodeValue());
+    QCOMPARE(pair(), QStringLiteral("10|12.5"));
+    QCOMPARE(m_import->lineNum(), 2);
+    QVERIFY(m_import->readCodeValue());
+    QCOMPARE(pair(), QStringLiteral("20|-3 4"));
+    QCOMPARE(m_import->lineNum(), 4);
+}
+
+/// Codes that would be the same numbers are other codes; the names of entities have one spelling.
+void TestDxfPairs::codeStaysText()
+{
+    ImportOptions options;
+    const QString line = QStringLiteral("1: [1(1,2) 2(3,4)]");
+    const ImportOutcome outcome = importDrawing(options,
+        drawing("0 LINE, 010 8, 10 1, +20 8, 20 2, 11.0 8, 11 3, 0x15 8, 21 4, "
+                "00 LINE, 0 Line, 0 line, 0 LINE2"));
+    QVERIFY(outcome.result);
+    QCOMPARE(describeAll(outcome.objects), line);
+}
+
+void TestDxfPairs::linesMayEndWithCarriageReturn()
+{
+    open("  0\r\nSECTION\r\n  2\r\nHEADER\r\n");
+    QVERIFY(m_import->checkDxfFile());
+    QCOMPARE(m_import->lineNum(), 4);
+}
+
+void TestDxfPairs::blankCodeLineFailsWithoutReadingTheValue()
+{
+    for (const QByteArray blank : { "", "   ", "\t", "\r" }) {
+        open("8\nlayer\n" + blank + "\n10\n5\n");
+        QVERIFY(m_import->readCodeValue());
+        QVERIFY(!m_import->readCodeValue());
+        QCOMPARE(m_import->lineNum(), 3);
+        QVERIFY(m_import->code.isEmpty());
+        QVERIFY(m_import->readCodeValue());
+        QCOMPARE(pair(), QStringLiteral("10|5"));
+        QCOMPARE(m_import->lineNum(), 5);
+    }
+}
+
+void TestDxfPairs::endOfFileFails()
+{
+    open("10\n5");
+    QVERIFY(m_import->readCodeValue());
+    QVERIFY(!m_import->readCodeValue());
+    QCOMPARE(m_import->lineNum(), 3);
+    QVERIFY(!m_import->readCodeValue());
+    QCOMPARE(m_import->lineNum(), 4);
+}
+
+void TestDxfPairs::blankValueIsAccepted()
+{
+    open("1\n\n1\n  \t\n8\nlayer\n");
+    QVERIFY(m_import->readCodeValue());
+    QCOMPARE(pair(), QStringLiteral("1|"));
+    QVERIFY(m_import->readCodeValue());
+    QCOMPARE(pair(), QStringLiteral("1|"));
+    QVERIFY(m_import->readCodeValue());
+    QCOMPARE(pair(), QStringLiteral("8|layer"));
+}
+
+void TestDxfPairs::missingValueLineIsAnEmptyValue()
+{
+    open("8\nlayer\n1\n");
+    QVERIFY(m_import->readCodeValue());
+    QVERIFY(m_import->readCodeValue());
+    QCOMPARE(pair(), QStringLiteral("1|"));
+    QCOMPARE(m_import->lineNum(), 4);
+}
+
+void TestDxfPairs::unreadHandsBackTheSamePairOnce()
+{
+    open("10\n5\n20\n6\n");
+    QVERIFY(m_import->readCodeValue());
+    m_import->unread = true;
+    QVERIFY(m_import->readCodeValue());
+    QVERIFY(!m_import->unread);
+    QCOMPARE(pair(), QStringLiteral("10|5"));
+    QCOMPARE(m_import->lineNum(), 2);
+    QVERIFY(m_import->readCodeValue());
+    QCOMPARE(pair(), QStringLiteral("20|6"));
+    QCOMPARE(m_import->lineNum(), 4);
+}
+
+void TestDxfPairs::headerSectionIsAccepted()
+{
+    const MessageCollector collector;
+    open("  0 \n SECTION\n\t2\nHEADER  \n9\n$ACADVER\n");
+    QVERIFY(m_import->checkDxfFile());
+    QCOMPARE(m_import->lineNum(), 4);
+    QVERIFY(m_import->readCodeValue());
+    QCOMPARE(pair(), QStringLiteral("9|$ACADVER"));
+    QVERIFY(collector.messages().isEmpty());
+}
+
+void TestDxfPairs::otherBeginningIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty file") << QByteArray();
+    QTest::newRow("one line") << QByteArray("0\n");
+    QTest::newRow("one pair") << QByteArray("0\nSECTION\n");
+    QTest::newRow("three lines") << QByteArray("0\nSECTION\n2\n");
+    QTest::newRow("blank first line") << QByteArray("\n0\nSECTION\n2\nHEADER\n");
+    QTest::newRow("blank third line") << QByteArray("0\nSECTION\n\n2\nHEADER\n");
+    QTest::newRow("comment first") << QByteArray("999\nby hand\n0\nSECTION\n2\nHEADER\n");
+    QTest::newRow("no HEADER section") << QByteArray("0\nSECTION\n2\nENTITIES\n");
+    QTest::newRow("TABLES first") << QByteArray("0\nSECTION\n2\nTABLES\n0\nENDSEC\n");
+    QTest::newRow("first code") << QByteArray("1\nSECTION\n2\nHEADER\n");
+    QTest::newRow("first code as a number") << QByteArray("00\nSECTION\n2\nHEADER\n");
+    QTest::newRow("first value") << QByteArray("0\nSECTIONS\n2\nHEADER\n");
+    QTest::newRow("first value in lower case") << QByteArray("0\nsection\n2\nHEADER\n");
+    QTest::newRow("second code") << QByteArray("0\nSECTION\n0\nHEADER\n");
+    QTest::newRow("second value in lower case") << QByteArray("0\nSECTION\n2\nheader\n");
+    QTest::newRow("one line of text") << QByteArray("0 SECTION 2 HEADER\n");
+}
+
+void TestDxfPairs::otherBeginningIsRefused()
+{
+    QFETCH(QByteArray, content);
+    const QString fileName = m_folder.write(QStringLiteral("refused.dxf"), content);
+    for (const bool searchPointDefs : { false, true }) {
+        ImportOptions options;
+        options.searchPointDefs = searchPointDefs;
+        options.searchObjectDefs = true;
+        const ImportOutcome outcome = importFiles(options, fileName);
+        QVERIFY(!outcome.result);
+        QCOMPARE(outcome.messages, QStringList{ formatError(fileName) });
+        QVERIFY(outcome.objects.isEmpty());
+    }
+}
+
+void TestDxfPairs::refusedPointFileIsNamed()
+{
+    const QString objectFile = m_folder.write(
+        QStringLiteral("good.dxf"), encoded(drawing("0 LINE, 10 0, 20 0, 11 1, 21 1")));
+    const QString pointFile = m_folder.write(QStringLiteral("bad.dxf"), "0\nEOF\n");
+    ImportOptions options;
+    options.searchPointDefs = true;
+    const ImportOutcome outcome = importFiles(options, objectFile, pointFile);
+    QVERIFY(!outcome.result);
+    QCOMPARE(outcome.messages, QStringList{ formatError(pointFile) });
+    QVERIFY(outcome.objects.isEmpty());
+}
+
+void TestDxfPairs::refusalShowsAFileNameThatLooksLikeAPlaceholder()
+{
+    const QString fileName = m_folder.write(QStringLiteral("план %1.dxf"), "0\nEOF\n");
+    const ImportOutcome outcome = importFiles(ImportOptions(), fileName);
+    QCOMPARE(outcome.messages,
+        QStringList{ QStringLiteral("Ошибка. Файл %1 не соответствует формату DXF")
+                         .replace(QStringLiteral("%1"), QDir::toNativeSeparators(fileName)) });
+}
+
+void TestDxfPairs::refusalWithoutCallbackIsSilent()
+{
+    open("0\nEOF\n");
+    QVERIFY(!m_import->checkDxfFile());
+    open("0\nSECTION\n2\nHEADER\n");
+    QVERIFY(m_import->checkDxfFile());
+}
+
+void TestDxfPairs::decodedText_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("decoded");
+    const auto row = [](const char* text, const char* decoded) {
+        QTest::newRow(text) << QString::fromUtf8(text) << QString::fromUtf8(decoded);
+    };
+    row("ЗУ1", "ЗУ1");
+    row("10%%d", "10°");
+    row("%%p0.5", "±0.5");
+    row("%%c50", "Ø50");
+    row("%%d%%p%%c", "°±Ø");
+    row("%%C50", "%%C50");
+    row("10%%D %%P1", "10%%D %%P1");
+    row("%%%d", "%°");
+    row("%%%%c", "%%Ø");
+    row("%%065%%066", "AB");
+    row("A%%065%%066", "AAB");
+    row("%%0650", "A0");
+    row("%%065B%%067", "ABC");
+    row("%%12", "%%12");
+    row("%%1 2", "%%1 2");
+    row("%%", "%%");
+    row("%065", "%065");
+    row("%%%065", "%A");
+    row("%%%%065", "%%A");
+    row("%%126", "~");
+    row("%%256", "%%256");
+    row("%%300", "%%300");
+    row("%%999", "%%999");
+    row("%%999065", "%%999065");
+    row("%%300%%065", "%%300A");
+    row("%%-65", "%%-65");
+    row("%%٠٦٥", "%%٠٦٥");
+    row("%%o%%u%%%\\P\\U+0410", "%%o%%u%%%\\P\\U+0410");
+    // What a replacement yields is not looked at again.
+    row("%%037%%037065", "%%065");
+    row("%%037%%037d", "%%d");
+    row("%%0%%d37", "%%0°37");
+}
+
+void TestDxfPairs::decodedText()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, decoded);
+    for (const char* codecName : { "Windows-1251", "IBM866", "UTF-8" }) {
+        m_import->setEncoding(codecName);
+        QCOMPARE(m_import->decodeText(text), decoded);
+    }
+    QVERIFY(m_import->decodeText(QString()).isNull());
+    QVERIFY(!m_import->decodeText(QStringLiteral("")).isNull());
+}
+
+void TestDxfPairs::decodedByte_data()
+{
+    QTest::addColumn<QByteArray>("codecName");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("decoded");
+    const auto row = [](const char* codecName, const char* text, const QString& decoded) {
+        QTest::addRow("%s in %s", text, codecName)
+            << QByteArray(codecName) << QString::fromLatin1(text) << decoded;
+    };
+    const QString nul = QString(QChar(0));
+    const QString replacement = QString(QChar(QChar::ReplacementCharacter));
+    row("Windows-1251", "%%000", nul);
+    row("Windows-1251", "%%128", QStringLiteral("Ђ"));
+    row("Windows-1251", "%%176", QStringLiteral("°"));
+    row("Windows-1251", "%%168%%184", QStringLiteral("Ёё"));
+    row("Windows-1251", "%%199%%2111", QStringLiteral("ЗУ1"));
+    row("Windows-1251", "%%255", QStringLiteral("я"));
+    row("IBM866", "%%000", nul);
+    row("IBM866", "%%128", QStringLiteral("А"));
+    row("IBM866", "%%135%%1471", QStringLiteral("ЗУ1"));
+    row("IBM866", "%%240%%241", QStringLiteral("Ёё"));
+    row("IBM866", "%%248", QStringLiteral("°"));
+    row("IBM866", "%%239", QStringLiteral("я"));
+    row("UTF-8", "%%000", nul);
+    row("UTF-8", "%%127", QString(QChar(127)));
+    // Each escape is a byte of its own: no sequence of two makes a letter.
+    row("UTF-8", "%%208%%151", replacement + replacement);
+    row("UTF-8", "%%255", replacement);
+}
+
+void TestDxfPairs::decodedByte()
+{
+    QFETCH(QByteArray, codecName);
+    QFETCH(QString, text);
+    QFETCH(QString, decoded);
+    m_import->setEncoding(codecName);
+    QCOMPARE(m_import->decodeText(text), decoded);
+}
+
+void TestDxfPairs::unknownEncodingKeepsTheCodecOfTheEscapes()
+{
+    m_import->setEncoding("IBM866");
+    m_import->setEncoding("no such encoding");
+    QCOMPARE(m_import->decodeText(QStringLiteral("%%128")), QStringLiteral("А"));
+}
+
+void TestDxfPairs::encodingOfFileGovernsTextsAndEscapes_data()
+{
+    QTest::addColumn<QByteArray>("codecName");
+    QTest::addColumn<QString>("def");
+    QTest::newRow("Windows-1251") << QByteArray("Windows-1251") << QStringLiteral("Уч-А");
+    QTest::newRow("IBM866") << QByteArray("IBM866") << QStringLiteral("Уч-└");
+    QTest::newRow("UTF-8") << QByteArray("UTF-8") << QStringLiteral("Уч-\uFFFD");
+}
+
+void TestDxfPairs::encodingOfFileGovernsTextsAndEscapes()
+{
+    QFETCH(QByteArray, codecName);
+    QFETCH(QString, def);
+    ImportOptions options;
+    options.searchObjectDefs = true;
+    options.encoding = codecName;
+    const QStringList lines =
+        drawing("0 TEXT, 10 0, 20 0, 1 Уч-%%192, 0 LINE, 10 0, 20 0, 11 1, 21 1");
+    const ImportOutcome outcome = importDrawing(options, encoded(lines, codecName.constData()));
+    QVERIFY(outcome.result);
+    QCOMPARE(outcome.objects.size(), 1);
+    QCOMPARE(outcome.objects.first().def, def);
+}
+
+QTEST_GUILESS_MAIN(TestDxfPairs)
+#include "tst_dxfpairs.moc"
