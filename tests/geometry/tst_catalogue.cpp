@@ -1,0 +1,426 @@
+#include "geometry/pointcatalogue.h"
+
+#include "support/literalcatalogue.h"
+#include "support/random.h"
+#include "support/records.h"
+#include "support/specialvalues.h"
+
+#include <QElapsedTimer>
+#include <QPointF>
+#include <QtTest>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+
+namespace {
+
+using Coordinate = std::function<double(Random&)>;
+
+/// Where the points of a test stand, and how many there are.
+struct Layout {
+    Coordinate x;
+    Coordinate y;
+    int arranged = 0; ///< points given before the first search
+    int searches = 0; ///< each inserts a point when it finds none
+    int rounds = 1;
+};
+
+Coordinate anywhere(double low, double high)
+{
+    return [=](Random& random) { return random.between(low, high); };
+}
+
+/// Multiples of `step`, `count` of them from `start` on.
+Coordinate lattice(double step, int count, double start = 0)
+{
+    return [=](Random& random) { return start + random.below(count) * step; };
+}
+
+Coordinate always(double value)
+{
+    return [=](Random&) { return value; };
+}
+
+/// One of `odd` once in `often` times, else from `usual`.
+Coordinate sometimes(const QVector<double>& odd, int often, const Coordinate& usual)
+{
+    return [=](Random& random) { return random.oneIn(often) ? random.pick(odd) : usual(random); };
+}
+
+Coordinate signedZero()
+{
+    return [](Random& random) { return random.oneIn(2) ? 0.0 : -0.0; };
+}
+
+/// The product's catalogue beside the plain one; both get the same points and questions.
+class Pair {
+public:
+    void append(const DefPoint& point)
+    {
+        m_catalogue.append(point);
+        m_literal.points.append(point);
+    }
+
+    void arrange()
+    {
+        m_catalogue.arrange();
+        m_literal.arrange();
+    }
+
+    bool sameArrangement() const
+    {
+        if (m_catalogue.size() != m_literal.points.size())
+            return false;
+        for (int i = 0; i < m_catalogue.size(); ++i) {
+            if (describe(m_catalogue.at(i)) != describe(m_literal.points.at(i)))
+                return false;
+        }
+        return true;
+    }
+
+    /// Takes over the product's arrangement where that is not determined.
+    void adoptArrangement()
+    {
+        m_catalogue.arrange();
+        m_literal.points.clear();
+        for (int i = 0; i < m_catalogue.size(); ++i)
+            m_literal.points.append(m_catalogue.at(i));
+    }
+
+    /// Searches both; where neither knows the place, inserts it. False when the answers differ.
+    bool findOrInsert(double x, double y)
+    {
+        const DefPoint* found = m_catalogue.findCoincident(x, y);
+        const int expected = m_literal.findCoincident(x, y);
+        m_found += found ? 1 : 0;
+        const QString text = found ? describe(*found) : QStringLiteral("nothing");
+        const QString expectedText =
+            expected >= 0 ? describe(m_literal.points.at(expected)) : QStringLiteral("nothing");
+        if (text != expectedText) {
+            qWarning("at %s %s: %s, expected %s", qPrintable(describe(x)), qPrintable(describe(y)),
+                qPrintable(text), qPrintable(expectedText));
+            return false;
+        }
+        if (!found) {
+            const DefPoint point{ QStringLiteral("new") + QString::number(m_inserted++), x, y };
+            m_catalogue.insert(point);
+            m_literal.insert(point);
+        }
+        return m_catalogue.size() == m_literal.points.size();
+    }
+
+    int size() const { return m_catalogue.size(); }
+    int found() const { return m_found; }
+
+private:
+    PointCatalogue m_catalogue;
+    literal::Catalogue m_literal;
+    int m_inserted = 0;
+    int m_found = 0;
+};
+
+/// A step of about the tolerance, or none.
+double step(Random& random)
+{
+    switch (random.below(6)) {
+    case 0:
+        return random.between(-0.02, 0.02);
+    case 1:
+        return random.oneIn(2) ? 0.01 : -0.01;
+    case 2:
+        return random.below(5) * 0.00125;
+    default:
+        return 0;
+    }
+}
+
+/// Searches for places of the layout, some of them again, and for places near by.
+bool searchAlike(Pair& pair, const Layout& layout, Random& random)
+{
+    QVector<QPointF> places;
+    for (int i = 0; i < layout.searches; ++i) {
+        if (places.isEmpty() || !random.oneIn(3))
+            places.append(QPointF(layout.x(random), layout.y(random)));
+        const QPointF place = random.oneIn(3) ? random.pick(places) : places.last();
+        if (!pair.findOrInsert(place.x() + step(random), place.y() + step(random)))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Layout)
+
+class TestCatalogue : public QObject {
+    Q_OBJECT
+
+private slots:
+    void sortsAndMerges_data();
+    void sortsAndMerges();
+    void startsAfresh();
+    void namesCanBeSet();
+    void findsTheNearest_data();
+    void findsTheNearest();
+    void likeTheSortedVector_data();
+    void likeTheSortedVector();
+    void undefinedAmongMany();
+    void costOfCrowds_data();
+    void costOfCrowds();
+};
+
+void TestCatalogue::sortsAndMerges_data()
+{
+    using Points = QVector<DefPoint>;
+    QTest::addColumn<Points>("points");
+    QTest::addColumn<QString>("expected");
+
+    const auto point = [](const char* def, double x, double y) {
+        return DefPoint{ QString::fromUtf8(def), x, y };
+    };
+    const auto row = [](const char* name, const Points& points, const char* expected) {
+        QTest::newRow(name) << points << QString::fromUtf8(expected);
+    };
+    row("none", {}, "");
+    row("sorted by x, then by y", { point("a", 2, 1), point("b", 1, 9), point("c", 1, 3) },
+        "c 1 3; b 1 9; a 2 1");
+    row("the one that sorts first keeps its name",
+        { point("late", 1.005, 1.005), point("early", 1, 1) }, "early 1 1");
+    row("the bound is inclusive", { point("a", 0, 0), point("b", 0.01, 0.01) }, "a 0 0");
+    row("beyond the bound", { point("a", 0, 0), point("b", 0.011, 0) }, "a 0 0; b 0.011 0");
+    row("each is measured from the last kept one",
+        { point("a", 0, 0), point("b", 0.008, 0), point("c", 0.016, 0) }, "a 0 0; c 0.016 0");
+    row("only neighbours in the order are merged",
+        { point("a", 0, 0), point("b", 0.001, 5), point("c", 0.002, 0) },
+        "a 0 0; b 0.001 5; c 0.002 0");
+    row("empty names do not matter", { point("", 0, 0), point("b", 0.001, 0) }, " 0 0");
+}
+
+void TestCatalogue::sortsAndMerges()
+{
+    QFETCH(QVector<DefPoint>, points);
+    QFETCH(QString, expected);
+    PointCatalogue catalogue;
+    QVERIFY(catalogue.isEmpty());
+    for (const DefPoint& point : points)
+        catalogue.append(point);
+    QCOMPARE(catalogue.size(), points.size());
+    catalogue.arrange();
+
+    QStringList texts;
+    for (int i = 0; i < catalogue.size(); ++i)
+        texts.append(describe(catalogue.at(i)));
+    QCOMPARE(texts.join(QStringLiteral("; ")), expected);
+    QCOMPARE(catalogue.isEmpty(), points.isEmpty());
+
+    sortPoints(points);
+    mergeCoincident(points);
+    QCOMPARE(points.size(), catalogue.size());
+}
+
+void TestCatalogue::startsAfresh()
+{
+    PointCatalogue catalogue;
+    catalogue.append(DefPoint{ QStringLiteral("a"), undefined, 0 });
+    catalogue.arrange();
+    catalogue.insert(DefPoint{ QStringLiteral("b"), 1, 1 });
+    catalogue.clear();
+    QVERIFY(catalogue.isEmpty());
+    QVERIFY(!catalogue.findCoincident(1, 1));
+    catalogue.insert(DefPoint{ QStringLiteral("c"), 1, 1 });
+    QCOMPARE(catalogue.findCoincident(1, 1)->def, QStringLiteral("c"));
+}
+
+void TestCatalogue::namesCanBeSet()
+{
+    PointCatalogue catalogue;
+    catalogue.append(DefPoint{ QString(), 1, 2 });
+    catalogue.append(DefPoint{ QString(), 3, 4 });
+    catalogue.setDef(1, QStringLiteral("b"));
+    catalogue.setDef(0, QStringLiteral("a"));
+    catalogue.arrange();
+    QCOMPARE(catalogue.findCoincident(1, 2)->def, QStringLiteral("a"));
+    QCOMPARE(catalogue.findCoincident(3, 4)->def, QStringLiteral("b"));
+}
+
+void TestCatalogue::findsTheNearest_data()
+{
+    QTest::addColumn<QPointF>("query");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("the place itself") << QPointF(10, 20) << QStringLiteral("a");
+    QTest::newRow("within the tolerance") << QPointF(10.009, 19.991) << QStringLiteral("a");
+    QTest::newRow("the corner of the tolerance") << QPointF(0.01, -0.01) << QStringLiteral("o");
+    QTest::newRow("out of it in x") << QPointF(10.011, 20) << QString();
+    QTest::newRow("out of it in y") << QPointF(10, 20.011) << QString();
+    QTest::newRow("a tie goes to the right one") << QPointF(30.0078125, 5) << QStringLiteral("r");
+    // p is nearer but out of the tolerance, q would be within it.
+    QTest::newRow("only the nearest point counts") << QPointF(40, 0) << QString();
+    QTest::newRow("not a number") << QPointF(undefined, 20) << QString();
+    QTest::newRow("infinite") << QPointF(10, infinite) << QString();
+}
+
+void TestCatalogue::findsTheNearest()
+{
+    QFETCH(QPointF, query);
+    QFETCH(QString, expected);
+    const QVector<DefPoint> points{ { QStringLiteral("a"), 10, 20 }, { QStringLiteral("o"), 0, 0 },
+        { QStringLiteral("l"), 30, 5 }, { QStringLiteral("r"), 30.015625, 5 },
+        { QStringLiteral("p"), 40.0105, 0 }, { QStringLiteral("q"), 39.991, 0.009 } };
+
+    PointCatalogue arranged, inserted;
+    for (const DefPoint& point : points) {
+        arranged.append(point);
+        inserted.insert(point);
+    }
+    arranged.arrange();
+    for (PointCatalogue* catalogue : { &arranged, &inserted }) {
+        const DefPoint* found = catalogue->findCoincident(query.x(), query.y());
+        QCOMPARE(found ? found->def : QString(), expected);
+    }
+}
+
+void TestCatalogue::likeTheSortedVector_data()
+{
+    QTest::addColumn<Layout>("layout");
+    const auto row = [](const char* name, const Layout& layout) { QTest::newRow(name) << layout; };
+
+    const Coordinate wide = anywhere(-500, 500);
+    const Coordinate narrow = anywhere(0, 2);
+    const Coordinate binary = lattice(1.0 / 128, 256);
+    const Coordinate decimal = lattice(0.0125, 160);
+    const Coordinate crowded = lattice(1.0 / 4096, 900);
+    const Coordinate rows = lattice(1.0 / 64, 14);
+
+    row("random", { wide, wide, 3000, 9000 });
+    row("random, nothing given", { wide, wide, 0, 9000 });
+    row("random and dense", { narrow, narrow, 4000, 9000 });
+    row("lattice of 1/128", { binary, binary, 4000, 9000 });
+    row("lattice of 1/128, nothing given", { binary, binary, 0, 12000 });
+    row("lattice of 0.0125", { decimal, decimal, 4000, 9000 });
+    row("lattice of 0.0125, nothing given", { decimal, decimal, 0, 12000 });
+    row("lattice of 0.01 far off",
+        { lattice(0.01, 60, 7512345.67), lattice(0.01, 60, 2200000.5), 1500, 5000 });
+    row("lattice across the origin",
+        { lattice(1.0 / 128, 64, -0.25), lattice(0.005, 100, -0.25), 1000, 6000 });
+    row("small lattices", { lattice(1.0 / 128, 5), lattice(0.0125, 5), 12, 60, 400 });
+    row("crowded cells", { crowded, rows, 9000, 6000 });
+    row("crowded cells at random", { anywhere(0, 0.25), anywhere(0, 0.25), 5000, 5000 });
+    row("crowded cells and far points",
+        { sometimes({ 1000, -1000 }, 3, crowded), sometimes({ 77 }, 3, rows), 6000, 5000 });
+    row("one column", { always(512.5), anywhere(0, 60), 1500, 2500 });
+    row("one column of ties", { always(512.5), lattice(1.0 / 128, 2000), 800, 2500 });
+    row("one row", { lattice(1.0 / 128, 3000), always(-4), 800, 4000 });
+    row("columns", { lattice(1.0 / 64, 5), anywhere(0, 30), 1500, 3000 });
+    row("one place", { always(3), always(4), 50, 300 });
+    row("zeros of either sign", { signedZero(), signedZero(), 10, 200, 20 });
+    row("zeros against a lattice", { signedZero(), lattice(1.0 / 128, 40), 60, 400, 20 });
+    row("infinite here and there",
+        { sometimes({ infinite, -infinite }, 7, binary),
+            sometimes({ infinite, -infinite }, 7, binary), 500, 3000 });
+    row("only infinite",
+        { sometimes({ -infinite }, 2, always(infinite)),
+            sometimes({ -infinite }, 2, always(infinite)), 12, 200, 5 });
+    row("infinite x on a column",
+        { sometimes({ infinite, -infinite }, 4, always(5)), binary, 200, 1500 });
+    row("undefined from the start",
+        { sometimes({ undefined }, 6, binary), sometimes({ undefined }, 6, binary), 16, 300, 150 });
+    row("undefined and infinite from the start",
+        { sometimes({ undefined, infinite, -infinite }, 4, decimal),
+            sometimes({ undefined }, 9, decimal), 16, 200, 150 });
+    row("undefined later", { binary, sometimes({ undefined }, 2000, binary), 12, 4000, 4 });
+    row("undefined now and then",
+        { sometimes({ undefined }, 60, decimal), sometimes({ undefined, infinite }, 60, decimal), 0,
+            1500, 8 });
+    row("huge",
+        { sometimes({ 1e300, -1e300, 1e308 }, 3, binary), sometimes({ 1e300, 1e155 }, 3, decimal),
+            300, 2500 });
+    row("around 1e12", { lattice(1.0 / 128, 64, 1e12), lattice(1.0 / 128, 64, -1e12), 800, 4000 });
+    row("around 1e13", { lattice(1.0 / 128, 64, 1e13), lattice(1.0 / 256, 64, 1e13), 800, 4000 });
+    row("around 1e14", { lattice(1.0 / 64, 64, 1e14), lattice(1.0 / 64, 64, 1e14), 800, 3000 });
+    row("around 1e15", { lattice(0.125, 40, 1e15), lattice(0.125, 40, -1e15), 800, 3000 });
+    row("around 2^50, where cells end",
+        { lattice(0.25, 40, std::exp2(50) - 5), lattice(0.25, 40, -std::exp2(50) - 5), 800, 3000 });
+    row("around 1e16", { lattice(2, 40, 1e16), lattice(2, 40, 1e16), 800, 3000 });
+    row("mixed scales",
+        { sometimes({ 1e12, 1e16, 1e200 }, 4, binary),
+            sometimes({ -1e13, 5e-324, 1e-170 }, 4, decimal), 800, 3000 });
+    row("places whose squares underflow",
+        { lattice(1e-165, 12), sometimes({ 5, 7, 9 }, 3, lattice(1e-165, 12)), 400, 1500 });
+    row("underflow in layers", { lattice(1e-170, 3000), lattice(1.0 / 64, 12), 3000, 2000 });
+}
+
+void TestCatalogue::likeTheSortedVector()
+{
+    QFETCH(Layout, layout);
+    Random random(9);
+    int found = 0;
+    for (int round = 0; round < layout.rounds; ++round) {
+        Pair pair;
+        // Some rounds have less than all of the given points, down to none.
+        const int given = round == 0 ? layout.arranged : random.below(layout.arranged + 1);
+        for (int i = 0; i < given; ++i) {
+            pair.append(DefPoint{ QString::number(i), layout.x(random), layout.y(random) });
+        }
+        pair.arrange();
+        QVERIFY(pair.sameArrangement());
+        QVERIFY(searchAlike(pair, layout, random));
+        found += pair.found();
+    }
+    const bool onlyInfinite = qstrcmp(QTest::currentDataTag(), "only infinite") == 0;
+    QCOMPARE(found > 0, !onlyInfinite);
+}
+
+void TestCatalogue::undefinedAmongMany()
+{
+    // The order of the given points is then open, but later answers follow from it.
+    Random random(10);
+    const Coordinate coordinate = sometimes({ undefined }, 40, lattice(1.0 / 128, 100));
+    for (int round = 0; round < 20; ++round) {
+        Pair pair;
+        for (int i = 0; i < 400; ++i)
+            pair.append(DefPoint{ QString::number(i), coordinate(random), coordinate(random) });
+        pair.adoptArrangement();
+        QVERIFY(pair.size() > 0 && pair.size() <= 400);
+        QVERIFY(searchAlike(pair, { coordinate, coordinate, 0, 500 }, random));
+    }
+}
+
+void TestCatalogue::costOfCrowds_data()
+{
+    QTest::addColumn<Layout>("layout");
+    QTest::newRow("random") << Layout{ anywhere(0, 9000), anywhere(0, 9000), 150000, 150000 };
+    QTest::newRow("one column") << Layout{ always(7), anywhere(0, 9000), 150000, 150000 };
+    QTest::newRow("one row") << Layout{ anywhere(0, 9000), always(7), 150000, 150000 };
+    QTest::newRow("one cell") << Layout{ anywhere(0, 0.25), anywhere(0, 0.25), 150000, 150000 };
+    QTest::newRow("lattice") << Layout{ lattice(1.0 / 64, 400), lattice(1.0 / 64, 400), 0, 300000 };
+    QTest::newRow("layers that underflow")
+        << Layout{ lattice(1e-300, 150000), lattice(1.0 / 64, 12), 150000, 150000 };
+    QTest::newRow("infinite column")
+        << Layout{ always(infinite), anywhere(0, 9000), 150000, 150000 };
+}
+
+void TestCatalogue::costOfCrowds()
+{
+    QFETCH(Layout, layout);
+    Random random(11);
+    QElapsedTimer timer;
+    timer.start();
+    PointCatalogue catalogue;
+    for (int i = 0; i < layout.arranged; ++i)
+        catalogue.append(DefPoint{ QString(), layout.x(random), layout.y(random) });
+    catalogue.arrange();
+    for (int i = 0; i < layout.searches; ++i) {
+        const double x = layout.x(random);
+        const double y = layout.y(random);
+        if (!catalogue.findCoincident(x, y))
+            catalogue.insert(DefPoint{ QString(), x, y });
+    }
+    QVERIFY(catalogue.size() > 0);
+    // A sorted vector searched by walking takes minutes for the worst of these.
+    QVERIFY2(timer.elapsed() < 20000, "the cost of a search grows with the crowd");
+}
+
+QTEST_APPLESS_MAIN(TestCatalogue)
+#include "tst_catalogue.moc"

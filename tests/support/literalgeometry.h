@@ -1,0 +1,20 @@
+#pragma once
+
+#include "geometry/defpolygon.h"
+
+#include <QBitArray>
+#include <QPointF>
+#include <QString>
+#include <QVector>
+
+/// The helpers over the records written in the plainest way, whatever they cost.
+namespace literal {
+
+void splitDef(const QString& def, QString& prefix, int& number);
+void sortObjects(QVector<DefPolygon>& objects);
+/// The index of the nearest point, or -1.
+int findNearestPoint(const QVector<DefPoint>& points, const QPointF& query);
+QBitArray duplicateDefs(const QVector<DefPolygon>& objects);
+QBitArray conflictingPoints(const DefPolygon& polygon);
+
+} // namespace literal
