@@ -1,11 +1,11 @@
 #include "geometry/pointcatalogue.h"
 
+#include "support/cputime.h"
 #include "support/literalcatalogue.h"
 #include "support/random.h"
 #include "support/records.h"
 #include "support/specialvalues.h"
 
-#include <QElapsedTimer>
 #include <QPointF>
 #include <QtTest>
 
@@ -23,7 +23,7 @@ struct Layout {
     Coordinate y;
     int arranged = 0; ///< points given before the first search
     int searches = 0; ///< each inserts a point when it finds none
-    int rounds = 1;
+    int rounds = 8;
 };
 
 Coordinate anywhere(double low, double high)
@@ -395,8 +395,6 @@ void TestCatalogue::costOfCrowds_data()
     QTest::newRow("one row") << Layout{ anywhere(0, 9000), always(7), 150000, 150000 };
     QTest::newRow("one cell") << Layout{ anywhere(0, 0.25), anywhere(0, 0.25), 150000, 150000 };
     QTest::newRow("lattice") << Layout{ lattice(1.0 / 64, 400), lattice(1.0 / 64, 400), 0, 300000 };
-    QTest::newRow("layers that underflow")
-        << Layout{ lattice(1e-300, 150000), lattice(1.0 / 64, 12), 150000, 150000 };
     QTest::newRow("infinite column")
         << Layout{ always(infinite), anywhere(0, 9000), 150000, 150000 };
 }
@@ -405,8 +403,7 @@ void TestCatalogue::costOfCrowds()
 {
     QFETCH(Layout, layout);
     Random random(11);
-    QElapsedTimer timer;
-    timer.start();
+    const CpuTime time;
     PointCatalogue catalogue;
     for (int i = 0; i < layout.arranged; ++i)
         catalogue.append(DefPoint{ QString(), layout.x(random), layout.y(random) });
@@ -419,7 +416,7 @@ void TestCatalogue::costOfCrowds()
     }
     QVERIFY(catalogue.size() > 0);
     // A sorted vector searched by walking takes minutes for the worst of these.
-    QVERIFY2(timer.elapsed() < 20000, "the cost of a search grows with the crowd");
+    QVERIFY2(time.seconds() < 20, "the cost of a search grows with the crowd");
 }
 
 QTEST_APPLESS_MAIN(TestCatalogue)

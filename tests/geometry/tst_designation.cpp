@@ -189,8 +189,8 @@ void TestDesignation::sortMovesWholeObjects()
     const QVector<DefPolygon> shared = objects;
     sortObjects(objects);
     QCOMPARE(describe(objects),
-        (QStringList{ QStringLiteral("A: A 1 2"), QStringLiteral("B1: B1 1 2"),
-            QStringLiteral("B2: B2 1 2") }));
+        (QStringList{ QStringLiteral("A [A 1 2]"), QStringLiteral("B1 [B1 1 2]"),
+            QStringLiteral("B2 [B2 1 2]") }));
     QCOMPARE(shared.first().def, QStringLiteral("B2"));
 
     QVector<DefPolygon> none;

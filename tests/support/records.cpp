@@ -18,14 +18,14 @@ QString describe(const DefPoint& point)
 
 QString describe(const DefPolygon& object)
 {
-    QStringList contours;
+    QString result = object.def;
     for (const QVector<DefPoint>& contour : object.contours) {
         QStringList vertices;
         for (const DefPoint& vertex : contour)
             vertices.append(describe(vertex));
-        contours.append(vertices.join(QStringLiteral("; ")));
+        result += QStringLiteral(" [") + vertices.join(QStringLiteral("; ")) + QLatin1Char(']');
     }
-    return object.def + QStringLiteral(": ") + contours.join(QStringLiteral(" | "));
+    return result;
 }
 
 QStringList describe(const QVector<DefPolygon>& objects)

@@ -15,7 +15,7 @@ QString describe(double coordinate);
 /// A point as "def x y".
 QString describe(const DefPoint& point);
 
-/// An object as "def: def x y; def x y | def x y": semicolons part the vertices, bars the contours.
+/// An object as "def [def x y; def x y] [def x y]", with brackets around each contour.
 QString describe(const DefPolygon& object);
 
 /// The objects, one text each.

@@ -15,6 +15,9 @@ QString TempFiles::path(const QString& name) const
 
 QString TempFiles::write(const QString& name, const QByteArray& content) const
 {
+    // A new file in place of the old one: to overwrite would make some file systems wait for
+    // the disk.
+    remove(name);
     QFile file(path(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("Cannot write %s", qUtf8Printable(file.fileName()));
