@@ -48,11 +48,6 @@ QString firstLine(ToyImport& toy)
     return toy.line;
 }
 
-QStringList lines(const char* text)
-{
-    return QString::fromUtf8(text).split(QLatin1Char('\n'));
-}
-
 const QString objectFile = QStringLiteral("objects.txt");
 const QString pointFile = QStringLiteral("points.txt");
 
@@ -71,6 +66,7 @@ private slots:
     void lastLines();
     void failuresToOpen_data();
     void failuresToOpen();
+    void silentWithoutAStatusFunction();
     void resultsOfPasses_data();
     void resultsOfPasses();
     void startsWithoutPoints();
@@ -250,6 +246,16 @@ void TestDriver::failuresToOpen()
         return true;
     };
     QTEST(outcomeOf(toy, *m_files), "expected");
+}
+
+void TestDriver::silentWithoutAStatusFunction()
+{
+    ToyImport toy;
+    prepare(toy, {}, *m_files, QStringLiteral("none.txt"));
+    QVector<DefPolygon> objects;
+    toy.map = &objects;
+    QVERIFY(toy.importMap());
+    QVERIFY(objects.isEmpty());
 }
 
 void TestDriver::resultsOfPasses_data()

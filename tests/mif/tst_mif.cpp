@@ -7,11 +7,6 @@
 
 namespace {
 
-QStringList lines(const char* text)
-{
-    return QString::fromUtf8(text).split(QLatin1Char('\n'));
-}
-
 void columns()
 {
     QTest::addColumn<QByteArray>("mif");
@@ -22,6 +17,24 @@ void columns()
 void row(const char* name, const QByteArray& mif, const char* expected)
 {
     QTest::newRow(name) << mif << lines(expected);
+}
+
+/// The outcome when an object cannot be read: the message about its kind and the line, and then
+/// as much of the object as was built.
+QByteArray bad(const char* kind, int line, const char* object)
+{
+    return "false\n! Ошибка чтения " + QByteArray(kind) + " из строки: " + QByteArray::number(line)
+        + '\n' + object;
+}
+
+QByteArray badPline(int line, const char* object)
+{
+    return bad("полилинии", line, object);
+}
+
+QByteArray badRegion(int line, const char* object)
+{
+    return bad("области", line, object);
 }
 
 const char* const badHeader = "false\n! Ошибка. Файл plan.mif не соответствует формату MIF";
@@ -191,10 +204,6 @@ void TestMif::line_data()
 void TestMif::pline_data()
 {
     columns();
-    const auto bad = [](int line, const char* object) {
-        return QStringLiteral("false\n! Ошибка чтения полилинии из строки: %1\n").arg(line).toUtf8()
-            + object;
-    };
     row("two vertices", mif("Pline 2\n1 2\n3 4\n"), "true\nоб1 [т1 1 2; т2 3 4]");
     row("closed one: not a ring, but one place", mif("Pline 4\n1 2\n3 4\n5 6\n1 2\n"),
         "true\nоб1 [т1 1 2; т2 3 4; т3 5 6; т1 1 2]");
@@ -204,51 +213,47 @@ void TestMif::pline_data()
         "true\nоб1 [т1 1 2; т2 3 4]");
     row("further tokens do not matter", mif("Pline 2 x\n1 2\n3 4\n"), "true\nоб1 [т1 1 2; т2 3 4]");
     row("signed count", mif("Pline +2\n1 2\n3 4\n"), "true\nоб1 [т1 1 2; т2 3 4]");
-    row("one vertex", mif("Pline 1\n1 2\n"), bad(7, ""));
-    row("no vertex", mif("Pline 0\n"), bad(7, ""));
-    row("negative", mif("Pline -2\n1 2\n3 4\n"), bad(7, ""));
-    row("no count", mif("Pline\n2\n1 2\n3 4\n"), bad(7, ""));
-    row("count is no number", mif("Pline x\n1 2\n3 4\n"), bad(7, ""));
-    row("count is no integer", mif("Pline 2.0\n1 2\n3 4\n"), bad(7, ""));
-    row("count is too large", mif("Pline 2147483648\n1 2\n3 4\n"), bad(7, ""));
-    row("end of file after the count", mif("Pline 2\n"), bad(7, " []"));
-    row("end of file after a vertex", mif("Pline 3\n1 2\n3 4\n"), bad(9, " [т1 1 2; т2 3 4]"));
-    row("blank line in place of a vertex", mif("Pline 2\n1 2\n\n3 4\n"), bad(9, " [т1 1 2]"));
-    row("vertex of one token", mif("Pline 2\n1\n2 3\n"), bad(8, " []"));
-    row("vertex of three tokens", mif("Pline 2\n1 2\n3 4 5\n"), bad(9, " [т1 1 2]"));
-    row("x is no number", mif("Pline 2\n1 2\nx 4\n"), bad(9, " [т1 1 2]"));
-    row("y is no number", mif("Pline 2\n1 2\n3 y\n"), bad(9, " [т1 1 2]"));
-    row("coordinates with a comma", mif("Pline 2\n1,2\n3,4\n"), bad(8, " []"));
+    row("one vertex", mif("Pline 1\n1 2\n"), badPline(7, ""));
+    row("no vertex", mif("Pline 0\n"), badPline(7, ""));
+    row("negative", mif("Pline -2\n1 2\n3 4\n"), badPline(7, ""));
+    row("no count", mif("Pline\n2\n1 2\n3 4\n"), badPline(7, ""));
+    row("count is no number", mif("Pline x\n1 2\n3 4\n"), badPline(7, ""));
+    row("count is no integer", mif("Pline 2.0\n1 2\n3 4\n"), badPline(7, ""));
+    row("count is too large", mif("Pline 2147483648\n1 2\n3 4\n"), badPline(7, ""));
+    row("end of file after the count", mif("Pline 2\n"), badPline(7, " []"));
+    row("end of file after a vertex", mif("Pline 3\n1 2\n3 4\n"), badPline(9, " [т1 1 2; т2 3 4]"));
+    row("blank line in place of a vertex", mif("Pline 2\n1 2\n\n3 4\n"), badPline(9, " [т1 1 2]"));
+    row("vertex of one token", mif("Pline 2\n1\n2 3\n"), badPline(8, " []"));
+    row("vertex of three tokens", mif("Pline 2\n1 2\n3 4 5\n"), badPline(9, " [т1 1 2]"));
+    row("x is no number", mif("Pline 2\n1 2\nx 4\n"), badPline(9, " [т1 1 2]"));
+    row("y is no number", mif("Pline 2\n1 2\n3 y\n"), badPline(9, " [т1 1 2]"));
+    row("coordinates with a comma", mif("Pline 2\n1,2\n3,4\n"), badPline(8, " []"));
 }
 
 void TestMif::plineMultiple_data()
 {
     columns();
-    const auto bad = [](int line, const char* object) {
-        return QStringLiteral("false\n! Ошибка чтения полилинии из строки: %1\n").arg(line).toUtf8()
-            + object;
-    };
     const char* const good = "true\nоб1 [т1 1 2; т2 3 4] [т2 3 4; т3 5 6; т1 1 2]";
     row("two sections", mif("Pline Multiple 2\n 2\n1 2\n3 4\n 3\n3 4\n5 6\n1 2\n"), good);
     row("any case", mif("pline mULTIPLE 2\n2\n1 2\n3 4\n3\n3 4\n5 6\n1 2\n"), good);
     row("a letter that is upper-cased to it",
         mif("Pline Multıple 2\n2\n1 2\n3 4\n3\n3 4\n5 6\n1 2\n"), good);
-    row("one section", mif("Pline Multiple 1\n2\n1 2\n3 4\n"), bad(7, ""));
-    row("no section", mif("Pline Multiple 0\n"), bad(7, ""));
-    row("no count", mif("Pline Multiple\n2\n1 2\n3 4\n"), bad(7, ""));
-    row("count is no number", mif("Pline Multiple x\n2\n1 2\n3 4\n"), bad(7, ""));
-    row("end of file after the count", mif("Pline Multiple 2\n"), bad(7, ""));
-    row("section of one vertex", mif("Pline Multiple 2\n1\n1 2\n2\n1 2\n3 4\n"), bad(8, ""));
+    row("one section", mif("Pline Multiple 1\n2\n1 2\n3 4\n"), badPline(7, ""));
+    row("no section", mif("Pline Multiple 0\n"), badPline(7, ""));
+    row("no count", mif("Pline Multiple\n2\n1 2\n3 4\n"), badPline(7, ""));
+    row("count is no number", mif("Pline Multiple x\n2\n1 2\n3 4\n"), badPline(7, ""));
+    row("end of file after the count", mif("Pline Multiple 2\n"), badPline(7, ""));
+    row("section of one vertex", mif("Pline Multiple 2\n1\n1 2\n2\n1 2\n3 4\n"), badPline(8, ""));
     row("section count with more on the line", mif("Pline Multiple 2\n2 2\n1 2\n3 4\n"),
-        bad(8, ""));
+        badPline(8, ""));
     row("blank line in place of a count", mif("Pline Multiple 2\n2\n1 2\n3 4\n\n2\n1 2\n3 4\n"),
-        bad(11, " [т1 1 2; т2 3 4]"));
+        badPline(11, " [т1 1 2; т2 3 4]"));
     row("end of file after a section count", mif("Pline Multiple 2\n2\n1 2\n3 4\n2\n"),
-        bad(11, " [т1 1 2; т2 3 4] []"));
+        badPline(11, " [т1 1 2; т2 3 4] []"));
     row("end of file after a section", mif("Pline Multiple 3\n2\n1 2\n3 4\n2\n5 6\n7 8\n"),
-        bad(13, " [т1 1 2; т2 3 4] [т3 5 6; т4 7 8]"));
+        badPline(13, " [т1 1 2; т2 3 4] [т3 5 6; т4 7 8]"));
     row("bad vertex in the second section", mif("Pline Multiple 2\n2\n1 2\n3 4\n2\n5 6\n7\n"),
-        bad(13, " [т1 1 2; т2 3 4] [т3 5 6]"));
+        badPline(13, " [т1 1 2; т2 3 4] [т3 5 6]"));
     row("further sections are passed over",
         mif("Pline Multiple 2\n2\n1 2\n3 4\n2\n1 2\n3 4\n2\n5 6\n7 8\n"),
         "true\nоб1 [т1 1 2; т2 3 4] [т1 1 2; т2 3 4]");
@@ -257,10 +262,6 @@ void TestMif::plineMultiple_data()
 void TestMif::region_data()
 {
     columns();
-    const auto bad = [](int line, const char* object) {
-        return QStringLiteral("false\n! Ошибка чтения области из строки: %1\n").arg(line).toUtf8()
-            + object;
-    };
     row("ring of five", mif("Region 1\n  5\n0 0\n0 9\n9 9\n9 0\n0 0\n"),
         "true\nоб1 [т1 0 0; т2 0 9; т3 9 9; т4 9 0; т1 0 0]");
     row("the last vertex is named after the first wherever it stands",
@@ -269,23 +270,26 @@ void TestMif::region_data()
         "true\nоб1 [т1 0 0; т2 0 9; т3 9 9; т1 0 0] [т4 1 1; т5 1 2; т6 2 2; т4 1 1]");
     row("no ring", mif("Region 0\nLine 1 2 3 4\n"), "true\nоб1\nоб2 [т1 1 2; т2 3 4]");
     row("no ring at the end of the file", mif("Region 0\n"), "true\nоб1");
-    row("negative", mif("Region -1\n4\n0 0\n"), bad(7, ""));
-    row("no count", mif("Region\n4\n0 0\n0 9\n9 9\n0 0\n"), bad(7, ""));
-    row("no count at the end of the file", mif("Region\n"), bad(7, ""));
-    row("count is no number", mif("Region one\n4\n"), bad(7, ""));
-    row("end of file after the count", mif("Region 1\n"), bad(7, ""));
-    row("ring of two", mif("Region 1\n2\n0 0\n0 9\n"), bad(8, ""));
-    row("ring count is no number", mif("Region 1\nx\n0 0\n0 9\n"), bad(8, ""));
-    row("blank line in place of a ring count", mif("Region 1\n\n3\n0 0\n0 9\n0 0\n"), bad(8, ""));
-    row("end of file after a ring count", mif("Region 1\n3\n"), bad(8, " []"));
-    row("end of file in a ring", mif("Region 1\n4\n0 0\n0 9\n"), bad(10, " [т1 0 0; т2 0 9]"));
+    row("negative", mif("Region -1\n4\n0 0\n"), badRegion(7, ""));
+    row("no count", mif("Region\n4\n0 0\n0 9\n9 9\n0 0\n"), badRegion(7, ""));
+    row("no count at the end of the file", mif("Region\n"), badRegion(7, ""));
+    row("count is no number", mif("Region one\n4\n"), badRegion(7, ""));
+    row("end of file after the count", mif("Region 1\n"), badRegion(7, ""));
+    row("ring of two", mif("Region 1\n2\n0 0\n0 9\n"), badRegion(8, ""));
+    row("ring count is no number", mif("Region 1\nx\n0 0\n0 9\n"), badRegion(8, ""));
+    row("blank line in place of a ring count", mif("Region 1\n\n3\n0 0\n0 9\n0 0\n"),
+        badRegion(8, ""));
+    row("end of file after a ring count", mif("Region 1\n3\n"), badRegion(8, " []"));
+    row("end of file in a ring", mif("Region 1\n4\n0 0\n0 9\n"),
+        badRegion(10, " [т1 0 0; т2 0 9]"));
     row("blank line between rings", mif("Region 2\n3\n0 0\n0 9\n0 0\n\n3\n1 1\n1 2\n1 1\n"),
-        bad(12, " [т1 0 0; т2 0 9; т1 0 0]"));
+        badRegion(12, " [т1 0 0; т2 0 9; т1 0 0]"));
     row("blank line in place of a vertex", mif("Region 1\n3\n0 0\n\n0 9\n0 0\n"),
-        bad(10, " [т1 0 0]"));
+        badRegion(10, " [т1 0 0]"));
     row("end of file between rings", mif("Region 2\n3\n0 0\n0 9\n0 0\n"),
-        bad(11, " [т1 0 0; т2 0 9; т1 0 0]"));
-    row("bad closing vertex", mif("Region 1\n3\n0 0\n0 9\n0\n"), bad(11, " [т1 0 0; т2 0 9]"));
+        badRegion(11, " [т1 0 0; т2 0 9; т1 0 0]"));
+    row("bad closing vertex", mif("Region 1\n3\n0 0\n0 9\n0\n"),
+        badRegion(11, " [т1 0 0; т2 0 9]"));
     row("shared vertices",
         mif("Region 1\n4\n0 0\n0 9\n9 9\n0 0\nRegion 1\n4\n9 9\n0 9\n5 20\n9 9\n"),
         "true\nоб1 [т1 0 0; т2 0 9; т3 9 9; т1 0 0]\nоб2 [т3 9 9; т2 0 9; т4 5 20; т3 9 9]");

@@ -35,11 +35,6 @@ protected:
     }
 };
 
-QStringList lines(const char* text)
-{
-    return QString::fromUtf8(text).split(QLatin1Char('\n'));
-}
-
 /// Files of one import; a null text stands for a file that does not exist.
 struct Files {
     QByteArray mif;

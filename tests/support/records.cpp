@@ -51,3 +51,8 @@ QStringList defsOf(const QVector<DefPolygon>& objects)
         defs.append(object.def);
     return defs;
 }
+
+QStringList lines(const char* text)
+{
+    return QString::fromUtf8(text).split(QLatin1Char('\n'));
+}

@@ -26,3 +26,6 @@ QVector<DefPolygon> objectsNamed(const QStringList& defs);
 
 /// The designations of objects in their order.
 QStringList defsOf(const QVector<DefPolygon>& objects);
+
+/// The lines of a UTF-8 text.
+QStringList lines(const char* text);
