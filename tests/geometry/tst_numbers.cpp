@@ -26,6 +26,9 @@ private slots:
     void readsLikeQString();
     void readsRandomNumbersLikeQString();
     void readsEveryShortTextLikeQString();
+    void pairs_data();
+    void pairs();
+    void readsRandomPairsLikeQString();
 };
 
 namespace {
@@ -53,6 +56,22 @@ bool readsAlike(const QString& text)
         qPrintable(QString::number(value, 'g', 17)), ok,
         qPrintable(QString::number(expected, 'g', 17)), expectedOk);
     return false;
+}
+
+/// Whether `text` is taken for a plain pair. A failure when it is one of other values than
+/// QString::toDouble() finds in its two tokens.
+bool isPlainPairLikeQString(const QString& text)
+{
+    double first = 0, second = 0;
+    if (!toPlainPair(text, &first, &second))
+        return false;
+    const QStringList tokens = text.split(QLatin1Char(' '));
+    bool ok1 = false, ok2 = false;
+    const double expected[] = { tokens.value(0).toDouble(&ok1), tokens.value(1).toDouble(&ok2) };
+    const double values[] = { first, second };
+    if (tokens.size() != 2 || !ok1 || !ok2 || std::memcmp(values, expected, sizeof values) != 0)
+        QTest::qFail(qPrintable(text), __FILE__, __LINE__);
+    return true;
 }
 
 QString digits(Random& random, int longest)
@@ -268,6 +287,43 @@ void TestNumbers::readsEveryShortTextLikeQString()
             QVERIFY(readsAlike(text));
         }
     }
+}
+
+void TestNumbers::pairs_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("isPair");
+    QTest::newRow("whole") << QStringLiteral("1 2") << true;
+    QTest::newRow("decimals") << QStringLiteral("7512345.67 -2200000.5") << true;
+    QTest::newRow("negative zero") << QStringLiteral("-0 -0.0") << true;
+    QTest::newRow("nothing") << QString() << false;
+    QTest::newRow("a space") << QStringLiteral(" ") << false;
+    QTest::newRow("one number") << QStringLiteral("1") << false;
+    QTest::newRow("one number and a space") << QStringLiteral("1 ") << false;
+    QTest::newRow("three numbers") << QStringLiteral("1 2 3") << false;
+    QTest::newRow("a comma") << QStringLiteral("1,2") << false;
+    QTest::newRow("junk") << QStringLiteral("1 2x") << false;
+}
+
+void TestNumbers::pairs()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, isPair);
+    QCOMPARE(isPlainPairLikeQString(text), isPair);
+}
+
+void TestNumbers::readsRandomPairsLikeQString()
+{
+    Random random(15);
+    const QString junk = QStringLiteral("0123456789.+-eE ,\t\u00A0x");
+    int pairs = 0;
+    for (int i = 0; i < 300000; ++i) {
+        QString text = numberText(random) + QLatin1Char(' ') + numberText(random);
+        if (random.oneIn(2))
+            text[random.below(text.size())] = random.pick(junk);
+        pairs += isPlainPairLikeQString(text) ? 1 : 0;
+    }
+    QVERIFY(pairs > 10000);
 }
 
 QTEST_APPLESS_MAIN(TestNumbers)

@@ -19,12 +19,8 @@ public:
     using MapImport::appendEmptyPolygon;
     using MapImport::appendVert;
     using MapImport::encoding;
-    using MapImport::file;
     using MapImport::in;
-    using MapImport::line;
-    using MapImport::lineNum;
     using MapImport::points;
-    using MapImport::readTextLine;
     using MapImport::resetInFileStream;
     using MapImport::setLastPolygonDef;
 
@@ -42,10 +38,9 @@ void build(ToyImport& toy, const QVector<QPointF>& places, bool ring = false)
         toy.appendVert(places[i].x(), places[i].y(), ring && i == places.size() - 1);
 }
 
-QString firstLine(ToyImport& toy)
+QString nextLine(ToyImport& toy)
 {
-    toy.readTextLine(toy.line);
-    return toy.line;
+    return toy.in.readLine().toString();
 }
 
 const QString objectFile = QStringLiteral("objects.txt");
@@ -100,7 +95,6 @@ void TestDriver::defaults()
     QVERIFY(toy.objectFileName.isEmpty() && toy.pointFileName.isEmpty());
     QCOMPARE(toy.pointStartNum, 0);
     QCOMPARE(toy.objectStartNum, 0);
-    QCOMPARE(toy.lineNum, 0);
     QVERIFY(!toy.map);
     QVERIFY(toy.points.isEmpty());
     QVERIFY(toy.encoding.isEmpty());
@@ -132,16 +126,16 @@ void TestDriver::passesAndFiles()
     prepare(toy, options, *m_files, objectFile, separate ? pointFile : QString());
     QStringList seen;
     toy.pointPass = [&](ToyImport& t) {
-        seen.append(QStringLiteral("p:") + firstLine(t));
+        seen.append(QStringLiteral("p:") + nextLine(t));
         return true;
     };
     toy.objectPass = [&](ToyImport& t) {
-        seen.append(QStringLiteral("o:") + firstLine(t));
+        seen.append(QStringLiteral("o:") + nextLine(t));
         return true;
     };
     QCOMPARE(outcomeOf(toy, *m_files), lines("true"));
     QCOMPARE(seen.join(QLatin1Char(' ')), expected);
-    QVERIFY(!toy.file.isOpen());
+    QVERIFY(!toy.in.isOpen());
 }
 
 void TestDriver::linesAreCountedAnewInEachPass()
@@ -152,10 +146,10 @@ void TestDriver::linesAreCountedAnewInEachPass()
     prepare(toy, options, *m_files, objectFile);
     QVector<int> counts;
     const ToyImport::Pass pass = [&](ToyImport& t) {
-        counts.append(t.lineNum);
+        counts.append(t.in.lineNum());
         while (!t.in.atEnd()) {
-            firstLine(t);
-            counts.append(t.lineNum);
+            nextLine(t);
+            counts.append(t.in.lineNum());
         }
         return true;
     };
@@ -191,7 +185,7 @@ void TestDriver::lastLines()
     QStringList seen;
     toy.objectPass = [&](ToyImport& t) {
         while (!t.in.atEnd())
-            seen.append(firstLine(t));
+            seen.append(nextLine(t));
         return true;
     };
     QCOMPARE(outcomeOf(toy, *m_files), lines("true"));
@@ -199,9 +193,9 @@ void TestDriver::lastLines()
 
     toy.objectPass = [](ToyImport& t) {
         while (!t.in.atEnd())
-            firstLine(t);
-        const int count = t.lineNum;
-        return firstLine(t).isNull() && t.lineNum == count + 1;
+            nextLine(t);
+        const int count = t.in.lineNum();
+        return nextLine(t).isNull() && t.in.lineNum() == count + 1;
     };
     QCOMPARE(outcomeOf(toy, *m_files), lines("true"));
 }
@@ -285,7 +279,7 @@ void TestDriver::resultsOfPasses()
         return objectsLoaded;
     };
     QTEST(outcomeOf(toy, *m_files), "expected");
-    QVERIFY(!toy.file.isOpen());
+    QVERIFY(!toy.in.isOpen());
 }
 
 void TestDriver::startsWithoutPoints()
@@ -436,10 +430,10 @@ void TestDriver::readsAgainFromTheStart()
     prepare(toy, {}, *m_files, objectFile);
     QStringList seen;
     toy.objectPass = [&](ToyImport& t) {
-        seen.append(firstLine(t));
-        seen.append(firstLine(t));
+        seen.append(nextLine(t));
+        seen.append(nextLine(t));
         t.resetInFileStream();
-        seen.append(firstLine(t));
+        seen.append(nextLine(t));
         return true;
     };
     QCOMPARE(outcomeOf(toy, *m_files), lines("true"));
@@ -479,7 +473,7 @@ void TestDriver::encodings()
     QCOMPARE(toy.encoding, names.last());
     QStringList seen;
     const ToyImport::Pass pass = [&](ToyImport& t) {
-        seen.append(firstLine(t));
+        seen.append(nextLine(t));
         return true;
     };
     toy.pointPass = pass;
@@ -498,7 +492,7 @@ void TestDriver::unknownEncodingAlone()
     prepare(toy, options, *m_files, objectFile);
     QString seen;
     toy.objectPass = [&](ToyImport& t) {
-        seen = firstLine(t);
+        seen = nextLine(t);
         return true;
     };
     QCOMPARE(outcomeOf(toy, *m_files), lines("true"));

@@ -93,6 +93,7 @@ class TestMifHostile : public QObject {
 private slots:
     void wholeSample();
     void cutAtEveryByte();
+    void aBlockEndsAtEveryByte();
     void everyLineReplaced_data();
     void everyLineReplaced();
     void absurdCounts_data();
@@ -144,6 +145,25 @@ void TestMifHostile::cutAtEveryByte()
         compare(mif.left(size), mid, size % 2 == 0);
     for (int size = 0; size <= mid.size(); ++size)
         compare(mif, mid.left(size), size % 2 == 0);
+}
+
+void TestMifHostile::aBlockEndsAtEveryByte()
+{
+    // What reads and decodes a file does so by blocks of this size.
+    constexpr int block = 16384;
+    const QByteArray end = sampleMif().mid(mifHeader().size());
+    const QByteArray rows = sampleMid();
+    for (int left = -9; left <= end.size() + 9; ++left) {
+        QByteArray start = mifHeader();
+        start.insert(
+            start.indexOf("Columns"), QByteArray(block - start.size() - left - 1, 'x') + '\n');
+        compare(start + end, rows, left % 2 == 0);
+    }
+    for (int left = -9; left <= rows.size() + 9; ++left) {
+        QByteArray padded = rows;
+        padded.insert(padded.indexOf('\n'), QByteArray(block - left, 'x'));
+        compare(sampleMif(), padded, left % 2 == 0);
+    }
 }
 
 void TestMifHostile::everyLineReplaced_data()

@@ -20,9 +20,8 @@ public:
     using MifImport::checkMifFile;
     using MifImport::delimiter;
     using MifImport::extractDef;
-    using MifImport::lineNum;
-    using MifImport::midFile;
-    using MifImport::midLineNum;
+    using MifImport::in;
+    using MifImport::mid;
     using MifImport::openMidFile;
     using MifImport::readMidDef;
     using MifImport::readVert;
@@ -396,7 +395,7 @@ void TestMifPasses::readsAMidDef()
         QVERIFY(r.readMidDef(&def));
         QVERIFY(r.readMidDef(nullptr));
         QCOMPARE(def, QStringLiteral("untouched"));
-        QCOMPARE(r.midLineNum, 0);
+        QCOMPARE(r.mid.lineNum(), 0);
 
         QVERIFY(r.openMidFile());
         QVERIFY(r.readMidDef(&def));
@@ -408,7 +407,7 @@ void TestMifPasses::readsAMidDef()
         QVERIFY(r.readMidDef(&def));
         QCOMPARE(def, QStringLiteral("B"));
         QVERIFY(!r.readMidDef(&def));
-        QCOMPARE(r.midLineNum, 5);
+        QCOMPARE(r.mid.lineNum(), 5);
     };
     QCOMPARE(outcomeOf(reader, files), lines("true"));
 }
@@ -427,7 +426,7 @@ void TestMifPasses::readsAVertex()
         QVERIFY(r.readVert(true));
         for (int i = 0; i < 5; ++i)
             QVERIFY(!r.readVert(false));
-        QCOMPARE(r.lineNum, 8);
+        QCOMPARE(r.in.lineNum(), 8);
     };
     QCOMPARE(outcomeOf(reader, files), lines("true\n [т1 1 2; т2 3 4; т1 5 6]"));
 }

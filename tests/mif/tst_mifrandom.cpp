@@ -252,7 +252,7 @@ void TestMifRandom::likeThePlainReader_data()
     QTest::newRow("sound") << 3000 << 12 << 0;
     QTest::newRow("damaged") << 8000 << 6 << 1;
     QTest::newRow("badly damaged") << 4000 << 8 << 6;
-    QTest::newRow("large") << 60 << 600 << 0;
+    QTest::newRow("large") << 150 << 600 << 0;
 }
 
 void TestMifRandom::likeThePlainReader()
