@@ -182,21 +182,30 @@ bool MifImport::startPass(bool withMid)
     return true;
 }
 
-bool MifImport::loadPoints()
+/// The keyword of the next object; empty at the end of the file or at a collection.
+QString MifImport::nextKeyword()
 {
-    if (!startPass(searchPointDefs))
-        return false;
     while (!in.atEnd()) {
         if (!readTokenizeMifLine(true))
             continue;
         const QString keyword = tokens[0].toUpper();
-        if (!keywords().contains(keyword))
-            continue;
         if (keyword == QLatin1String("COLLECTION")) {
             fail(QStringLiteral("Ошибка в стоке %1. Коллекции в MIF файлах не поддерживаются."),
                 lineNum);
-            return true;
+            return QString();
         }
+        if (keywords().contains(keyword))
+            return keyword;
+    }
+    return QString();
+}
+
+bool MifImport::loadPoints()
+{
+    if (!startPass(searchPointDefs))
+        return false;
+    for (QString keyword = nextKeyword(); !keyword.isEmpty(); keyword = nextKeyword()) {
+
         const bool isPoint = keyword == QLatin1String("POINT");
         if (isPoint && !readPoint())
             return fail(QStringLiteral("Ошибка чтения координат точки из строки: %1"), lineNum);
@@ -217,18 +226,9 @@ bool MifImport::loadPolygons()
 {
     if (!startPass(searchObjectDefs))
         return false;
-    while (!in.atEnd()) {
-        if (!readTokenizeMifLine(true))
-            continue;
-        const QString keyword = tokens[0].toUpper();
-        if (!keywords().contains(keyword))
-            continue;
+    for (QString keyword = nextKeyword(); !keyword.isEmpty(); keyword = nextKeyword()) {
         bool isObject = true;
-        if (keyword == QLatin1String("COLLECTION")) {
-            fail(QStringLiteral("Ошибка в стоке %1. Коллекции в MIF файлах не поддерживаются."),
-                lineNum);
-            return true;
-        } else if (keyword == QLatin1String("LINE")) {
+        if (keyword == QLatin1String("LINE")) {
             if (!readLine())
                 return fail(QStringLiteral("Ошибка чтения линии из строки: %1"), lineNum);
         } else if (keyword == QLatin1String("PLINE")) {

@@ -41,6 +41,7 @@ private:
     bool readMidLine();
     QString extractDef(const QString& row) const;
     bool startPass(bool withMid);
+    QString nextKeyword();
     bool loadPoints();
     bool loadPolygons();
     bool readPoint();
