@@ -205,7 +205,6 @@ bool MifImport::loadPoints()
     if (!startPass(searchPointDefs))
         return false;
     for (QString keyword = nextKeyword(); !keyword.isEmpty(); keyword = nextKeyword()) {
-
         const bool isPoint = keyword == QLatin1String("POINT");
         if (isPoint && !readPoint())
             return fail(QStringLiteral("Ошибка чтения координат точки из строки: %1"), lineNum);
