@@ -56,30 +56,20 @@ quint32 tagOf(quint64 cell)
     return static_cast<quint32>(cell >> 40);
 }
 
-/// The distinct cell coordinates that a search around a value touches.
+/// The cell coordinates that a search around a value touches: one or two, for a cell is wider than
+/// the search.
 class CellSpan {
 public:
     CellSpan(double value, double cellsPerUnit)
+        : m_cells{ cellCoordinate(value - reach, cellsPerUnit),
+            cellCoordinate(value + reach, cellsPerUnit) }
     {
-        add(cellCoordinate(value - reach, cellsPerUnit));
-        const quint64 last = cellCoordinate(value + reach, cellsPerUnit);
-        if (last == m_cells.front())
-            return;
-        add(cellCoordinate(value, cellsPerUnit));
-        add(last);
     }
     const quint64* begin() const { return m_cells.data(); }
-    const quint64* end() const { return m_cells.data() + m_size; }
+    const quint64* end() const { return begin() + (m_cells.front() == m_cells.back() ? 1 : 2); }
 
 private:
-    void add(quint64 cell)
-    {
-        if (m_size == 0 || m_cells[m_size - 1] != cell)
-            m_cells[m_size++] = cell;
-    }
-
-    std::array<quint64, 3> m_cells;
-    size_t m_size = 0;
+    std::array<quint64, 2> m_cells;
 };
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "geometry/pointcatalogue.h"
 
-#include "support/cputime.h"
 #include "support/literalcatalogue.h"
 #include "support/random.h"
 #include "support/records.h"
@@ -166,8 +165,6 @@ private slots:
     void likeTheSortedVector_data();
     void likeTheSortedVector();
     void undefinedAmongMany();
-    void costOfCrowds_data();
-    void costOfCrowds();
 };
 
 void TestCatalogue::sortsAndMerges_data()
@@ -385,38 +382,6 @@ void TestCatalogue::undefinedAmongMany()
         QVERIFY(pair.size() > 0 && pair.size() <= 400);
         QVERIFY(searchAlike(pair, { coordinate, coordinate, 0, 500 }, random));
     }
-}
-
-void TestCatalogue::costOfCrowds_data()
-{
-    QTest::addColumn<Layout>("layout");
-    QTest::newRow("random") << Layout{ anywhere(0, 9000), anywhere(0, 9000), 150000, 150000 };
-    QTest::newRow("one column") << Layout{ always(7), anywhere(0, 9000), 150000, 150000 };
-    QTest::newRow("one row") << Layout{ anywhere(0, 9000), always(7), 150000, 150000 };
-    QTest::newRow("one cell") << Layout{ anywhere(0, 0.25), anywhere(0, 0.25), 150000, 150000 };
-    QTest::newRow("lattice") << Layout{ lattice(1.0 / 64, 400), lattice(1.0 / 64, 400), 0, 300000 };
-    QTest::newRow("infinite column")
-        << Layout{ always(infinite), anywhere(0, 9000), 150000, 150000 };
-}
-
-void TestCatalogue::costOfCrowds()
-{
-    QFETCH(Layout, layout);
-    Random random(11);
-    const CpuTime time;
-    PointCatalogue catalogue;
-    for (int i = 0; i < layout.arranged; ++i)
-        catalogue.append(DefPoint{ QString(), layout.x(random), layout.y(random) });
-    catalogue.arrange();
-    for (int i = 0; i < layout.searches; ++i) {
-        const double x = layout.x(random);
-        const double y = layout.y(random);
-        if (!catalogue.findCoincident(x, y))
-            catalogue.insert(DefPoint{ QString(), x, y });
-    }
-    QVERIFY(catalogue.size() > 0);
-    // A sorted vector searched by walking takes minutes for the worst of these.
-    QVERIFY2(time.seconds() < 20, "the cost of a search grows with the crowd");
 }
 
 QTEST_APPLESS_MAIN(TestCatalogue)

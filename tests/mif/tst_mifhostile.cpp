@@ -1,7 +1,6 @@
 #include "import/mifimport.h"
 
 #include "miftext.h"
-#include "support/cputime.h"
 #include "support/importing.h"
 #include "support/literalmifimport.h"
 
@@ -238,11 +237,9 @@ void TestMifHostile::enormousLine()
     constexpr int size = 100 * 1024 * 1024;
     const QByteArray object = "Line 1 2 3 4\n";
     m_files.write(plan, mif("Pline 2\n1 2\n" + QByteArray(size, '9') + " 4\n" + object));
-    const CpuTime time;
     const QStringList expected{ QStringLiteral("false"),
         QStringLiteral("! Ошибка чтения полилинии из строки: 9"), QStringLiteral(" [т1 1 2]") };
     QCOMPARE(outcomeOf<MifImport>({}, m_files, plan), expected);
-    QVERIFY(time.seconds() < 20);
 }
 
 QTEST_GUILESS_MAIN(TestMifHostile)
