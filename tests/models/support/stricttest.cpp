@@ -1,0 +1,36 @@
+#include "stricttest.h"
+
+#include <QTest>
+
+namespace {
+
+QtMessageHandler testHandler = nullptr;
+
+/// What platform plug-ins say of themselves; it tells nothing about the program under test.
+bool isPlatformRemark(const QString& message)
+{
+    return message.startsWith(QLatin1String("This plugin does not support "))
+        || message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set"))
+        || message.startsWith(QLatin1String("QStandardPaths: wrong permissions on runtime"));
+}
+
+void failOnWarning(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    testHandler(type, context, message);
+    if (type == QtDebugMsg || type == QtInfoMsg || isPlatformRemark(message))
+        return;
+    QTest::qFail(qPrintable(QStringLiteral("Qt warns: ") + message), __FILE__, __LINE__);
+}
+
+} // namespace
+
+// Qt Test puts its own handler in place for the run, so ours goes on top of it here.
+void StrictTest::initTestCase()
+{
+    testHandler = qInstallMessageHandler(failOnWarning);
+}
+
+void StrictTest::cleanupTestCase()
+{
+    qInstallMessageHandler(testHandler);
+}
