@@ -40,14 +40,23 @@ void click(const QDialog& dialog, const char* button)
     clickButton(&widget<QAbstractButton>(dialog, button));
 }
 
+static void clickStandard(const QDialog& dialog, QDialogButtonBox::StandardButtons either)
+{
+    const auto& box = widget<QDialogButtonBox>(dialog, "buttonBox");
+    for (QAbstractButton* button : box.buttons()) {
+        if (either & box.standardButton(button))
+            clickButton(button);
+    }
+}
+
 void clickOk(const QDialog& dialog)
 {
-    clickButton(widget<QDialogButtonBox>(dialog, "buttonBox").button(QDialogButtonBox::Ok));
+    clickStandard(dialog, QDialogButtonBox::Ok | QDialogButtonBox::Open);
 }
 
 void clickCancel(const QDialog& dialog)
 {
-    clickButton(widget<QDialogButtonBox>(dialog, "buttonBox").button(QDialogButtonBox::Cancel));
+    clickStandard(dialog, QDialogButtonBox::Cancel);
 }
 
 void type(const QDialog& dialog, const char* name, const QString& text)

@@ -48,7 +48,7 @@ Widget& widget(const QDialog& dialog, const char* name)
 
 /// Clicks a button as the user does.
 void click(const QDialog& dialog, const char* button);
-/// Clicks OK or Cancel.
+/// Clicks OK (in a file dialog: Open) or Cancel.
 void clickOk(const QDialog& dialog);
 void clickCancel(const QDialog& dialog);
 /// Clears an edit, a spin box or an editable combo box and types the text into it.
