@@ -26,8 +26,10 @@ std::function<void()> Messages::s_then;
 void Messages::receive(const QString& text)
 {
     s_texts.append(text);
-    if (s_then)
-        s_then();
+    // The action may replace itself.
+    const auto then = s_then;
+    if (then)
+        then();
 }
 
 static void clickButton(QAbstractButton* button)
