@@ -99,7 +99,7 @@ void TestOutOfMemory::whileImporting_data()
 {
     QTest::addColumn<int>("refused");
     QTest::addColumn<bool>("isAtTheStart");
-    QTest::newRow("at once") << 1 << true;
+    QTest::newRow("for the importer") << 200 << true;
     QTest::newRow("as the catalogue grows") << 30000 << false;
 }
 
