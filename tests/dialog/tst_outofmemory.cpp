@@ -81,14 +81,14 @@ void TestOutOfMemory::cleanup()
     m_store.reset();
 }
 
-/// Writes many lines without common vertices.
+/// Writes many lines whose vertices stand far apart.
 QString TestOutOfMemory::writeSteps()
 {
     QByteArray objects;
     for (int step = 0; step < stepCount; ++step) {
         objects += "Pline " + QByteArray::number(stepLength) + '\n';
         for (int i = 0; i < stepLength; ++i)
-            objects += QByteArray::number(step) + ' ' + QByteArray::number(i) + '\n';
+            objects += QByteArray::number(1000 * step) + ' ' + QByteArray::number(1000 * i) + '\n';
     }
     const QString path = m_store->path(QStringLiteral("steps"));
     writeMif(path, objects, QByteArray());
