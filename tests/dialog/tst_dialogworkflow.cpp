@@ -435,7 +435,7 @@ void TestDialogWorkflow::encodings_data()
 
     const auto row = [](const char* name, const char* chosen, const char* codec, bool isTyped,
                          bool isMarked = false) {
-        QTest::newRow(name) << QString::fromLatin1(chosen) << QByteArray(codec) << isTyped
+        QTest::newRow(name) << QString::fromUtf8(chosen) << QByteArray(codec) << isTyped
                             << isMarked;
     };
     row("Windows-1251", "Windows-1251", "Windows-1251", false);
@@ -446,6 +446,7 @@ void TestDialogWorkflow::encodings_data()
     row("typed in other letters", "windows-1251", "Windows-1251", true);
     row("Default", "Default", "", false);
     row("unknown", "no-such-codec", "", true);
+    row("not Latin", "кодировка", "", true);
     row("empty", "", "", true);
 }
 

@@ -1,4 +1,5 @@
 #include "dialogdriver.h"
+#include "exampleresult.h"
 #include "hostinterface.h"
 #include "samplefiles.h"
 #include "stricttest.h"
@@ -467,47 +468,7 @@ void TestPlugin::resultFromMif()
             clickOk(dialog);
         },
         { 0, 1, 2, 1 });
-    const char* const expected = R"(
-<FormTable Name="Участки" Update="1">
-    <Row>
-        <Cell/>
-        <Cell>ЗУ1</Cell>
-        <FormTable Name="Координаты">
-            <Row>
-                <Cell>1</Cell>
-                <Cell>100.00</Cell>
-                <Cell>200.00</Cell>
-                <Cell>знак</Cell>
-            </Row>
-            <Row>
-                <Cell>2</Cell>
-                <Cell>110.50</Cell>
-                <Cell>200.00</Cell>
-                <Cell>знак</Cell>
-            </Row>
-            <Row>
-                <Cell>3</Cell>
-                <Cell>110.50</Cell>
-                <Cell>215.25</Cell>
-                <Cell>знак</Cell>
-            </Row>
-            <Row/>
-            <Row>
-                <Cell>4</Cell>
-                <Cell>120.00</Cell>
-                <Cell>230.00</Cell>
-                <Cell>знак</Cell>
-            </Row>
-            <Row>
-                <Cell>5</Cell>
-                <Cell>125.75</Cell>
-                <Cell>230.00</Cell>
-                <Cell>знак</Cell>
-            </Row>
-        </FormTable>
-    </Row>
-</FormTable>)";
-    QCOMPARE(result, QString::fromUtf8(expected));
+    QCOMPARE(result, exampleResult());
     QCOMPARE(m_messages->texts(), QStringList());
 }
 

@@ -1,6 +1,7 @@
 #include "models/defmaptablemodel.h"
 
 #include "geometry/designation.h"
+#include "modeledits.h"
 #include "modelsignals.h"
 #include "objects.h"
 #include "stricttest.h"
@@ -50,7 +51,7 @@ private slots:
     void editTellsTheCellThenTheTable();
     void editIsRefused_data();
     void editIsRefused();
-    void editOfAnyTextIsAccepted_data();
+    void editOfAnyTextIsAccepted_data() { addAcceptedDefs(); }
     void editOfAnyTextIsAccepted();
     void editOfStaleIndexIsRefused();
     void resets();
@@ -221,30 +222,12 @@ void TestDefMapTableModel::editIsRefused()
     QVERIFY(objects.at(1).def.isNull());
 }
 
-void TestDefMapTableModel::editOfAnyTextIsAccepted_data()
-{
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<QString>("stored");
-
-    QTest::newRow("other case") << QVariant(QStringLiteral("A")) << QStringLiteral("A");
-    QTest::newRow("empty") << QVariant(QStringLiteral("")) << QStringLiteral("");
-    QTest::newRow("no text at all") << QVariant() << QString();
-    QTest::newRow("spaces") << QVariant(QStringLiteral("  ")) << QStringLiteral("  ");
-    QTest::newRow("number") << QVariant(17) << QStringLiteral("17");
-}
-
 void TestDefMapTableModel::editOfAnyTextIsAccepted()
 {
-    QFETCH(QVariant, value);
-    QFETCH(QString, stored);
     QVector<DefPolygon> objects = objectsNamed({ QStringLiteral("a") });
     DefMapTableModel model;
     model.setMap(&objects);
-    const ModelSignals told(model);
-    QVERIFY(model.setData(model.index(0, 0), value));
-    QCOMPARE(told.changed.count(), 2);
-    QCOMPARE(objects.first().def, stored);
-    QCOMPARE(objects.first().def.isNull(), stored.isNull());
+    compareAcceptedDef(model, objects.first().def);
 }
 
 void TestDefMapTableModel::editOfStaleIndexIsRefused()
@@ -257,10 +240,7 @@ void TestDefMapTableModel::editOfStaleIndexIsRefused()
     const QModelIndex stale = model.index(1, 0);
     for (QVector<DefPolygon>* map : { &fewer, &none, static_cast<QVector<DefPolygon>*>(nullptr) }) {
         model.setMap(map);
-        const ModelSignals told(model);
-        QVERIFY(!model.setData(stale, QStringLiteral("3")));
-        QVERIFY(!model.data(stale).isValid());
-        QCOMPARE(told.count(), 0);
+        compareStaleCell(model, stale);
     }
 }
 

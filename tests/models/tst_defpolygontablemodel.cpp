@@ -1,6 +1,7 @@
 #include "models/defpolygontablemodel.h"
 
 #include "geometry/designation.h"
+#include "modeledits.h"
 #include "modelsignals.h"
 #include "objects.h"
 #include "stricttest.h"
@@ -103,7 +104,7 @@ private slots:
     void editTellsTheCellThenTheTable();
     void editIsRefused_data();
     void editIsRefused();
-    void editOfAnyTextIsAccepted_data();
+    void editOfAnyTextIsAccepted_data() { addAcceptedDefs(); }
     void editOfAnyTextIsAccepted();
     void editOfStaleIndexIsRefused();
     void testerThroughLife();
@@ -576,30 +577,12 @@ void TestDefPolygonTableModel::editIsRefused()
     QVERIFY(object.contours.at(1).at(0).def.isNull());
 }
 
-void TestDefPolygonTableModel::editOfAnyTextIsAccepted_data()
-{
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<QString>("stored");
-
-    QTest::newRow("other case") << QVariant(QStringLiteral("A")) << QStringLiteral("A");
-    QTest::newRow("empty") << QVariant(QStringLiteral("")) << QStringLiteral("");
-    QTest::newRow("no text at all") << QVariant() << QString();
-    QTest::newRow("number") << QVariant(17) << QStringLiteral("17");
-}
-
 void TestDefPolygonTableModel::editOfAnyTextIsAccepted()
 {
-    QFETCH(QVariant, value);
-    QFETCH(QString, stored);
     DefPolygon object = makeObject(def, { { DefPoint{ QStringLiteral("a"), 0, 0 } } });
     DefPolygonTableModel model;
     model.setPolygon(&object);
-    const ModelSignals told(model);
-    QVERIFY(model.setData(model.index(0, 0), value));
-    QCOMPARE(told.changed.count(), 2);
-    const QString& result = object.contours.first().first().def;
-    QCOMPARE(result, stored);
-    QCOMPARE(result.isNull(), stored.isNull());
+    compareAcceptedDef(model, object.contours.first().first().def);
 }
 
 void TestDefPolygonTableModel::editOfStaleIndexIsRefused()
@@ -612,10 +595,7 @@ void TestDefPolygonTableModel::editOfStaleIndexIsRefused()
     const QModelIndex stale = model.index(1, 0);
     for (DefPolygon* polygon : { &fewer, &empty, static_cast<DefPolygon*>(nullptr) }) {
         model.setPolygon(polygon);
-        const ModelSignals told(model);
-        QVERIFY(!model.setData(stale, QStringLiteral("3")));
-        QVERIFY(!model.data(stale).isValid());
-        QCOMPARE(told.count(), 0);
+        compareStaleCell(model, stale);
     }
 }
 

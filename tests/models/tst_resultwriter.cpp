@@ -1,5 +1,6 @@
 #include "resultwriter.h"
 
+#include "exampleresult.h"
 #include "models/defpolygontablemodel.h"
 #include "objects.h"
 #include "stricttest.h"
@@ -141,47 +142,7 @@ void TestResultWriter::workedExample()
     options.update = true;
     options.info = { 0, 1, 2, 1 };
     options.fields = { { 3, sign } };
-    const char* const expected = R"(
-<FormTable Name="Участки" Update="1">
-    <Row>
-        <Cell/>
-        <Cell>ЗУ1</Cell>
-        <FormTable Name="Координаты">
-            <Row>
-                <Cell>1</Cell>
-                <Cell>100.00</Cell>
-                <Cell>200.00</Cell>
-                <Cell>знак</Cell>
-            </Row>
-            <Row>
-                <Cell>2</Cell>
-                <Cell>110.50</Cell>
-                <Cell>200.00</Cell>
-                <Cell>знак</Cell>
-            </Row>
-            <Row>
-                <Cell>3</Cell>
-                <Cell>110.50</Cell>
-                <Cell>215.25</Cell>
-                <Cell>знак</Cell>
-            </Row>
-            <Row/>
-            <Row>
-                <Cell>4</Cell>
-                <Cell>120.00</Cell>
-                <Cell>230.00</Cell>
-                <Cell>знак</Cell>
-            </Row>
-            <Row>
-                <Cell>5</Cell>
-                <Cell>125.75</Cell>
-                <Cell>230.00</Cell>
-                <Cell>знак</Cell>
-            </Row>
-        </FormTable>
-    </Row>
-</FormTable>)";
-    QCOMPARE(written(objects, options), QString::fromUtf8(expected));
+    QCOMPARE(written(objects, options), exampleResult());
 }
 
 void TestResultWriter::outerTable_data()
