@@ -135,10 +135,12 @@ void Dialog::on_startButton_clicked()
     if (m_importing)
         return;
     const QScopedValueRollback<bool> importing(m_importing, true);
-    const WaitCursor waitCursor;
-    // What a failed import has built is shown like any other result.
-    guarded([this] { importObjects(); });
-    guarded([this] { showObjects(); });
+    guarded([this] {
+        const WaitCursor waitCursor;
+        // What a failed import has built is shown like any other result.
+        guarded([this] { importObjects(); });
+        showObjects();
+    });
 }
 
 void Dialog::importObjects()
