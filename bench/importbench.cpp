@@ -1,0 +1,78 @@
+#include "import/dxfimport.h"
+#include "import/mifimport.h"
+#include "status.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+void printMessage(const QString& message)
+{
+    std::fprintf(stderr, "%s\n", message.toUtf8().constData());
+}
+
+std::unique_ptr<MapImport> makeImporter(const QString& fileName)
+{
+    if (fileName.endsWith(QLatin1String(".dxf"), Qt::CaseInsensitive))
+        return std::make_unique<DxfImport>();
+    return std::make_unique<MifImport>();
+}
+
+qint64 vertexCount(const QVector<DefPolygon>& objects)
+{
+    qint64 count = 0;
+    for (const DefPolygon& object : objects) {
+        for (const QVector<DefPoint>& contour : object.contours)
+            count += contour.size();
+    }
+    return count;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Imports a file and only prints the numbers of objects and vertices."));
+    parser.addHelpOption();
+    parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("MIF or DXF file."));
+    const QCommandLineOption points(QStringLiteral("points"),
+        QStringLiteral("separate file of points"), QStringLiteral("file"));
+    const QCommandLineOption noPointDefs(
+        QStringLiteral("no-point-defs"), QStringLiteral("number every point"));
+    const QCommandLineOption noObjectDefs(
+        QStringLiteral("no-object-defs"), QStringLiteral("number every object"));
+    const QCommandLineOption encoding(QStringLiteral("encoding"),
+        QStringLiteral("encoding of the files"), QStringLiteral("name"),
+        QStringLiteral("Windows-1251"));
+    parser.addOptions({ points, noPointDefs, noObjectDefs, encoding });
+    parser.process(application);
+    if (parser.positionalArguments().size() != 1)
+        parser.showHelp(EXIT_FAILURE);
+
+    setStatusFunc(printMessage);
+    QVector<DefPolygon> objects;
+    const QString fileName = parser.positionalArguments().constFirst();
+    const std::unique_ptr<MapImport> importer = makeImporter(fileName);
+    importer->objectFileName = fileName;
+    importer->pointFileName = parser.value(points);
+    importer->searchPointDefs = !parser.isSet(noPointDefs);
+    importer->pointPref = QStringLiteral("н");
+    importer->pointStartNum = 1;
+    importer->searchObjectDefs = !parser.isSet(noObjectDefs);
+    importer->objectPref = QStringLiteral(":ЗУ");
+    importer->objectStartNum = 1;
+    importer->setEncoding(parser.value(encoding).toLatin1());
+    importer->map = &objects;
+    if (!importer->importMap() || objects.isEmpty())
+        return EXIT_FAILURE;
+    std::printf("%d objects, %lld vertices\n", objects.size(),
+        static_cast<long long>(vertexCount(objects)));
+    return EXIT_SUCCESS;
+}
