@@ -134,14 +134,10 @@ def fromchars_command(paths):
     return [[BIN / "floor-fromchars"] + list(paths)]
 
 
-def tool():
-    path = BIN / "importgeometry"
-    return path if path.exists() else None
-
-
 class Comparison:
     def __init__(self, options, report):
         self.options, self.report = options, report
+        self.tool = options.tool if options.tool.exists() else None
 
     def wanted(self, group):
         return not self.options.only or any(part in group for part in self.options.only)
@@ -202,13 +198,13 @@ class Comparison:
                          max(self.options.runs, 15), False)
 
     def convert(self, files, group, limit, runs, with_memory):
-        if not self.wanted(group) or not tool():
+        if not self.wanted(group) or not self.tool:
             return
         print(f"\n{group}")
         with tempfile.TemporaryDirectory(dir=DATA) as folder:
             xml, gml = Path(folder) / "out.xml", Path(folder) / "out.gml"
             measured = self.measure(group, {
-                "convert": [[tool(), "convert"] + files.options(False) + ["-o", xml]],
+                "convert": [[self.tool, "convert"] + files.options(False) + ["-o", xml]],
                 "ogr2ogr": [["ogr2ogr", "-f", "GML", "-overwrite", gml, files.main]]}, runs)
         self.ratio_bar(group, measured, "convert", "ogr2ogr", limit)
         if with_memory:
@@ -217,27 +213,29 @@ class Comparison:
                             10 * size / MIB + 32, " MiB")
 
     def growth(self):
-        large = self.options.vertices
-        small = large // 10
         for layout in LAYOUTS:
             for fmt in FORMATS:
-                files = {size: Files(layout, fmt, size) for size in (small, large)}
-                for with_points in (True, False):
-                    self.growth_of(
-                        f"growth {layout} {fmt} {'with' if with_points else 'without'} point file",
-                        {size: import_command(files[size], with_points) for size in files})
-                if tool():
-                    self.growth_of(f"growth {layout} {fmt} check", {
-                        size: [["sh", "-c", '"$@" || [ $? = 3 ]', "sh", tool(), "check"]
-                               + files[size].options(False)] for size in files})
+                self.growth_of(f"growth {layout} {fmt} with point file", layout, fmt,
+                               lambda files: import_command(files, True))
+                self.growth_of(f"growth {layout} {fmt} without point file", layout, fmt,
+                               lambda files: import_command(files, False))
+                if self.tool:
+                    self.growth_of(f"growth {layout} {fmt} check", layout, fmt,
+                                   lambda files: self.check_command(files))
 
-    def growth_of(self, group, command_of_size):
+    def check_command(self, files):
+        """Duplicates and conflicts are found on purpose: status 3 is no failure."""
+        return [["sh", "-c", '"$@" || [ $? = 3 ]', "sh", self.tool, "check"]
+                + files.options(False)]
+
+    def growth_of(self, group, layout, fmt, command_for):
         if not self.wanted(group):
             return
         print(f"\n{group}")
-        small, large = sorted(command_of_size)
-        measured = self.measure(
-            group, {str(size): command for size, command in command_of_size.items()})
+        large = self.options.vertices
+        small = large // 10
+        measured = self.measure(group, {
+            str(size): command_for(Files(layout, fmt, size)) for size in (small, large)})
         self.ratio_bar(group, measured, str(large), str(small), 12)
 
     def dialog(self):
@@ -288,6 +286,8 @@ def parse_options():
     parser.add_argument("--runs", type=int, default=5, help="runs of each command, in turn")
     parser.add_argument("--only", action="append", metavar="TEXT",
                         help="only groups with this text in their name; repeatable")
+    parser.add_argument("--tool", type=Path, default=BIN / "importgeometry",
+                        help="the command line tool; left out when it does not exist")
     parser.add_argument("--output", type=Path, default=ROOT / "bench" / "results.json")
     return parser.parse_args()
 
