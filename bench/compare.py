@@ -2,6 +2,7 @@
 """Times whole processes side by side, in turn, and holds the ratios against their bars."""
 
 import argparse
+import itertools
 import json
 import os
 import platform
@@ -11,6 +12,7 @@ import subprocess
 import sys
 import tempfile
 import time
+from collections.abc import Iterator
 from datetime import date
 from pathlib import Path
 
@@ -32,6 +34,8 @@ class Run:
 
 
 def run_process(argv, output):
+    # A generator stands for a name that is a new one in each run.
+    argv = [next(arg) if isinstance(arg, Iterator) else arg for arg in argv]
     started = time.perf_counter()
     process = subprocess.Popen([str(arg) for arg in argv], stdout=output, stderr=output)
     _, status, usage = os.wait4(process.pid, 0)
@@ -142,6 +146,9 @@ class Comparison:
     def wanted(self, group):
         return not self.options.only or any(part in group for part in self.options.only)
 
+    def time_of(self, measured):
+        return measured.cpu if self.options.cpu else measured.wall
+
     def measure(self, group, commands, runs=None):
         """Runs the commands in turn, so that a change of the machine's mood meets them all."""
         rounds = [{name: run_command(processes) for name, processes in commands.items()}
@@ -152,7 +159,7 @@ class Comparison:
         return measured
 
     def ratio_bar(self, group, measured, name, peer, limit):
-        ratio = measured[name].wall / measured[peer].wall
+        ratio = self.time_of(measured[name]) / self.time_of(measured[peer])
         self.report.bar(group, f"{name} / {peer}", ratio, limit)
 
     def imports(self):
@@ -191,26 +198,34 @@ class Comparison:
             for fmt in FORMATS for encoding in ["Windows-1251", "UTF-8"]})
 
     def converts(self):
+        size = self.options.vertices
+        mif, dxf = Files("city", "mif", size), Files("city", "dxf", size)
+        no_points = ["--search-points", "off"]
+        self.convert(f"convert MIF with points, {size}", mif.options(True),
+                     [mif.main, mif.points], 0.2, mif.all())
+        self.convert(f"convert MIF objects alone, {size}", mif.options(False) + no_points,
+                     [mif.main], 0.2, mif.with_companion(mif.main))
+        self.convert(f"convert DXF, {size}", dxf.options(False), [dxf.main], 0.2, [dxf.main])
         for fmt in FORMATS:
-            self.convert(Files("city", fmt, self.options.vertices),
-                         f"convert {fmt}, {self.options.vertices}", 0.2, self.options.runs, True)
-            self.convert(Files("city", fmt, 1000), f"convert {fmt}, 1000", 0.5,
-                         max(self.options.runs, 15), False)
+            files = Files("city", fmt, 1000)
+            self.convert(f"convert small {fmt.upper()}", files.options(False), [files.main], 0.5)
 
-    def convert(self, files, group, limit, runs, with_memory):
+    def convert(self, group, options, inputs, limit, memory_inputs=None):
         if not self.wanted(group) or not self.tool:
             return
         print(f"\n{group}")
         with tempfile.TemporaryDirectory(dir=DATA) as folder:
-            xml, gml = Path(folder) / "out.xml", Path(folder) / "out.gml"
+            xml = Path(folder) / "out.xml"
+            # An output that exists already is refused or extended: each run has its own.
+            names = (Path(folder) / f"{number}.gml" for number in itertools.count())
+            runs = self.options.runs if memory_inputs else max(self.options.runs, 15)
             measured = self.measure(group, {
-                "convert": [[self.tool, "convert"] + files.options(False) + ["-o", xml]],
-                "ogr2ogr": [["ogr2ogr", "-f", "GML", "-overwrite", gml, files.main]]}, runs)
+                "convert": [[self.tool, "convert"] + options + ["-o", xml]],
+                "ogr2ogr": [["ogr2ogr", "-f", "GML", names, path] for path in inputs]}, runs)
         self.ratio_bar(group, measured, "convert", "ogr2ogr", limit)
-        if with_memory:
-            size = total_size(files.with_companion(files.main))
+        if memory_inputs:
             self.report.bar(group, "peak memory", measured["convert"].peak / MIB,
-                            10 * size / MIB + 32, " MiB")
+                            10 * total_size(memory_inputs) / MIB + 32, " MiB")
 
     def growth(self):
         for layout in LAYOUTS:
@@ -249,8 +264,9 @@ class Comparison:
         for _ in range(self.options.runs):
             bare.append(run_command(import_command(city, True)))
             output = subprocess.run(
-                [BIN / "importgeometry-dialog-bench", city.main, city.points, single.main, PLUGIN],
-                check=True, stdout=subprocess.PIPE, env={**os.environ, "QT_QPA_PLATFORM": "offscreen"})
+                [BIN / "importgeometry-dialog-bench", city.main, city.points, single.main, PLUGIN]
+                + (["--cpu"] if self.options.cpu else []), check=True, stdout=subprocess.PIPE,
+                stderr=subprocess.DEVNULL, env={**os.environ, "QT_QPA_PLATFORM": "offscreen"})
             rows.append(json.loads(output.stdout))
         bare = Measured(bare)
         self.report.figure(group, "bare import", bare)
@@ -258,7 +274,7 @@ class Comparison:
         self.report.figures[group] = ms
         for name, value in ms.items():
             print(f"  {name:<36} {value:9.1f} ms")
-        self.report.bar(group, "start to painted", ms["import"], 2000 * bare.wall + 1000, " ms")
+        self.report.bar(group, "start to painted", ms["import"], 2000 * self.time_of(bare) + 1000, " ms")
         limits = {"select": 100, "scroll": 100, "rename": 100, "select_single": 1000, "sort": 1000,
                   "plugin_load": 50, "dialog_open": 50}
         for name, limit in limits.items():
@@ -286,6 +302,9 @@ def parse_options():
     parser.add_argument("--runs", type=int, default=5, help="runs of each command, in turn")
     parser.add_argument("--only", action="append", metavar="TEXT",
                         help="only groups with this text in their name; repeatable")
+    parser.add_argument("--cpu", action="store_true",
+                        help="hold processor time against the bars instead of elapsed time: for a"
+                             " machine that others use at the same time")
     parser.add_argument("--tool", type=Path, default=BIN / "importgeometry",
                         help="the command line tool; left out when it does not exist")
     parser.add_argument("--output", type=Path, default=ROOT / "bench" / "results.json")
@@ -307,6 +326,7 @@ def main():
     report.print_table()
     options.output.write_text(json.dumps(
         {"machine": machine(), "vertices": options.vertices, "runs": options.runs,
+         "time": "processor" if options.cpu else "elapsed",
          "bars": report.bars, "figures": report.figures}, indent=1, ensure_ascii=False) + "\n")
 
 
