@@ -181,7 +181,7 @@ class Comparison:
             return
         print(f"\n{group} ({total_size(parsed) / 1e6:.1f} MB)")
         measured = self.measure(group, {
-            "import": command, "ogrinfo": ogrinfo,
+            "import": command, "import and free": [command[0] + ["--free"]], "ogrinfo": ogrinfo,
             "floor-readline": readline_command(files, read),
             "floor-fromchars": fromchars_command(parsed)})
         self.ratio_bar(group, measured, "import", "ogrinfo", limits[0])

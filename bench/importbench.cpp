@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -51,7 +52,9 @@ int main(int argc, char* argv[])
     const QCommandLineOption encoding(QStringLiteral("encoding"),
         QStringLiteral("encoding of the files"), QStringLiteral("name"),
         QStringLiteral("Windows-1251"));
-    parser.addOptions({ points, noPointDefs, noObjectDefs, encoding });
+    const QCommandLineOption freeObjects(
+        QStringLiteral("free"), QStringLiteral("free the objects before the end"));
+    parser.addOptions({ points, noPointDefs, noObjectDefs, encoding, freeObjects });
     parser.process(application);
     if (parser.positionalArguments().size() != 1)
         parser.showHelp(EXIT_FAILURE);
@@ -59,7 +62,7 @@ int main(int argc, char* argv[])
     setStatusFunc(printMessage);
     QVector<DefPolygon> objects;
     const QString fileName = parser.positionalArguments().constFirst();
-    const std::unique_ptr<MapImport> importer = makeImporter(fileName);
+    std::unique_ptr<MapImport> importer = makeImporter(fileName);
     importer->objectFileName = fileName;
     importer->pointFileName = parser.value(points);
     importer->searchPointDefs = !parser.isSet(noPointDefs);
@@ -74,5 +77,10 @@ int main(int argc, char* argv[])
         return EXIT_FAILURE;
     std::printf("%d objects, %lld vertices\n", objects.size(),
         static_cast<long long>(vertexCount(objects)));
-    return EXIT_SUCCESS;
+    importer.reset();
+    if (parser.isSet(freeObjects))
+        return EXIT_SUCCESS;
+    // The objects are what an import is for: in the dialog they stay when it is done.
+    std::fflush(stdout);
+    std::_Exit(EXIT_SUCCESS);
 }
