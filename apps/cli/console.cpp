@@ -28,6 +28,11 @@ void enableCyrillic()
         QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 }
 
+QByteArray systemEncoding()
+{
+    return systemCodec->name();
+}
+
 SystemCodecScope::SystemCodecScope()
     : m_current(QTextCodec::codecForLocale())
 {

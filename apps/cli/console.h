@@ -28,6 +28,9 @@ void printMessage(const QString& fileName, const QString& text);
 /// to ASCII: makes them UTF-8. The default encoding of the imported files stays what it was.
 void enableCyrillic();
 
+/// The name of the codec that the locale had at first.
+QByteArray systemEncoding();
+
 /// Makes the codec that the locale had at first that of the locale again, as long as it lives.
 class SystemCodecScope {
 public:

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int maxPointPrefLength = 20;
 constexpr int maxStartNum = 999999999;
-const QByteArray systemEncoding = "Default";
+const QByteArray defaultEncoding = "Default";
 
 QStringList* messageSink = nullptr;
 
@@ -50,7 +50,7 @@ QByteArray readEncoding(const QCommandLineParser& parser)
 {
     const QString text = parser.value(QStringLiteral("encoding"));
     const QByteArray name = text.toLatin1();
-    if (name != systemEncoding && !QTextCodec::codecForName(name)) {
+    if (name != defaultEncoding && !QTextCodec::codecForName(name)) {
         throw Failure{ WrongUsage,
             QStringLiteral("неизвестная кодировка «%1»; список даёт --list-encodings").arg(text) };
     }
@@ -69,6 +69,11 @@ Format ImportOptions::formatOf(const QString& fileName) const
     throw Failure{ WrongUsage,
         QStringLiteral("%1: формат по расширению не определить; укажите --format mif или dxf")
             .arg(fileName) };
+}
+
+QByteArray ImportOptions::codecName() const
+{
+    return encoding == defaultEncoding ? systemEncoding() : encoding;
 }
 
 QList<QCommandLineOption> importCommandLineOptions()
@@ -151,7 +156,7 @@ QString encodingList()
         names.append(QString::fromLatin1(name));
     names.sort(Qt::CaseInsensitive);
     names.removeDuplicates();
-    names.prepend(QString::fromLatin1(systemEncoding));
+    names.prepend(QString::fromLatin1(defaultEncoding));
     return names.join(QLatin1Char('\n'));
 }
 

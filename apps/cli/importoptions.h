@@ -24,6 +24,8 @@ struct ImportOptions {
     int objectStartNum = 1;
     QByteArray encoding = "Default"; ///< a codec name, or "Default" for that of the system
 
+    /// The name of the codec in force.
+    QByteArray codecName() const;
     Format formatOf(const QString& fileName) const;
 };
 
