@@ -140,7 +140,11 @@ std::unique_ptr<QCoreApplication> makeApplication(bool needsGui, int& argc, char
         return std::make_unique<QCoreApplication>(argc, argv);
     // Text is drawn without a display, and must be so where there is one too.
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    return std::make_unique<QGuiApplication>(argc, argv);
+    // Where nobody is logged in Qt warns of things that a picture has no need of.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    auto application = std::make_unique<QGuiApplication>(argc, argv);
+    qInstallMessageHandler(nullptr);
+    return application;
 }
 
 } // namespace

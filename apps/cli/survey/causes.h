@@ -27,6 +27,7 @@ enum class Cause {
     BlankLine,
     TrailingBlankLine,
     BadObject,
+    NothingInside,
     NoObjects,
     Axes,
     Encoding,

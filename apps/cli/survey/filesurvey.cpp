@@ -63,13 +63,15 @@ void explainEmptyResult(FileSurvey& survey)
         [](const FoundCause& found) { return found.cause == Cause::BlockInsertsOnly; });
     if (survey.stopped || explained)
         return;
+    if (survey.kinds.empty()) {
+        survey.causes.append({ Cause::NothingInside, survey.fileName, 0, {}, 0 });
+        return;
+    }
     QStringList kinds;
     for (const auto& [name, kind] : survey.kinds)
         kinds.append(QStringLiteral("%1 - %2").arg(QString::fromStdString(name)).arg(kind.count));
     survey.causes.append({ Cause::NoObjects, survey.fileName, 0,
-        kinds.isEmpty() ? QStringLiteral("в нём нет вообще ничего")
-                        : QStringLiteral("в нём только ") + kinds.join(QLatin1String(", ")),
-        0 });
+        QStringLiteral("в нём только ") + kinds.join(QLatin1String(", ")), 0 });
 }
 
 bool isNumber(std::string_view text)
