@@ -150,11 +150,17 @@ void PlanPainter::drawObject(QPainter& painter, int index)
     const bool isRed = m_duplicates.testBit(index);
     QPainterPath path;
     QPainterPath areas;
+    // The centroid is taken in the picture: the products of large coordinates would drown it.
+    DefPolygon firstContour{ {}, { {} } };
     for (const QVector<DefPoint>& contour : object.contours) {
         QPolygonF polygon;
         for (const DefPoint& vertex : contour) {
             if (isPlace(vertex))
                 polygon.append(toPicture(vertex));
+        }
+        if (&contour == &object.contours.constFirst()) {
+            for (const QPointF& place : qAsConst(polygon))
+                firstContour.contours.first().append({ {}, place.x(), place.y() });
         }
         path.addPolygon(polygon);
         if (contour.size() > 1 && coincide(contour.first(), contour.last()))
@@ -164,9 +170,8 @@ void PlanPainter::drawObject(QPainter& painter, int index)
     painter.strokePath(path, QPen(isRed ? errorColor : lineColor, 1.2));
     drawPoints(painter, object, conflictingPoints(object));
 
-    const QPointF centroid = object.centroid();
-    if (std::isfinite(centroid.x()) && std::isfinite(centroid.y()) && !object.contours.isEmpty())
-        m_labels.append({ toPicture(centroid.x(), centroid.y()), object.def, isRed, true });
+    if (!firstContour.contours.constFirst().isEmpty())
+        m_labels.append({ firstContour.centroid(), object.def, isRed, true });
 }
 
 void PlanPainter::drawPoints(
