@@ -158,7 +158,9 @@ int main(int argc, char** argv)
     ParserTexts texts;
     QCoreApplication::installTranslator(&texts);
     try {
-        return run(command, QCoreApplication::arguments());
+        const ExitStatus status = run(command, QCoreApplication::arguments());
+        Interrupt::obey();
+        return status;
     } catch (const Failure& failure) {
         printError(QStringLiteral("importgeometry: ") + failure.text);
         if (failure.status == WrongUsage)

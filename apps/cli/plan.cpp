@@ -1,6 +1,7 @@
 #include "commands.h"
 #include "importoptions.h"
 #include "outputfile.h"
+#include "plancanvas.h"
 #include "planpainter.h"
 
 #include <QBuffer>
@@ -9,7 +10,6 @@
 #include <QImage>
 #include <QImageWriter>
 #include <QPainter>
-#include <QSvgGenerator>
 
 namespace {
 
@@ -40,24 +40,11 @@ QSize readSize(const QCommandLineParser& parser)
         parseNumber(sides.at(1), what, 200, maxSide) };
 }
 
-/// Draws on whatever the picture is made of.
-void draw(QPaintDevice& device, const QSize& size, const QVector<DefPolygon>& objects,
-    const QString& title)
-{
-    QPainter painter(&device);
-    painter.setRenderHint(QPainter::Antialiasing);
-    PlanPainter(objects).paint(painter, size, title);
-}
-
 void writeSvg(
     OutputFile& out, const QSize& size, const QVector<DefPolygon>& objects, const QString& title)
 {
-    QSvgGenerator svg;
-    svg.setOutputDevice(&out);
-    svg.setSize(size);
-    svg.setViewBox(QRect(QPoint(), size));
-    svg.setTitle(title);
-    draw(svg, size, objects, title);
+    SvgCanvas canvas(out, size, title);
+    PlanPainter(objects).paint(canvas, size, title);
 }
 
 void writePng(
@@ -66,7 +53,11 @@ void writePng(
     QImage image(size, QImage::Format_RGB32);
     if (image.isNull())
         throw Failure{ Failed, QStringLiteral("для рисунка такого размера не хватает памяти") };
-    draw(image, size, objects, title);
+    {
+        QPainter painter(&image);
+        PainterCanvas canvas(painter);
+        PlanPainter(objects).paint(canvas, size, title);
+    }
     QImageWriter(&out, "png").write(image);
 }
 

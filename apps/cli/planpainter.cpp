@@ -1,10 +1,9 @@
 #include "planpainter.h"
 
 #include "geometry/conflicts.h"
+#include "plancanvas.h"
 
 #include <QFontMetricsF>
-#include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
 #include <cmath>
@@ -67,12 +66,11 @@ PlanPainter::PlanPainter(const QVector<DefPolygon>& objects)
     findExtent();
 }
 
-void PlanPainter::paint(QPainter& painter, const QSizeF& size, const QString& title)
+void PlanPainter::paint(PlanCanvas& canvas, const QSizeF& size, const QString& title)
 {
     constexpr double margin = 48;
-    painter.fillRect(QRectF(QPointF(), size), Qt::white);
     m_frame = QRectF(QPointF(), size).adjusted(margin, margin, -margin, -margin);
-    drawFrame(painter, title);
+    drawFrame(canvas, title);
     if (m_isEmpty)
         return;
     fit(m_frame);
@@ -80,8 +78,8 @@ void PlanPainter::paint(QPainter& painter, const QSizeF& size, const QString& ti
     m_dots = PlanSpace(size);
     m_redDots = PlanSpace(size);
     for (int i = 0; i < m_objects.size(); ++i)
-        drawObject(painter, i);
-    drawLabels(painter, PlanSpace(size));
+        drawObject(canvas, i);
+    drawLabels(canvas, PlanSpace(size));
 }
 
 void PlanPainter::findExtent()
@@ -119,37 +117,34 @@ QPointF PlanPainter::toPicture(double x, double y) const
         center.y() - (y - (m_minY / 2 + m_maxY / 2)) * m_scale };
 }
 
-void PlanPainter::drawFrame(QPainter& painter, const QString& title) const
+void PlanPainter::drawFrame(PlanCanvas& canvas, const QString& title) const
 {
-    constexpr double gap = 8;
+    constexpr double lineHeight = 18;
     const auto number = [](double value) { return QString::number(value, 'f', 2); };
-    painter.setPen(frameColor);
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(m_frame);
-    painter.setFont(labelFont(true));
-    const QRectF above(m_frame.left(), 0, m_frame.width(), m_frame.top() - gap);
-    painter.drawText(above, Qt::AlignLeft | Qt::AlignBottom, title);
+    const QFont font = labelFont(false);
+    canvas.drawContours({ QPolygonF(m_frame) }, {}, frameColor, frameColor);
+    canvas.drawText(
+        m_frame.topLeft() - QPointF(0, lineHeight / 2), title, labelFont(true), frameColor);
     if (m_isEmpty) {
-        painter.drawText(m_frame, Qt::AlignCenter, QStringLiteral("объектов нет"));
+        canvas.drawText(m_frame.center(), QStringLiteral("объектов нет"), font, frameColor);
         return;
     }
-    const QRectF below(
-        m_frame.left(), m_frame.bottom() + gap / 2, m_frame.width(), m_frame.top() - gap);
-    painter.setFont(labelFont(false));
-    painter.drawText(below, Qt::AlignLeft | Qt::AlignTop,
-        QStringLiteral("вправо X: от %1 до %2    вверх Y: от %3 до %4")
-            .arg(number(m_minX), number(m_maxX), number(m_minY), number(m_maxY)));
-    painter.setPen(errorColor);
-    painter.drawText(below, Qt::AlignLeft | Qt::AlignBottom,
-        QStringLiteral("красным: обозначение повторяется или точка стоит в разных местах"));
+    const QPointF below = m_frame.bottomLeft() + QPointF(0, lineHeight);
+    canvas.drawText(below,
+        QStringLiteral("вправо X: от %1 до %2; вверх Y: от %3 до %4")
+            .arg(number(m_minX), number(m_maxX), number(m_minY), number(m_maxY)),
+        font, frameColor);
+    canvas.drawText(below + QPointF(0, lineHeight),
+        QStringLiteral("красным: обозначение повторяется или точка стоит в разных местах"), font,
+        errorColor);
 }
 
-void PlanPainter::drawObject(QPainter& painter, int index)
+void PlanPainter::drawObject(PlanCanvas& canvas, int index)
 {
     const DefPolygon& object = m_objects.at(index);
     const bool isRed = m_duplicates.testBit(index);
-    QPainterPath path;
-    QPainterPath areas;
+    QVector<QPolygonF> lines;
+    QVector<QPolygonF> areas;
     // The centroid is taken in the picture: the products of large coordinates would drown it.
     DefPolygon firstContour{ {}, { {} } };
     for (const QVector<DefPoint>& contour : object.contours) {
@@ -162,20 +157,20 @@ void PlanPainter::drawObject(QPainter& painter, int index)
             for (const QPointF& place : qAsConst(polygon))
                 firstContour.contours.first().append({ {}, place.x(), place.y() });
         }
-        path.addPolygon(polygon);
+        lines.append(polygon);
         if (contour.size() > 1 && coincide(contour.first(), contour.last()))
-            areas.addPolygon(polygon);
+            areas.append(polygon);
     }
-    painter.fillPath(areas, isRed ? errorAreaColor : areaColor);
-    painter.strokePath(path, QPen(isRed ? errorColor : lineColor, 1.2));
-    drawPoints(painter, object, conflictingPoints(object));
+    canvas.drawContours(
+        lines, areas, isRed ? errorColor : lineColor, isRed ? errorAreaColor : areaColor);
+    drawPoints(canvas, object, conflictingPoints(object));
 
     if (!firstContour.contours.constFirst().isEmpty())
         m_labels.append({ firstContour.centroid(), object.def, isRed, true });
 }
 
 void PlanPainter::drawPoints(
-    QPainter& painter, const DefPolygon& object, const QBitArray& conflicts)
+    PlanCanvas& canvas, const DefPolygon& object, const QBitArray& conflicts)
 {
     int index = 0;
     for (const QVector<DefPoint>& contour : object.contours) {
@@ -191,15 +186,13 @@ void PlanPainter::drawPoints(
             if (!(isRed ? m_redDots : m_dots).take(QRectF(place, place)))
                 continue;
             const double radius = isRed ? 4 : 1.8;
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(isRed ? errorColor : lineColor);
-            painter.drawEllipse(place, radius, radius);
+            canvas.drawDot(place, radius, isRed ? errorColor : lineColor);
             m_labels.append({ place, vertex.def, isRed, false });
         }
     }
 }
 
-void PlanPainter::drawLabels(QPainter& painter, PlanSpace space)
+void PlanPainter::drawLabels(PlanCanvas& canvas, PlanSpace space)
 {
     // The ones that come first find room.
     const auto rank = [](const Label& label) {
@@ -220,8 +213,7 @@ void PlanPainter::drawLabels(QPainter& painter, PlanSpace space)
             rect.moveBottomLeft(label.place + QPointF(offset, -offset / 2));
         if (label.text.isEmpty() || !space.take(rect))
             continue;
-        painter.setFont(fonts[label.isObject ? 1 : 0]);
-        painter.setPen(label.isRed ? errorColor : Qt::black);
-        painter.drawText(QPointF(rect.left(), rect.top() + metric.ascent()), label.text);
+        canvas.drawText(QPointF(rect.left(), rect.top() + metric.ascent()), label.text,
+            fonts[label.isObject ? 1 : 0], label.isRed ? errorColor : QColor(Qt::black));
     }
 }

@@ -9,7 +9,7 @@
 
 #include <vector>
 
-class QPainter;
+class PlanCanvas;
 
 /// Which parts of a picture are taken, in coarse squares.
 class PlanSpace {
@@ -36,8 +36,8 @@ public:
     /// `objects` must outlive the painter of the plan.
     explicit PlanPainter(const QVector<DefPolygon>& objects);
 
-    /// Draws the plan with its frame into a picture of the given size.
-    void paint(QPainter& painter, const QSizeF& size, const QString& title);
+    /// Draws the plan with its frame on a picture of the given size.
+    void paint(PlanCanvas& canvas, const QSizeF& size, const QString& title);
 
 private:
     struct Label {
@@ -51,10 +51,10 @@ private:
     void fit(const QRectF& frame);
     QPointF toPicture(double x, double y) const;
     QPointF toPicture(const DefPoint& point) const { return toPicture(point.x, point.y); }
-    void drawFrame(QPainter& painter, const QString& title) const;
-    void drawObject(QPainter& painter, int index);
-    void drawPoints(QPainter& painter, const DefPolygon& object, const QBitArray& conflicts);
-    void drawLabels(QPainter& painter, PlanSpace space);
+    void drawFrame(PlanCanvas& canvas, const QString& title) const;
+    void drawObject(PlanCanvas& canvas, int index);
+    void drawPoints(PlanCanvas& canvas, const DefPolygon& object, const QBitArray& conflicts);
+    void drawLabels(PlanCanvas& canvas, PlanSpace space);
 
     const QVector<DefPolygon>& m_objects;
     QBitArray m_duplicates;

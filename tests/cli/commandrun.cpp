@@ -19,6 +19,11 @@ QStringList words(std::initializer_list<const char*> words)
     return texts;
 }
 
+QString commandPath()
+{
+    return QStringLiteral(CLI_PATH);
+}
+
 void startProgram(QProcess& process, const QString& program, const QStringList& arguments)
 {
     QTextCodec* const codec = QTextCodec::codecForLocale();
@@ -40,7 +45,7 @@ CommandRun runCommand(const QStringList& arguments, const QString& folder)
 {
     QProcess process;
     process.setWorkingDirectory(folder);
-    startProgram(process, QStringLiteral(CLI_PATH), arguments);
+    startProgram(process, commandPath(), arguments);
     return waitFor(process);
 }
 
@@ -49,7 +54,7 @@ CommandRun runShell(const QString& script, const QString& folder)
     QProcess process;
     process.setWorkingDirectory(folder);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("CLI"), QStringLiteral(CLI_PATH));
+    environment.insert(QStringLiteral("CLI"), commandPath());
     process.setProcessEnvironment(environment);
     startProgram(process, QStringLiteral("bash"), { QStringLiteral("-c"), script });
     return waitFor(process);

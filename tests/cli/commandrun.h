@@ -20,6 +20,9 @@ struct CommandRun {
 /// The words of a command line.
 QStringList words(std::initializer_list<const char*> words);
 
+/// The command under test.
+QString commandPath();
+
 /// Starts a program; arguments are UTF-8 whatever the locale.
 void startProgram(QProcess& process, const QString& program, const QStringList& arguments);
 /// Waits for a program to end, for a while.
