@@ -1,4 +1,5 @@
 #include "commandrun.h"
+#include "samples.h"
 
 #include <QDir>
 #include <QImage>
@@ -16,15 +17,7 @@
 
 namespace {
 
-const QByteArray mifHeader = "Version 300\nCharset \"Neutral\"\nDelimiter \",\"\nData\n";
-const QByteArray dxfStart = "0\nSECTION\n2\nHEADER\n0\nENDSEC\n";
-const QByteArray dxfEnd = "0\nENDSEC\n0\nEOF\n";
 const QByteArray twoPoints = "10\n0\n20\n0\n10\n9\n20\n0\n";
-
-QByteArray drawing(const QByteArray& entities)
-{
-    return dxfStart + "0\nSECTION\n2\nENTITIES\n" + entities + dxfEnd;
-}
 
 /// A folder with copies of the data files that is searched for what a command left.
 class Folder {
@@ -579,7 +572,7 @@ private slots:
         const QByteArray lines = mifHeader + "Line 0 0 1 1\n";
         row("leading-comment", "a.dxf", "999\nprogram\n" + drawing(""), "1",
             "Удалите в начале файла строки «999» вместе со строкой текста после каждой из них.");
-        row("missing-header", "a.dxf", drawing("").mid(dxfStart.size()), "1",
+        row("missing-header", "a.dxf", drawing("").mid(headerSection.size()), "1",
             "Сохраните полный чертёж в DXF или вставьте в начало файла строки 0, SECTION, 2, "
             "HEADER, 0, ENDSEC.");
         row("block-inserts", "a.dxf", drawing("0\nINSERT\n2\nP\n10\n0\n20\n0\n"), "",

@@ -1,4 +1,5 @@
 #include "commandrun.h"
+#include "samples.h"
 #include "survey/encodingguess.h"
 #include "survey/filesurvey.h"
 #include "survey/findings.h"
@@ -10,17 +11,9 @@
 
 namespace {
 
-const QByteArray mifHeader = "Version 300\nCharset \"Neutral\"\nDelimiter \",\"\nData\n";
-const QByteArray header = "0\nSECTION\n2\nHEADER\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n";
-const QByteArray ending = "0\nENDSEC\n0\nEOF\n";
 const QByteArray line = "0\nLINE\n10\n0\n20\n0\n11\n5\n21\n5\n";
 const QByteArray square = "0\nLWPOLYLINE\n90\n4\n70\n1\n10\n0\n20\n0\n10\n9\n20\n0\n10\n9\n20\n9\n"
                           "10\n0\n20\n9\n";
-
-QByteArray drawing(const QByteArray& entities)
-{
-    return header + entities + ending;
-}
 
 /// POLYLINE with the given flags, of three vertices.
 QByteArray polyline(const QByteArray& flags)
@@ -95,7 +88,7 @@ private slots:
         row("comment", "999\nby a program\n" + drawing(line), "leading-comment 1 0 []");
         row("comments with blanks", "  999\nby a\r\n999\nprogram\n" + drawing(line),
             "leading-comment 1 0 []");
-        row("no header section", "0\nSECTION\n2\nENTITIES\n" + line + ending,
+        row("no header section", drawing(line).mid(headerSection.size()),
             "missing-header 1 0 [ENTITIES]");
         row("another file", "<svg/>\n", "not-dxf 1 0 []");
         row("inserts alone", drawing("0\nINSERT\n2\nP\n10\n0\n20\n0\n0\nINSERT\n10\n1\n20\n1\n"),

@@ -1,6 +1,4 @@
-#include "encodingguess.h"
-#include "filesurvey.h"
-#include "linecursor.h"
+#include "surveyor.h"
 
 #include <utility>
 
@@ -64,16 +62,9 @@ struct Entity {
     bool closed = false;
 };
 
-class DxfSurvey {
+class DxfSurvey : private Surveyor {
 public:
-    DxfSurvey(const QString& fileName, const SurveyOptions& options)
-        : m_options(options)
-        , m_bytes(readBytes(fileName))
-        , m_text(asUtf8(m_bytes))
-        , m_lines(view(m_text))
-    {
-        m_survey.fileName = fileName;
-    }
+    using Surveyor::Surveyor;
 
     FileSurvey run()
     {
@@ -90,11 +81,6 @@ public:
 
 private:
     enum class Section { Other, Entities, Blocks };
-
-    void addCause(Cause cause, int line, const QString& detail = QString(), qint64 count = 0)
-    {
-        m_survey.causes.append({ cause, m_survey.fileName, line, detail, count });
-    }
 
     bool isReadable()
     {
@@ -117,13 +103,13 @@ private:
         std::string_view code = lines.next();
         if (code.empty()) {
             addCause(Cause::BlankFirstLine, 1);
-            m_survey.stopped = true;
+            stop();
             return;
         }
         std::string_view value = lines.next();
         if (code == "999") {
             addCause(Cause::LeadingComment, 1);
-            m_survey.stopped = true;
+            stop();
         }
         while (code == "999" && !lines.atEnd()) {
             code = lines.next();
@@ -134,10 +120,10 @@ private:
         const std::string_view name = lines.next();
         if (code != "0" || value != "SECTION" || nextCode != "2") {
             addCause(Cause::NotDxf, line);
-            m_survey.stopped = true;
+            stop();
         } else if (name != "HEADER") {
             addCause(Cause::MissingHeader, line, toText(name));
-            m_survey.stopped = true;
+            stop();
         }
     }
 
@@ -162,7 +148,7 @@ private:
         if (m_survey.stopped)
             return;
         m_blankLine = m_lines.lineNumber();
-        stop(true);
+        stopPointPass();
     }
 
     void takePair()
@@ -346,30 +332,18 @@ private:
     bool fail(const Entity& entity, bool inPointPass)
     {
         addCause(Cause::BadObject, entity.line, QString::fromStdString(entity.kind));
-        stop(inPointPass);
+        inPointPass ? stopPointPass() : stop();
         return false;
-    }
-
-    void stop(bool inPointPass)
-    {
-        m_survey.stopped = true;
-        if (inPointPass && m_options.readsPoints && m_options.searchPointDefs)
-            m_pointPassFailed = true;
     }
 
     // The answer
 
     void finish()
     {
-        m_survey.lineCount = m_lines.lineNumber();
+        finishCounts();
         if (m_blankLine > 0) {
             const bool trailing = m_lines.atEnd() && isBlankFrom(m_blankLine);
             addCause(trailing ? Cause::TrailingBlankLine : Cause::BlankLine, m_blankLine);
-        }
-        if (m_pointPassFailed) {
-            for (auto& [name, kind] : m_survey.kinds)
-                kind.read = 0;
-            m_survey.shapes.clear();
         }
         judgeKinds();
         judgeEncoding(m_survey, m_options, m_bytes, m_texts);
@@ -410,12 +384,7 @@ private:
 
     static constexpr const char* inBlocks = " (в блоках)";
 
-    const SurveyOptions& m_options;
-    FileSurvey m_survey;
-    QByteArray m_bytes;
-    QByteArray m_text;
     QByteArray m_texts; ///< the labels
-    LineCursor m_lines;
     std::string_view m_code;
     std::string_view m_value;
     Section m_section = Section::Other;
@@ -424,7 +393,6 @@ private:
     Entity m_entity;
     Entity m_polyline;
     int m_blankLine = 0; ///< the line that stopped the reader
-    bool m_pointPassFailed = false;
     qint64 m_bulges = 0;
     qint64 m_openedByFlag = 0; ///< closed polylines that the reader takes for open ones
     QString m_firstFlags;

@@ -1,6 +1,4 @@
-#include "encodingguess.h"
-#include "filesurvey.h"
-#include "linecursor.h"
+#include "surveyor.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -68,26 +66,19 @@ bool isBuilt(const std::string& keyword)
 }
 
 /// The survey of one pair of files.
-class MifSurvey {
+class MifSurvey : private Surveyor {
 public:
-    MifSurvey(const QString& fileName, const SurveyOptions& options)
-        : m_options(options)
-        , m_bytes(readBytes(fileName))
-        , m_text(asUtf8(m_bytes))
-        , m_lines(view(m_text))
-    {
-        m_survey.fileName = fileName;
-    }
+    using Surveyor::Surveyor;
 
     FileSurvey run()
     {
         if (m_text.isEmpty()) {
             addCause(Cause::EmptyFile, 0);
-            m_survey.stopped = true;
+            stop();
             return m_survey;
         }
         if (!checkHeader())
-            m_survey.stopped = true;
+            stop();
         else if (wantsMid())
             openMid();
         if (skipHeader())
@@ -103,11 +94,6 @@ private:
     {
         return (m_options.readsPoints && m_options.searchPointDefs)
             || (m_options.readsObjects && m_options.searchObjectDefs);
-    }
-
-    void addCause(Cause cause, int line, const QString& detail = QString(), qint64 count = 0)
-    {
-        m_survey.causes.append({ cause, m_survey.fileName, line, detail, count });
     }
 
     void addMidCause(Cause cause, int line, const QString& detail = QString(), qint64 count = 0)
@@ -155,7 +141,7 @@ private:
     void stopWithoutData()
     {
         addCause(Cause::NoData, 0);
-        m_survey.stopped = true;
+        stop();
     }
 
     void openMid()
@@ -169,7 +155,7 @@ private:
             m_mid.emplace(view(m_midText));
             return;
         }
-        m_survey.stopped = true;
+        stop();
         const QString other = midOfOtherCase();
         if (other.isEmpty())
             addMidCause(Cause::MidMissing, 0);
@@ -205,7 +191,7 @@ private:
             return;
         if (keyword == "COLLECTION") {
             addCause(Cause::Collection, m_lines.lineNumber());
-            m_survey.stopped = true;
+            stop();
             return;
         }
         if (m_options.readsObjects && isBuilt(keyword)) {
@@ -223,13 +209,6 @@ private:
             ++kind.read;
     }
 
-    /// An error of the point pass leaves nothing for the object pass to do.
-    void stopPointPass()
-    {
-        m_survey.stopped = true;
-        m_pointPassFailed = true;
-    }
-
     void takeMidRow()
     {
         if (!m_mid)
@@ -238,9 +217,7 @@ private:
         if (!m_mid->next().empty())
             return;
         addMidCause(atEnd ? Cause::MidTooShort : Cause::MidBlankRow, m_mid->lineNumber());
-        if (m_options.readsPoints && m_options.searchPointDefs)
-            stopPointPass();
-        m_survey.stopped = true;
+        stopPointPass();
     }
 
     bool surveyShape(const std::string& keyword, const Words& words)
@@ -312,12 +289,7 @@ private:
 
     void finish()
     {
-        m_survey.lineCount = m_lines.lineNumber();
-        if (m_pointPassFailed) {
-            for (auto& [name, kind] : m_survey.kinds)
-                kind.read = 0;
-            m_survey.shapes.clear();
-        }
+        finishCounts();
         if (m_mid && !m_survey.stopped)
             judgeMidLength();
         judgeEncoding(m_survey, m_options, m_bytes + m_midBytes, m_midText);
@@ -332,16 +304,10 @@ private:
             addMidCause(Cause::MidTooLong, 0, {}, extraRows);
     }
 
-    const SurveyOptions& m_options;
-    FileSurvey m_survey;
-    QByteArray m_bytes;
-    QByteArray m_text;
-    LineCursor m_lines;
     QString m_midName;
     QByteArray m_midBytes;
     QByteArray m_midText;
     std::optional<LineCursor> m_mid;
-    bool m_pointPassFailed = false;
 };
 
 } // namespace
