@@ -62,16 +62,32 @@ QList<QCommandLineOption> checkOptions()
 
 // Looking
 
-FileSurvey survey(const QString& fileName, const ImportOptions& options, bool points, bool objects)
+bool isReadable(const QString& fileName)
+{
+    return QFileInfo(fileName).isFile() && QFileInfo(fileName).isReadable();
+}
+
+SurveyOptions surveyOptions(const ImportOptions& options, bool forPoints, bool forObjects)
 {
     SurveyOptions surveyOptions;
     surveyOptions.encoding = options.codecName();
-    surveyOptions.readsPoints = points && options.searchPointDefs;
-    surveyOptions.readsObjects = objects;
+    surveyOptions.readsPoints = forPoints && options.searchPointDefs;
+    surveyOptions.readsObjects = forObjects;
     surveyOptions.searchPointDefs = options.searchPointDefs;
-    surveyOptions.searchObjectDefs = objects && options.searchObjectDefs;
-    return options.formatOf(fileName) == Format::Dxf ? surveyDxf(fileName, surveyOptions)
-                                                     : surveyMif(fileName, surveyOptions);
+    surveyOptions.searchObjectDefs = forObjects && options.searchObjectDefs;
+    return surveyOptions;
+}
+
+/// Surveys the file, and the file of points if there is one.
+QVector<FileSurvey> surveyFiles(const QString& fileName, const ImportOptions& options)
+{
+    const auto survey = options.formatOf(fileName) == Format::Dxf ? surveyDxf : surveyMif;
+    const QString& pointFile = options.pointFileName;
+    QVector<FileSurvey> surveys{ survey(
+        fileName, surveyOptions(options, pointFile.isEmpty(), true)) };
+    if (!pointFile.isEmpty() && isReadable(pointFile))
+        surveys.append(survey(pointFile, surveyOptions(options, true, false)));
+    return surveys;
 }
 
 /// The place of an error of the reader, as the message tells it.
@@ -114,10 +130,13 @@ Report check(const QString& fileName, const ImportOptions& options, const Geomet
     report.fileName = fileName;
     report.chosenEncoding = options.codecName();
     const Import import = runImport(fileName, options);
-    report.unreadable = !QFileInfo(fileName).isFile() || !QFileInfo(fileName).isReadable();
-    report.surveys.append(survey(fileName, options, options.pointFileName.isEmpty(), true));
-    if (!options.pointFileName.isEmpty())
-        report.surveys.append(survey(options.pointFileName, options, true, false));
+    report.unreadable = !isReadable(fileName);
+    if (report.unreadable) {
+        for (const QString& message : import.messages)
+            report.messages.append({ message, fileName, 0 });
+        return report;
+    }
+    report.surveys = surveyFiles(fileName, options);
     if (import.objects.isEmpty())
         explainEmptyResult(report.surveys.first());
     judgeAxes(report, import.objects, columns);

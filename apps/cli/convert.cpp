@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
+#include <QSet>
 #include <QXmlStreamWriter>
 
 namespace {
@@ -127,6 +128,11 @@ QStringList targetsOf(const QStringList& files, const QCommandLineParser& parser
 {
     const QString output = parser.value(QStringLiteral("output"));
     const QString folder = parser.value(QStringLiteral("out-dir"));
+    for (const char* option : { "output", "out-dir" }) {
+        const QString name = QLatin1String(option);
+        if (parser.isSet(name) && parser.value(name).isEmpty())
+            throw Failure{ WrongUsage, QStringLiteral("--%1: имя не может быть пустым").arg(name) };
+    }
     if (!output.isEmpty() && !folder.isEmpty())
         throw Failure{ WrongUsage, QStringLiteral("-o и --out-dir вместе не указывают") };
     if (folder.isEmpty() && files.size() > 1)
@@ -140,20 +146,29 @@ QStringList targetsOf(const QStringList& files, const QCommandLineParser& parser
     return targets;
 }
 
-void checkTargets(const QStringList& files, const QStringList& targets)
+/// No result may take the place of another one or of a file that is read.
+void checkTargets(const QStringList& files, const QStringList& targets, const QString& pointFile)
 {
+    QSet<QString> sources;
+    const QStringList named = pointFile.isEmpty() ? files : files + QStringList(pointFile);
+    for (const QString& file : named) {
+        sources.insert(QFileInfo(file).canonicalFilePath());
+        sources.insert(QFileInfo(file.chopped(1) + QLatin1Char('d')).canonicalFilePath());
+    }
+    sources.remove(QString());
     QHash<QString, QString> fileOfTarget;
     for (int i = 0; i < files.size(); ++i) {
-        const QString& earlier = fileOfTarget[targets.at(i)];
-        if (!earlier.isEmpty()) {
+        const QString& target = targets.at(i);
+        QString& file = fileOfTarget[target];
+        if (!file.isEmpty()) {
             throw Failure{ WrongUsage,
                 QStringLiteral("файлы %1 и %2 дали бы один результат %3")
-                    .arg(earlier, files.at(i), targets.at(i)) };
+                    .arg(file, files.at(i), target) };
         }
-        fileOfTarget[targets.at(i)] = files.at(i);
-        if (QFileInfo(targets.at(i)) == QFileInfo(files.at(i)) && QFileInfo::exists(files.at(i))) {
+        file = files.at(i);
+        if (sources.contains(QFileInfo(target).canonicalFilePath())) {
             throw Failure{ WrongUsage,
-                QStringLiteral("%1: результат заменил бы исходный файл").arg(files.at(i)) };
+                QStringLiteral("%1: результат заменил бы исходный файл").arg(target) };
         }
     }
 }
@@ -197,8 +212,8 @@ ExitStatus runConvert(const QCommandLineParser& parser)
 {
     const QStringList files = parser.positionalArguments();
     const QStringList targets = targetsOf(files, parser);
-    checkTargets(files, targets);
     const ImportOptions options = readImportOptions(parser);
+    checkTargets(files, targets, options.pointFileName);
     readResultOptions(parser);
     for (const QString& file : files)
         options.formatOf(file);

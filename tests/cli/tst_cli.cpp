@@ -213,7 +213,14 @@ private slots:
         row("one result for two", { "convert", "parcels.mif", "./parcels.mif", "--out-dir=." },
             "файлы parcels.mif и ./parcels.mif дали бы один результат ./parcels.xml");
         row("result over the source", { "convert", "parcels.mif", "-o", "./parcels.mif" },
-            "parcels.mif: результат заменил бы исходный файл");
+            "./parcels.mif: результат заменил бы исходный файл");
+        row("result over the MID file", { "convert", "parcels.mif", "-o", "parcels.mid" },
+            "parcels.mid: результат заменил бы исходный файл");
+        row("result over the points",
+            { "convert", "parcels.mif", "--points=points.mif", "-o", "points.mif" },
+            "points.mif: результат заменил бы исходный файл");
+        row("empty name", { "convert", "parcels.mif", "-o", "" },
+            "--output: имя не может быть пустым");
         row("plan without a file", { "plan", "parcels.mif" },
             "укажите файл рисунка: -o ФАЙЛ.svg или -o ФАЙЛ.png");
         row("plan of another kind", { "plan", "parcels.mif", "-o", "a.pdf" },
@@ -687,6 +694,33 @@ private slots:
         const CommandRun run = runCommand(words({ "check", "a.mif" }), folder.path());
         QVERIFY(QString::fromUtf8(run.out).contains(
             QStringLiteral("a.mid:2: сообщение: Ошибка чтения данных объекта из строки: 2\n")));
+    }
+
+    void checkWithPoints()
+    {
+        const Folder folder;
+        const QStringList arguments =
+            words({ "check", "parcels.mif", "--encoding=Windows-1251", "--points" });
+        const CommandRun run = runCommand(arguments + words({ "points.mif" }), folder.path());
+        QCOMPARE(run.status, 0);
+        const QString out = QString::fromUtf8(run.out);
+        QVERIFY(
+            out.contains(QStringLiteral("parcels.mif: POINT: 2, прочитано: 0, пропущено: 2\n")));
+        QVERIFY(out.contains(QStringLiteral("points.mif: POINT: 3, прочитано: 3, пропущено: 0\n")));
+
+        const CommandRun missing = runCommand(arguments + words({ "no.mif" }), folder.path());
+        QCOMPARE(missing.status, 3);
+        QVERIFY(
+            QString::fromUtf8(missing.out)
+                .endsWith(QStringLiteral("parcels.mif: сообщение: Ошибка открытия файла no.mif\n"
+                                         "parcels.mif: замечаний: 1\n")));
+
+        // The error is in the file of points, and so is its line.
+        writeFile(folder.path(QStringLiteral("bad.mif")), mifHeader + "Point 0\n");
+        writeFile(folder.path(QStringLiteral("bad.mid")), "A\n");
+        const CommandRun bad = runCommand(arguments + words({ "bad.mif" }), folder.path());
+        QVERIFY(QString::fromUtf8(bad.out).contains(
+            QStringLiteral("bad.mif:5: сообщение: Ошибка чтения координат точки из строки: 5\n")));
     }
 
     void checkJsonOfManyFiles()

@@ -38,11 +38,9 @@ enum class AxisOrder { Unknown, EastingFirst, NorthingFirst };
 
 /// Tells the axes by the sizes of the coordinates, when nine of ten vertices agree.
 ///
-/// In the plane systems of land surveying an easting is told from a northing by the number of the
-/// zone before its last six digits: a local system has eastings of 1 to 4 million beside northings
-/// of 100 thousand to a million, the national one has eastings of 10 to 33 million beside northings
-/// of 4 to 10 million. Without a number of the zone an easting has six digits and the northing
-/// counts from the equator, 4 to 10 million, but so may a northing stand beside it in either
-/// order of the local systems with high zone numbers: only six digits that stand first are
-/// believed.
+/// In the plane systems of land surveying an easting bears the number of its zone before six
+/// digits, a northing does not: eastings of 1 to 4 million stand beside northings of 100 thousand
+/// to a million in the local systems, eastings of 10 to 33 million beside northings of 4 to 10
+/// million in the national one. Six digits that stand before 4 to 10 million are an easting
+/// without its zone; in the other order they may as well be a northing of a local system.
 AxisOrder guessAxisOrder(const QVector<DefPolygon>& objects);
