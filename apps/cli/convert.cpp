@@ -213,10 +213,10 @@ ExitStatus runConvert(const QCommandLineParser& parser)
     const QStringList files = parser.positionalArguments();
     const QStringList targets = targetsOf(files, parser);
     const ImportOptions options = readImportOptions(parser);
-    checkTargets(files, targets, options.pointFileName);
-    readResultOptions(parser);
     for (const QString& file : files)
         options.formatOf(file);
+    checkTargets(files, targets, options.pointFileName);
+    readResultOptions(parser);
     readNumber(parser, QStringLiteral("jobs"), 1, maxJobs);
     return files.size() == 1 ? convertFile(files.first(), targets.first(), parser)
                              : convertFiles(files, targets, parser);
