@@ -1,20 +1,11 @@
 #include "commandrun.h"
+#include "dialogdriver.h"
 #include "importgeometryinterface.h"
+#include "stricttest.h"
 
-#include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDialog>
-#include <QDialogButtonBox>
-#include <QLineEdit>
 #include <QPluginLoader>
-#include <QPushButton>
-#include <QSettings>
-#include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
-#include <QToolButton>
 
 #include <functional>
 
@@ -36,51 +27,33 @@ Q_DECLARE_METATYPE(Job)
 
 namespace {
 
-template <typename Widget>
-Widget& widget(QDialog& dialog, const QString& name)
-{
-    auto* found = dialog.findChild<Widget*>(name);
-    if (!found)
-        qFatal("No widget %s", qPrintable(name));
-    return *found;
-}
-
 Step edit(const char* name, const QString& text)
 {
-    return [=](QDialog& dialog) {
-        widget<QLineEdit>(dialog, QString::fromLatin1(name)).setText(text);
-    };
+    return [=](QDialog& dialog) { type(dialog, name, text); };
 }
 
 Step spin(const char* name, int value)
 {
-    return [=](QDialog& dialog) {
-        widget<QSpinBox>(dialog, QString::fromLatin1(name)).setValue(value);
-    };
+    return edit(name, QString::number(value));
 }
 
 Step tick(const char* name, bool checked)
 {
-    return [=](QDialog& dialog) {
-        widget<QCheckBox>(dialog, QString::fromLatin1(name)).setChecked(checked);
-    };
+    return [=](QDialog& dialog) { setChecked(dialog, name, checked); };
 }
 
 Step encoding(const char* name)
 {
-    return [=](QDialog& dialog) {
-        widget<QComboBox>(dialog, QStringLiteral("encodingCombo"))
-            .setEditText(QString::fromLatin1(name));
-    };
+    return edit("encodingCombo", QString::fromLatin1(name));
 }
 
 Step field(int row, int column, const QString& text)
 {
     return [=](QDialog& dialog) {
         if (row > 0)
-            widget<QToolButton>(dialog, QStringLiteral("plusToolButton")).click();
-        widget<QSpinBox>(dialog, QStringLiteral("fieldSpin_%1").arg(row)).setValue(column);
-        widget<QLineEdit>(dialog, QStringLiteral("fieldEdit_%1").arg(row)).setText(text);
+            click(dialog, "plusToolButton");
+        type(dialog, qPrintable(QStringLiteral("fieldSpin_%1").arg(row)), QString::number(column));
+        type(dialog, qPrintable(QStringLiteral("fieldEdit_%1").arg(row)), text);
     };
 }
 
@@ -103,21 +76,18 @@ Step all(const QList<Step>& steps)
 /// What the plug-in returns for a job that a user does in its dialog.
 QByteArray dialogResult(const Job& job, const QString& fileName)
 {
-    QSettings().clear();
+    const OwnStore store;
     QPluginLoader loader(QStringLiteral(PLUGIN_PATH));
     auto* plugin = qobject_cast<ImportGeometryInterface*>(loader.instance());
     if (!plugin)
         qFatal("%s", qPrintable(loader.errorString()));
-    QTimer::singleShot(0, [&] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        widget<QLineEdit>(*dialog, QStringLiteral("objectFileNameEdit")).setText(fileName);
-        job.fillIn(*dialog);
-        widget<QPushButton>(*dialog, QStringLiteral("startButton")).click();
+    driveModal([&](QDialog& dialog) {
+        type(dialog, "objectFileNameEdit", fileName);
+        job.fillIn(dialog);
+        click(dialog, "startButton");
         if (job.sort)
-            widget<QPushButton>(*dialog, QStringLiteral("sortButton")).click();
-        widget<QDialogButtonBox>(*dialog, QStringLiteral("buttonBox"))
-            .button(QDialogButtonBox::Ok)
-            ->click();
+            click(dialog, "sortButton");
+        clickOk(dialog);
     });
     return plugin
         ->operation(plugin->operations().at(job.isDxf ? 1 : 0), QString(), job.table, job.catalogue,
@@ -127,16 +97,10 @@ QByteArray dialogResult(const Job& job, const QString& fileName)
 
 } // namespace
 
-class TestCliDialog : public QObject {
+class TestCliDialog : public StrictTest {
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        QCoreApplication::setOrganizationName(QStringLiteral("cli test"));
-        QCoreApplication::setApplicationName(QStringLiteral("host"));
-    }
-
     void sameBytes_data()
     {
         QTest::addColumn<Job>("job");
