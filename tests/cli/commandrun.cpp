@@ -72,10 +72,3 @@ QByteArray contentOf(const QString& fileName)
         qFatal("Cannot read %s", qPrintable(fileName));
     return file.readAll();
 }
-
-void writeFile(const QString& fileName, const QByteArray& content)
-{
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("Cannot write %s", qPrintable(fileName));
-}

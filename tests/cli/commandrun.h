@@ -36,4 +36,3 @@ CommandRun runShell(const QString& script, const QString& folder);
 /// A file among the data of these tests.
 QString dataFile(const char* name);
 QByteArray contentOf(const QString& fileName);
-void writeFile(const QString& fileName, const QByteArray& content);

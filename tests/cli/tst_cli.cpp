@@ -1,5 +1,6 @@
 #include "commandrun.h"
 #include "samples.h"
+#include "support/tempfiles.h"
 
 #include <QDir>
 #include <QImage>
@@ -8,7 +9,6 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QXmlStreamReader>
 
@@ -25,12 +25,16 @@ public:
     Folder()
     {
         for (const QString& name : QDir(dataFile("")).entryList(QDir::Files))
-            writeFile(path(name), contentOf(dataFile(qPrintable(name))));
+            write(name, contentOf(dataFile(qPrintable(name))));
         m_copied = names();
     }
 
-    QString path() const { return m_folder.path(); }
-    QString path(const QString& name) const { return m_folder.filePath(name); }
+    QString path() const { return m_folder.path(QString()); }
+    QString path(const QString& name) const { return m_folder.path(name); }
+    void write(const QString& name, const QByteArray& content) const
+    {
+        m_folder.write(name, content);
+    }
     /// What was not there at first.
     QStringList added() const
     {
@@ -43,15 +47,16 @@ public:
 private:
     QStringList names() const
     {
-        return QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+        return QDir(path()).entryList(QDir::Files | QDir::Hidden, QDir::Name);
     }
 
-    QTemporaryDir m_folder;
+    TempFiles m_folder;
     QStringList m_copied;
 };
 
 /// Squares enough to keep the command writing for a while.
-void writeLargeMif(const QString& fileName)
+template <typename Files>
+QString writeLargeMif(const Files& files)
 {
     QByteArray mif = mifHeader;
     QByteArray mid;
@@ -60,8 +65,9 @@ void writeLargeMif(const QString& fileName)
         mif += "Region 1\n5\n" + x + " 0\n" + x + " 5\n" + x + ".5 5\n" + x + ".5 0\n" + x + " 0\n";
         mid += "a\n";
     }
-    writeFile(fileName, mif);
-    writeFile(fileName.chopped(1) + QLatin1Char('d'), mid);
+    files.write(QStringLiteral("large.mif"), mif);
+    files.write(QStringLiteral("large.mid"), mid);
+    return files.path(QStringLiteral("large.mif"));
 }
 
 QStringList lines(const QString& fileName)
@@ -326,7 +332,7 @@ private slots:
     void closedPipe()
     {
         const Folder folder;
-        writeLargeMif(folder.path(QStringLiteral("large.mif")));
+        writeLargeMif(folder);
         const CommandRun run =
             runShell(QStringLiteral("$CLI convert large.mif | head -c 10; exit ${PIPESTATUS[0]}"),
                 folder.path());
@@ -339,7 +345,7 @@ private slots:
     void olderFileStays()
     {
         const Folder folder;
-        writeFile(folder.path(QStringLiteral("a.xml")), "older");
+        folder.write(QStringLiteral("a.xml"), "older");
         QCOMPARE(
             runCommand(words({ "convert", "broken.mif", "-o", "a.xml" }), folder.path()).status, 1);
         QCOMPARE(contentOf(folder.path(QStringLiteral("a.xml"))), QByteArray("older"));
@@ -367,9 +373,8 @@ private slots:
     {
         QFETCH(int, signal);
         const Folder folder;
-        const QTemporaryDir sources;
-        const QString large = sources.filePath(QStringLiteral("large.mif"));
-        writeLargeMif(large);
+        const TempFiles sources;
+        const QString large = writeLargeMif(sources);
         QProcess process;
         process.setWorkingDirectory(folder.path());
         startProgram(
@@ -387,11 +392,14 @@ private slots:
     void interruptOfManyJobs()
     {
         const Folder folder;
-        const QTemporaryDir sources;
+        const TempFiles sources;
         QStringList arguments = words({ "convert", "--out-dir", ".", "--jobs", "2" });
-        for (const char* name : { "a.mif", "b.mif", "c.mif" }) {
-            arguments.append(sources.filePath(QLatin1String(name)));
-            writeLargeMif(arguments.last());
+        const QString large = writeLargeMif(sources);
+        for (const char* name : { "a", "b", "c" }) {
+            for (const char* ending : { ".mif", ".mid" })
+                QVERIFY(QFile::link(large.left(large.size() - 4) + QLatin1String(ending),
+                    sources.path(QLatin1String(name) + QLatin1String(ending))));
+            arguments.append(sources.path(QLatin1String(name) + QLatin1String(".mif")));
         }
         QProcess process;
         process.setWorkingDirectory(folder.path());
@@ -483,9 +491,8 @@ private slots:
     void crashCostsOneFile()
     {
         const Folder folder;
-        const QTemporaryDir sources;
-        const QString large = sources.filePath(QStringLiteral("large.mif"));
-        writeLargeMif(large);
+        const TempFiles sources;
+        const QString large = writeLargeMif(sources);
         QProcess process;
         process.setWorkingDirectory(folder.path());
         startProgram(process, commandPath(),
@@ -547,11 +554,11 @@ private slots:
     void checkObjects()
     {
         const Folder folder;
-        writeFile(folder.path(QStringLiteral("a.mif")),
+        folder.write(QStringLiteral("a.mif"),
             mifHeader
                 + "Point 0 0\nPoint 10 0\nRegion 1\n4\n0 0\n10 0\n10 10\n0 0\n"
                   "Region 1\n3\n0 0\n10 0\n0 0\nRegion 0\n");
-        writeFile(folder.path(QStringLiteral("a.mid")), "p\nP\nA\na\nB\n");
+        folder.write(QStringLiteral("a.mid"), "p\nP\nA\na\nB\n");
         const CommandRun run = runCommand(words({ "check", "a.mif" }), folder.path());
         QCOMPARE(run.status, 3);
         QStringList lines = QString::fromUtf8(run.out).split(QLatin1Char('\n'));
@@ -619,9 +626,9 @@ private slots:
         QFETCH(QString, line);
         QFETCH(QString, remedy);
         const Folder folder;
-        writeFile(folder.path(name), content);
-        writeFile(folder.path(QStringLiteral("a.mid")), "A\n");
-        writeFile(folder.path(QStringLiteral("B.MID")), "A\n");
+        folder.write(name, content);
+        folder.write(QStringLiteral("a.mid"), "A\n");
+        folder.write(QStringLiteral("B.MID"), "A\n");
         const CommandRun json = runCommand(
             words({ "check", "--json", "--encoding=UTF-8" }) + QStringList(name), folder.path());
         QCOMPARE(json.status, 3);
@@ -649,9 +656,8 @@ private slots:
     void axesFollowTheColumns()
     {
         const Folder folder;
-        writeFile(folder.path(QStringLiteral("a.mif")),
-            mifHeader + "Line 451234 2201234 451250 2201250\n");
-        writeFile(folder.path(QStringLiteral("a.mid")), "A\n");
+        folder.write(QStringLiteral("a.mif"), mifHeader + "Line 451234 2201234 451250 2201250\n");
+        folder.write(QStringLiteral("a.mid"), "A\n");
         QCOMPARE(runCommand(words({ "check", "a.mif" }), folder.path()).status, 3);
         QCOMPARE(
             runCommand(words({ "check", "a.mif", "--columns=1,2,3" }), folder.path()).status, 0);
@@ -675,7 +681,7 @@ private slots:
         // The texts of the whole file are read before its objects, and the count runs on.
         const Folder folder;
         const QByteArray content = drawing("0\nLINE\n10\nx\n");
-        writeFile(folder.path(QStringLiteral("a.dxf")), content);
+        folder.write(QStringLiteral("a.dxf"), content);
         const QJsonObject report = reportOf(runCommand(
             words({ "check", "a.dxf", "--json", "--search-points=off" }), folder.path()));
         const QJsonObject message =
@@ -689,8 +695,8 @@ private slots:
     void lineOfAMidRow()
     {
         const Folder folder;
-        writeFile(folder.path(QStringLiteral("a.mif")), mifHeader + "Line 0 0 1 1\nLine 0 0 1 1\n");
-        writeFile(folder.path(QStringLiteral("a.mid")), "A\n");
+        folder.write(QStringLiteral("a.mif"), mifHeader + "Line 0 0 1 1\nLine 0 0 1 1\n");
+        folder.write(QStringLiteral("a.mid"), "A\n");
         const CommandRun run = runCommand(words({ "check", "a.mif" }), folder.path());
         QVERIFY(QString::fromUtf8(run.out).contains(
             QStringLiteral("a.mid:2: сообщение: Ошибка чтения данных объекта из строки: 2\n")));
@@ -716,8 +722,8 @@ private slots:
                                          "parcels.mif: замечаний: 1\n")));
 
         // The error is in the file of points, and so is its line.
-        writeFile(folder.path(QStringLiteral("bad.mif")), mifHeader + "Point 0\n");
-        writeFile(folder.path(QStringLiteral("bad.mid")), "A\n");
+        folder.write(QStringLiteral("bad.mif"), mifHeader + "Point 0\n");
+        folder.write(QStringLiteral("bad.mid"), "A\n");
         const CommandRun bad = runCommand(arguments + words({ "bad.mif" }), folder.path());
         QVERIFY(QString::fromUtf8(bad.out).contains(
             QStringLiteral("bad.mif:5: сообщение: Ошибка чтения координат точки из строки: 5\n")));
@@ -809,12 +815,11 @@ private slots:
     void planShowsFindingsInRed()
     {
         const Folder folder;
-        writeFile(folder.path(QStringLiteral("a.mif")),
+        folder.write(QStringLiteral("a.mif"),
             mifHeader + "Region 1\n4\n0 0\n10 0\n10 10\n0 0\nRegion 1\n4\n0 0\n10 0\n10 9\n0 0\n");
-        writeFile(folder.path(QStringLiteral("a.mid")), "A\nA\n");
-        writeFile(
-            folder.path(QStringLiteral("b.mif")), contentOf(folder.path(QStringLiteral("a.mif"))));
-        writeFile(folder.path(QStringLiteral("b.mid")), "A\nB\n");
+        folder.write(QStringLiteral("a.mid"), "A\nA\n");
+        folder.write(QStringLiteral("b.mif"), contentOf(folder.path(QStringLiteral("a.mif"))));
+        folder.write(QStringLiteral("b.mid"), "A\nB\n");
         int red[2] = { 0, 0 };
         int i = 0;
         for (const char* name : { "a", "b" }) {

@@ -2,9 +2,9 @@
 #include "dialogdriver.h"
 #include "importgeometryinterface.h"
 #include "stricttest.h"
+#include "support/tempfiles.h"
 
 #include <QPluginLoader>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <functional>
@@ -193,13 +193,13 @@ private slots:
 
     void formatByOption()
     {
-        QTemporaryDir folder;
-        const QString file = folder.filePath(QStringLiteral("drawing.txt"));
-        writeFile(file, contentOf(dataFile("drawing.dxf")));
+        const TempFiles folder;
+        const QString file =
+            folder.write(QStringLiteral("drawing.txt"), contentOf(dataFile("drawing.dxf")));
         Job job;
         job.isDxf = true;
-        const CommandRun run =
-            runCommand(words({ "convert", "--format=dxf" }) + QStringList(file), folder.path());
+        const CommandRun run = runCommand(
+            words({ "convert", "--format=dxf" }) + QStringList(file), folder.path(QString()));
         QCOMPARE(run.status, 0);
         QCOMPARE(run.out, dialogResult(job, file));
     }
@@ -221,19 +221,19 @@ private slots:
     void halfASurrogatePair()
     {
         // Only UTF-16 can smuggle one in; the encoder of a stream would shift it behind its cell.
-        QTemporaryDir folder;
+        const TempFiles folder;
         const auto utf16 = [](const QString& text) {
             return QByteArray("\xFF\xFE")
                 + QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
         };
-        const QString file = folder.filePath(QStringLiteral("half.mif"));
-        writeFile(file,
+        const QString file = folder.write(QStringLiteral("half.mif"),
             utf16(QStringLiteral("Version 300\nCharset \"Neutral\"\nDelimiter \",\"\nData\n"
                                  "Line 0 0 100 0\nLine 0 0 100 5\n")));
-        writeFile(folder.filePath(QStringLiteral("half.mid")),
+        folder.write(QStringLiteral("half.mid"),
             utf16(QStringLiteral("\"a%1\"\n\"%2b\"\n").arg(QChar(0xD83D)).arg(QChar(0xDE00))));
-        const CommandRun run = runCommand(
-            words({ "convert", "--search-points=off" }) + QStringList(file), folder.path());
+        const CommandRun run =
+            runCommand(words({ "convert", "--search-points=off" }) + QStringList(file),
+                folder.path(QString()));
         Job job;
         job.fillIn = tick("searchPointDefsCheck", false);
         QCOMPARE(run.status, 0);

@@ -1,9 +1,9 @@
 #include "commandrun.h"
+#include "support/tempfiles.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -75,16 +75,16 @@ class TestCliDocs : public QObject {
 private slots:
     void examples()
     {
-        const QTemporaryDir folder;
+        const TempFiles folder;
         const QDir data(dataFile(""));
         for (const QString& name : data.entryList(QDir::Files))
-            writeFile(folder.filePath(name), contentOf(data.filePath(name)));
+            folder.write(name, contentOf(data.filePath(name)));
         const QList<Example> examples = examplesOf(textOf("docs/cli.md"));
         QVERIFY(examples.size() >= 10);
         for (const Example& example : examples) {
             const CommandRun run = runShell(
                 QStringLiteral("PATH=\"$(dirname \"$CLI\"):$PATH\"; exec 2>&1; ") + example.command,
-                folder.path());
+                folder.path(QString()));
             QVERIFY2(QString::fromUtf8(run.out) == example.output,
                 qPrintable(QStringLiteral("docs/cli.md:%1 prints\n%2")
                                .arg(example.line)

@@ -1,11 +1,11 @@
 #include "commandrun.h"
 #include "samples.h"
+#include "support/tempfiles.h"
 #include "survey/encodingguess.h"
 #include "survey/filesurvey.h"
 #include "survey/findings.h"
 
 #include <QDir>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTextCodec>
 
@@ -180,11 +180,10 @@ private slots:
         QFETCH(QByteArray, mif);
         QFETCH(QByteArray, mid);
         QFETCH(QStringList, causes);
-        QTemporaryDir folder;
-        writeFile(folder.filePath(QStringLiteral("a.mid")), mid);
-        writeFile(folder.filePath(QStringLiteral("a.mif")), mif);
-        QCOMPARE(
-            describe(surveyMif(folder.filePath(QStringLiteral("a.mif")), utf8()).causes), causes);
+        const TempFiles folder;
+        folder.write(QStringLiteral("a.mid"), mid);
+        folder.write(QStringLiteral("a.mif"), mif);
+        QCOMPARE(describe(surveyMif(folder.path(QStringLiteral("a.mif")), utf8()).causes), causes);
     }
 
     void midUnderAnotherName_data()
@@ -203,23 +202,23 @@ private slots:
     {
         QFETCH(QString, mid);
         QFETCH(QString, cause);
-        QTemporaryDir folder;
-        writeFile(folder.filePath(mid), "a\n");
-        writeFile(folder.filePath(QStringLiteral("a.mif")), mifHeader + "Line 0 0 1 1\n");
-        const FileSurvey found = surveyMif(folder.filePath(QStringLiteral("a.mif")), utf8());
+        const TempFiles folder;
+        folder.write(mid, "a\n");
+        folder.write(QStringLiteral("a.mif"), mifHeader + "Line 0 0 1 1\n");
+        const FileSurvey found = surveyMif(folder.path(QStringLiteral("a.mif")), utf8());
         QCOMPARE(describe(found.causes), QStringList(cause));
         QCOMPARE(describe(found.kinds), QStringList(QStringLiteral("LINE 1/0")));
     }
 
     void noMidWanted()
     {
-        QTemporaryDir folder;
+        const TempFiles folder;
         SurveyOptions options = utf8();
         options.searchObjectDefs = false;
         options.searchPointDefs = false;
         options.readsPoints = false;
-        writeFile(folder.filePath(QStringLiteral("a.mif")), mifHeader + "Line 0 0 1 1\n");
-        const FileSurvey found = surveyMif(folder.filePath(QStringLiteral("a.mif")), options);
+        folder.write(QStringLiteral("a.mif"), mifHeader + "Line 0 0 1 1\n");
+        const FileSurvey found = surveyMif(folder.path(QStringLiteral("a.mif")), options);
         QCOMPARE(describe(found.causes), QStringList());
         QCOMPARE(describe(found.kinds), QStringList(QStringLiteral("LINE 1/1")));
     }
@@ -435,10 +434,8 @@ private:
     static FileSurvey survey(
         const char* name, const QByteArray& content, const SurveyOptions& options)
     {
-        QTemporaryDir folder;
-        const QString fileName = folder.filePath(QLatin1String(name));
-        writeFile(fileName, content);
-        return surveyDxf(fileName, options);
+        const TempFiles folder;
+        return surveyDxf(folder.write(QLatin1String(name), content), options);
     }
 };
 
