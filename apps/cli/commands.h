@@ -1,0 +1,23 @@
+#pragma once
+
+#include "console.h"
+
+#include <QCommandLineOption>
+#include <QString>
+#include <QStringList>
+
+class QCommandLineParser;
+
+/// A command of the program and what its help says.
+struct Command {
+    const char* name;
+    const char* usage; ///< what stands behind the name on the command line
+    const char* summary;
+    QList<QCommandLineOption> (*options)(); ///< beside those of every command
+    ExitStatus (*run)(const QCommandLineParser& parser);
+    bool needsGui; ///< it draws text
+};
+
+extern const Command convertCommand;
+extern const Command checkCommand;
+extern const Command planCommand;

@@ -1,0 +1,175 @@
+#include "commands.h"
+#include "importoptions.h"
+#include "interrupt.h"
+#include "outputfile.h"
+
+#include <QCommandLineParser>
+#include <QGuiApplication>
+#include <QTranslator>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <new>
+
+namespace {
+
+const Command* const commands[] = { &convertCommand, &checkCommand, &planCommand };
+
+/// Gives Qt's parser of command lines Russian texts wherever the program runs.
+class ParserTexts : public QTranslator {
+public:
+    bool isEmpty() const override { return false; }
+
+    QString translate(const char* context, const char* sourceText, const char* disambiguation,
+        int n) const override
+    {
+        Q_UNUSED(disambiguation)
+        Q_UNUSED(n)
+        static constexpr struct {
+            const char* source;
+            const char* text;
+        } texts[] = {
+            { "Options:", "Параметры:" },
+            { "Arguments:", "Аргументы:" },
+            { "Unknown option '%1'.", "неизвестный параметр «%1»" },
+            { "Unknown options: %1.", "неизвестные параметры: %1" },
+            { "Missing value after '%1'.", "параметру «%1» нужно значение" },
+            { "Unexpected value after '%1'.", "параметр «%1» не принимает значения" },
+        };
+        if (std::strcmp(context, "QCommandLineParser") != 0)
+            return {};
+        for (const auto& text : texts) {
+            if (std::strcmp(sourceText, text.source) == 0)
+                return QString::fromUtf8(text.text);
+        }
+        return {};
+    }
+};
+
+void printOut(const QString& text)
+{
+    OutputFile out(QStringLiteral("-"));
+    out.write(text.toLocal8Bit());
+    out.commit();
+}
+
+QString generalHelp()
+{
+    QString text = QStringLiteral("Использование: importgeometry КОМАНДА ФАЙЛ... [параметры]\n\n"
+                                  "Импорт объектов с каталогами координат из MIF/MID и DXF.\n\n"
+                                  "Команды:\n");
+    for (const Command* command : commands) {
+        text += QStringLiteral("  %1  %2\n")
+                    .arg(QString::fromLatin1(command->name), -8)
+                    .arg(QString::fromUtf8(command->summary));
+    }
+    return text
+        + QStringLiteral("\nПараметры:\n"
+                         "  -h, --help  Показать эту справку.\n"
+                         "  --version   Показать версию.\n\n"
+                         "Справка по команде: importgeometry КОМАНДА --help\n"
+                         "Коды завершения: 0 - выполнено, 1 - ошибка импорта или записи,\n"
+                         "2 - неверная командная строка, 3 - проверка нашла замечания.\n");
+}
+
+QString commandHelp(const Command& command, const QCommandLineParser& parser)
+{
+    // The first line of Qt's text holds the path of the program.
+    const QString text = parser.helpText();
+    return QStringLiteral("Использование: importgeometry %1 %2\n")
+               .arg(QString::fromLatin1(command.name), QString::fromUtf8(command.usage))
+        + text.mid(text.indexOf(QLatin1Char('\n')) + 1);
+}
+
+ExitStatus runCommand(const Command& command, const QStringList& arguments)
+{
+    const QString help = QStringLiteral("help");
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QString::fromUtf8(command.summary));
+    parser.addPositionalArgument(
+        QStringLiteral("ФАЙЛ"), QStringLiteral("Файлы MIF или DXF."), QStringLiteral("ФАЙЛ..."));
+    parser.addOptions(command.options());
+    parser.addOptions(importCommandLineOptions());
+    parser.addOption({ { QStringLiteral("h"), help }, QStringLiteral("Показать эту справку.") });
+    if (!parser.parse(arguments))
+        throw Failure{ WrongUsage, parser.errorText() };
+    if (parser.isSet(help)) {
+        printOut(commandHelp(command, parser));
+        return Done;
+    }
+    if (parser.isSet(QStringLiteral("list-encodings"))) {
+        printOut(encodingList() + QLatin1Char('\n'));
+        return Done;
+    }
+    if (parser.positionalArguments().isEmpty())
+        throw Failure{ WrongUsage, QStringLiteral("не указан ни один файл") };
+    return command.run(parser);
+}
+
+ExitStatus run(const Command* command, QStringList arguments)
+{
+    if (command) {
+        arguments.removeAt(1);
+        return runCommand(*command, arguments);
+    }
+    const QString first = arguments.value(1);
+    if (first == QLatin1String("-h") || first == QLatin1String("--help")) {
+        printOut(generalHelp());
+        return Done;
+    }
+    if (first == QLatin1String("--version")) {
+        printOut(QStringLiteral("importgeometry " PROJECT_VERSION "\n"));
+        return Done;
+    }
+    throw Failure{ WrongUsage,
+        first.isEmpty() ? QStringLiteral("не указана команда: convert, check или plan")
+                        : QStringLiteral("неизвестная команда «%1»").arg(first) };
+}
+
+const Command* findCommand(const char* name)
+{
+    const auto found = std::find_if(std::begin(commands), std::end(commands),
+        [name](const Command* command) { return name && std::strcmp(command->name, name) == 0; });
+    return found == std::end(commands) ? nullptr : *found;
+}
+
+std::unique_ptr<QCoreApplication> makeApplication(bool needsGui, int& argc, char** argv)
+{
+    if (!needsGui)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    // Text is drawn without a display, and must be so where there is one too.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Where nobody is logged in Qt warns of things that a picture has no need of.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    auto application = std::make_unique<QGuiApplication>(argc, argv);
+    qInstallMessageHandler(nullptr);
+    return application;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Interrupt::install();
+    const Command* const command = findCommand(argc > 1 ? argv[1] : nullptr);
+    const auto application = makeApplication(command && command->needsGui, argc, argv);
+    enableCyrillic();
+    ParserTexts texts;
+    QCoreApplication::installTranslator(&texts);
+    try {
+        const ExitStatus status = run(command, QCoreApplication::arguments());
+        Interrupt::obey();
+        return status;
+    } catch (const Failure& failure) {
+        printError(QStringLiteral("importgeometry: ") + failure.text);
+        if (failure.status == WrongUsage)
+            printError(QStringLiteral("Справка: importgeometry%1 --help")
+                           .arg(command ? QLatin1Char(' ') + QString::fromLatin1(command->name)
+                                        : QString()));
+        return failure.status;
+    } catch (const std::bad_alloc&) {
+        printError(QStringLiteral("importgeometry: недостаточно памяти"));
+        return Failed;
+    }
+}

@@ -1,0 +1,153 @@
+#include "outputfile.h"
+
+#include "console.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <cerrno>
+#include <cstring>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int bufferSize = 1 << 20;
+
+QString errorText(int error)
+{
+    switch (error) {
+    case ENOSPC:
+        return QStringLiteral("на устройстве не осталось места");
+    case EDQUOT:
+        return QStringLiteral("превышена дисковая квота");
+    case EFBIG:
+        return QStringLiteral("превышен предельный размер файла");
+    case EPIPE:
+        return QStringLiteral("читающая сторона закрыла канал");
+    case ENOENT:
+        return QStringLiteral("нет такой папки");
+    case ENOTDIR:
+        return QStringLiteral("часть пути не является папкой");
+    case EISDIR:
+        return QStringLiteral("это папка, а не файл");
+    case EACCES:
+    case EPERM:
+        return QStringLiteral("нет прав на запись");
+    case EROFS:
+        return QStringLiteral("файловая система доступна только для чтения");
+    default:
+        return QString::fromLocal8Bit(std::strerror(error));
+    }
+}
+
+/// Why no file can be made under this name, as far as its place in the folders tells; or 0.
+int placeError(const QString& fileName)
+{
+    const QFileInfo target(fileName);
+    if (target.isDir())
+        return EISDIR;
+    const QFileInfo folder(target.absolutePath());
+    if (!folder.exists())
+        return ENOENT;
+    return folder.isDir() ? 0 : ENOTDIR;
+}
+
+QString shownName(const QString& fileName)
+{
+    return fileName == QLatin1String("-") ? QStringLiteral("стандартный вывод")
+                                          : QDir::toNativeSeparators(fileName);
+}
+
+[[noreturn]] void fail(const QString& fileName, const QString& what, int error)
+{
+    throw Failure{ Failed,
+        QStringLiteral("%1: %2: %3").arg(shownName(fileName), what, errorText(error)) };
+}
+
+[[noreturn]] void failToOpen(const QString& fileName, int error)
+{
+    fail(fileName, QStringLiteral("не удаётся создать файл"), error);
+}
+
+std::unique_ptr<QFileDevice> openOutput(const QString& fileName)
+{
+    if (fileName == QLatin1String("-")) {
+        auto file = std::make_unique<QFile>();
+        return file->open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered)
+            ? std::move(file)
+            : nullptr;
+    }
+    const QFileInfo info(fileName);
+    std::unique_ptr<QFileDevice> file;
+    // A device or a named pipe must be written to, not be replaced by a file.
+    if (info.exists() && !info.isFile() && !info.isDir())
+        file = std::make_unique<QFile>(fileName);
+    else
+        file = std::make_unique<QSaveFile>(fileName);
+    return file->open(QIODevice::WriteOnly | QIODevice::Unbuffered) ? std::move(file) : nullptr;
+}
+
+} // namespace
+
+OutputFile::OutputFile(const QString& fileName)
+    : m_fileName(fileName)
+    , m_file(openOutput(fileName))
+{
+    if (!m_file) {
+        const int error = placeError(fileName);
+        failToOpen(fileName, error != 0 ? error : EACCES);
+    }
+    m_buffer.reserve(bufferSize + bufferSize / 4);
+    open(WriteOnly | Unbuffered);
+}
+
+void OutputFile::checkPlace(const QString& fileName)
+{
+    const int error = fileName == QLatin1String("-") ? 0 : placeError(fileName);
+    if (error != 0)
+        failToOpen(fileName, error);
+}
+
+OutputFile::~OutputFile() = default;
+
+void OutputFile::commit()
+{
+    flushBuffer();
+    if (m_error == 0) {
+        auto* saved = qobject_cast<QSaveFile*>(m_file.get());
+        errno = 0;
+        if (saved ? !saved->commit() : m_file->error() != QFileDevice::NoError)
+            m_error = errno != 0 ? errno : EIO;
+    }
+    if (m_error != 0)
+        fail(m_fileName, QStringLiteral("ошибка записи"), m_error);
+}
+
+qint64 OutputFile::readData(char* data, qint64 maxSize)
+{
+    Q_UNUSED(data)
+    Q_UNUSED(maxSize)
+    return -1;
+}
+
+qint64 OutputFile::writeData(const char* data, qint64 size)
+{
+    m_buffer.append(data, static_cast<int>(size));
+    if (m_buffer.size() >= bufferSize)
+        flushBuffer();
+    return m_error == 0 ? size : -1;
+}
+
+void OutputFile::flushBuffer()
+{
+    if (Interrupt::requested()) {
+        m_file.reset();
+        Interrupt::obey();
+    }
+    if (m_error == 0 && m_file->write(m_buffer) != m_buffer.size())
+        m_error = errno != 0 ? errno : EIO;
+    m_buffer.resize(0);
+}

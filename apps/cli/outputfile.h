@@ -1,0 +1,40 @@
+#pragma once
+
+#include "interrupt.h"
+
+#include <QIODevice>
+
+#include <memory>
+
+class QFileDevice;
+
+/// What a command writes: a file that appears whole or not at all, a device or a pipe as it is, or
+/// standard output for the name "-". Writes are gathered into large ones.
+///
+/// Errors end the command: commit() throws a Failure and so does opening.
+class OutputFile : public QIODevice {
+public:
+    explicit OutputFile(const QString& fileName);
+    ~OutputFile() override;
+
+    /// Fails at once where opening could not succeed, so that no work is done in vain.
+    static void checkPlace(const QString& fileName);
+
+    bool isSequential() const override { return true; }
+    /// Writes what is left and lets the file appear.
+    void commit();
+
+protected:
+    qint64 readData(char* data, qint64 maxSize) override;
+    qint64 writeData(const char* data, qint64 size) override;
+
+private:
+    void flushBuffer();
+
+    // Made first and destroyed last: no signal ends the program while there is a temporary file.
+    Interrupt::Deferral m_deferral;
+    QString m_fileName;
+    std::unique_ptr<QFileDevice> m_file;
+    QByteArray m_buffer;
+    int m_error = 0; ///< errno of the first write that failed
+};

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QPolygonF>
+#include <QVector>
+#include <QXmlStreamWriter>
+
+class QPainter;
+
+/// What a plan is drawn with: the few shapes that it consists of.
+class PlanCanvas {
+public:
+    virtual ~PlanCanvas() = default;
+    /// Open or closed lines; `areas` are filled, where they overlap every other time.
+    virtual void drawContours(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,
+        const QColor& line, const QColor& area) = 0;
+    virtual void drawDot(const QPointF& place, double radius, const QColor& color) = 0;
+    /// A line of text that starts at `place` on its base line.
+    virtual void drawText(
+        const QPointF& place, const QString& text, const QFont& font, const QColor& color) = 0;
+};
+
+/// Draws through a painter.
+class PainterCanvas : public PlanCanvas {
+public:
+    explicit PainterCanvas(QPainter& painter);
+    void drawContours(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,
+        const QColor& line, const QColor& area) override;
+    void drawDot(const QPointF& place, double radius, const QColor& color) override;
+    void drawText(
+        const QPointF& place, const QString& text, const QFont& font, const QColor& color) override;
+
+private:
+    QPainter& m_painter;
+};
+
+/// Writes an SVG document as it draws.
+class SvgCanvas : public PlanCanvas {
+public:
+    SvgCanvas(QIODevice& device, const QSize& size, const QString& title);
+    ~SvgCanvas() override;
+    void drawContours(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,
+        const QColor& line, const QColor& area) override;
+    void drawDot(const QPointF& place, double radius, const QColor& color) override;
+    void drawText(
+        const QPointF& place, const QString& text, const QFont& font, const QColor& color) override;
+
+private:
+    void attribute(const char* name, const QString& value);
+    void attribute(const char* name, double value);
+    void fill(const QColor& color);
+    QString pathOf(const QVector<QPolygonF>& polygons) const;
+
+    QXmlStreamWriter m_writer;
+};

@@ -1,0 +1,161 @@
+#include "commandrun.h"
+#include "support/tempfiles.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QTest>
+
+namespace {
+
+/// A command of the page and what it prints there.
+struct Example {
+    int line;
+    QString command;
+    QString output;
+};
+
+QList<Example> examplesOf(const QString& page)
+{
+    QList<Example> examples;
+    bool inBlock = false;
+    const QStringList lines = page.split(QLatin1Char('\n'));
+    for (int i = 0; i < lines.size(); ++i) {
+        const QString& line = lines.at(i);
+        if (line.startsWith(QLatin1String("```")))
+            inBlock = line == QLatin1String("```console");
+        else if (inBlock && line.startsWith(QLatin1String("$ ")))
+            examples.append({ i + 1, line.mid(2), QString() });
+        else if (inBlock)
+            examples.last().output += line + QLatin1Char('\n');
+    }
+    return examples;
+}
+
+QString sourceFile(const char* name)
+{
+    return QDir(QStringLiteral(SOURCE_DIR)).filePath(QLatin1String(name));
+}
+
+QString textOf(const char* name)
+{
+    return QString::fromUtf8(contentOf(sourceFile(name)));
+}
+
+/// The long options that the help of a command names.
+QStringList optionsOf(const char* command)
+{
+    const QString help =
+        QString::fromUtf8(runCommand(words({ command, "--help" }), QDir::currentPath()).out);
+    static const QRegularExpression option(
+        QStringLiteral("^  (?:-\\w, )?(--[a-z-]+)"), QRegularExpression::MultilineOption);
+    QStringList options;
+    for (auto match = option.globalMatch(help); match.hasNext();)
+        options.append(match.next().captured(1));
+    return options;
+}
+
+/// What bash offers for the last of the words.
+QStringList completionsOf(const QString& commandLine, const QString& folder)
+{
+    const CommandRun run = runShell(
+        QStringLiteral("source '%1'; importgeometry() { \"$CLI\" \"$@\"; }; COMP_WORDS=(%2); "
+                       "COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _importgeometry; "
+                       "printf '%s\\n' \"${COMPREPLY[@]}\"")
+            .arg(sourceFile("completions/importgeometry"), commandLine),
+        folder);
+    return QString::fromUtf8(run.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+class TestCliDocs : public QObject {
+    Q_OBJECT
+
+private slots:
+    void examples()
+    {
+        const TempFiles folder;
+        const QDir data(dataFile(""));
+        for (const QString& name : data.entryList(QDir::Files))
+            folder.write(name, contentOf(data.filePath(name)));
+        const QList<Example> examples = examplesOf(textOf("docs/cli.md"));
+        QVERIFY(examples.size() >= 10);
+        for (const Example& example : examples) {
+            const CommandRun run = runShell(
+                QStringLiteral("PATH=\"$(dirname \"$CLI\"):$PATH\"; exec 2>&1; ") + example.command,
+                folder.path(QString()));
+            QVERIFY2(QString::fromUtf8(run.out) == example.output,
+                qPrintable(QStringLiteral("docs/cli.md:%1 prints\n%2")
+                               .arg(example.line)
+                               .arg(QString::fromUtf8(run.out))));
+        }
+    }
+
+    void everyOptionIsDescribed_data()
+    {
+        QTest::addColumn<QString>("command");
+        for (const char* command : { "convert", "check", "plan" })
+            QTest::newRow(command) << QString::fromLatin1(command);
+    }
+
+    void everyOptionIsDescribed()
+    {
+        QFETCH(QString, command);
+        const QStringList options = optionsOf(qPrintable(command));
+        QVERIFY(options.size() >= 13);
+        const QString page = textOf("docs/cli.md");
+        const QString manual = textOf("docs/man/importgeometry.1").remove(QLatin1Char('\\'));
+        const QStringList completions =
+            completionsOf(QStringLiteral("importgeometry %1 --").arg(command), QDir::currentPath());
+        for (const QString& option : options) {
+            QVERIFY2(option == QLatin1String("--help") || option == QLatin1String("--output")
+                    || page.contains(option),
+                qPrintable(option));
+            QVERIFY2(manual.contains(option), qPrintable(option));
+            QVERIFY2(completions.contains(option), qPrintable(option));
+        }
+        QCOMPARE(completions.size(), options.size());
+    }
+
+    void manualPage()
+    {
+        const CommandRun run =
+            runShell(QStringLiteral("LC_ALL=C.UTF-8 man --warnings=w -E UTF-8 -l '%1'")
+                         .arg(sourceFile("docs/man/importgeometry.1")),
+                QDir::currentPath());
+        QCOMPARE(run.err, QString());
+        QCOMPARE(run.status, 0);
+        QVERIFY(QString::fromUtf8(run.out).contains(QStringLiteral("КОДЫ ЗАВЕРШЕНИЯ")));
+    }
+
+    void completion_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QStringList>("completions");
+        const auto row = [](const char* line, std::initializer_list<const char*> completions) {
+            QTest::newRow(line) << QString::fromLatin1(line) << words(completions);
+        };
+        row("importgeometry c", { "convert", "check" });
+        row("importgeometry plan --si", { "--size" });
+        row("importgeometry convert --si", {});
+        row("importgeometry convert --format ''", { "mif", "dxf" });
+        row("importgeometry convert --search-points = o", { "on", "off" });
+        row("importgeometry convert --encoding KOI8-R", { "KOI8-R" });
+        row("importgeometry check p", { "parcels.mif", "points.mif" });
+        row("importgeometry check --points d", { "drawing.dxf" });
+    }
+
+    void completion()
+    {
+        QFETCH(QString, line);
+        QFETCH(QStringList, completions);
+        QStringList offered = completionsOf(line, dataFile(""));
+        offered.sort();
+        completions.sort();
+        QCOMPARE(offered, completions);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCliDocs)
+#include "tst_clidocs.moc"

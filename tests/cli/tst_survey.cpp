@@ -1,0 +1,443 @@
+#include "commandrun.h"
+#include "samples.h"
+#include "support/tempfiles.h"
+#include "survey/encodingguess.h"
+#include "survey/filesurvey.h"
+#include "survey/findings.h"
+
+#include <QDir>
+#include <QTest>
+#include <QTextCodec>
+
+namespace {
+
+const QByteArray line = "0\nLINE\n10\n0\n20\n0\n11\n5\n21\n5\n";
+const QByteArray square = "0\nLWPOLYLINE\n90\n4\n70\n1\n10\n0\n20\n0\n10\n9\n20\n0\n10\n9\n20\n9\n"
+                          "10\n0\n20\n9\n";
+
+/// POLYLINE with the given flags, of three vertices.
+QByteArray polyline(const QByteArray& flags)
+{
+    QByteArray text = "0\nPOLYLINE\n70\n" + flags + '\n';
+    for (const char* vertex : { "10\n0\n20\n0\n", "10\n9\n20\n0\n", "10\n9\n20\n9\n" })
+        text += QByteArray("0\nVERTEX\n") + vertex;
+    return text + "0\nSEQEND\n";
+}
+
+/// "cause line count" of each cause, with the detail in brackets.
+QStringList describe(const QVector<FoundCause>& causes)
+{
+    QStringList texts;
+    for (const FoundCause& found : causes) {
+        texts.append(QStringLiteral("%1 %2 %3 [%4]")
+                         .arg(causeId(found.cause))
+                         .arg(found.line)
+                         .arg(found.count)
+                         .arg(found.detail));
+    }
+    return texts;
+}
+
+/// "kind count/read" of each kind.
+QStringList describe(const std::map<std::string, KindCount>& kinds)
+{
+    QStringList texts;
+    for (const auto& [name, kind] : kinds) {
+        texts.append(QStringLiteral("%1 %2/%3")
+                         .arg(QString::fromStdString(name))
+                         .arg(kind.count)
+                         .arg(kind.read));
+    }
+    return texts;
+}
+
+SurveyOptions utf8()
+{
+    SurveyOptions options;
+    options.encoding = "UTF-8";
+    return options;
+}
+
+DefPolygon polygon(const QVector<QVector<DefPoint>>& contours)
+{
+    return { QStringLiteral("ЗУ1"), contours };
+}
+
+} // namespace
+
+class TestSurvey : public QObject {
+    Q_OBJECT
+
+private slots:
+    void dxfCauses_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QStringList>("causes");
+        const auto row = [](const char* name, const QByteArray& content, const char* cause) {
+            QStringList causes;
+            if (*cause != '\0')
+                causes.append(QString::fromUtf8(cause));
+            QTest::newRow(name) << content << causes;
+        };
+
+        row("sound", drawing(line), "");
+        row("empty", "", "empty-file 0 0 []");
+        row("binary", "AutoCAD Binary DXF\r\n\x1a", "not-text 0 0 [двоичный DXF]");
+        row("DWG", "AC1015", "not-text 0 0 [чертёж DWG]");
+        row("blank first line", "\n" + drawing(line), "blank-first-line 1 0 []");
+        row("comment", "999\nby a program\n" + drawing(line), "leading-comment 1 0 []");
+        row("comments with blanks", "  999\nby a\r\n999\nprogram\n" + drawing(line),
+            "leading-comment 1 0 []");
+        row("no header section", drawing(line).mid(headerSection.size()),
+            "missing-header 1 0 [ENTITIES]");
+        row("another file", "<svg/>\n", "not-dxf 1 0 []");
+        row("inserts alone", drawing("0\nINSERT\n2\nP\n10\n0\n20\n0\n0\nINSERT\n10\n1\n20\n1\n"),
+            "block-inserts 0 2 []");
+        row("inserts beside lines", drawing(line + "0\nINSERT\n2\nP\n10\n0\n20\n0\n"), "");
+        row("MTEXT alone", drawing(line + "0\nMTEXT\n10\n0\n20\n0\n1\nA\n"), "mtext 0 1 []");
+        row("MTEXT beside TEXT", drawing(line + "0\nMTEXT\n1\nA\n0\nTEXT\n10\n0\n20\n0\n1\nA\n"),
+            "");
+        row("closed by 1", drawing(polyline("1")), "");
+        row("open", drawing(polyline("128")), "");
+        row("closed by 129", drawing(polyline("129")), "closed-flag 12 1 [129]");
+        row("closed by 9, twice", drawing(polyline("9") + polyline("9")), "closed-flag 12 2 [9]");
+        row("closed mesh", drawing(polyline("17")), "");
+        row("LWPOLYLINE closed by 129", drawing(QByteArray(square).replace("70\n1", "70\n129")),
+            "");
+        row("bulges", drawing(QByteArray(square).replace("20\n9\n", "20\n9\n42\n-0.5\n")),
+            "bulges 0 2 []");
+        row("bulges of nought", drawing(QByteArray(square).replace("20\n9\n", "20\n9\n42\n0.0\n")),
+            "");
+        row("bulge of a VERTEX",
+            drawing(polyline("1").replace("10\n9\n20\n0\n", "10\n9\n20\n0\n42\n1\n")),
+            "bulges 0 1 []");
+        row("42 of another kind", drawing(line + "0\nARC\n42\n1\n"), "");
+        row("blank line", drawing(line + "\n" + line), "blank-line 21 0 []");
+        row("blank line at the end", drawing(line) + "\n", "trailing-blank-line 25 0 []");
+        row("blank lines at the end", drawing(line) + "\n \r\n", "trailing-blank-line 25 0 []");
+        row("line without an end", drawing("0\nLINE\n10\n0\n20\n0\n"), "bad-object 12 0 [LINE]");
+        row("word for a number", drawing("0\nPOINT\n10\n0\n20\nzero\n"), "bad-object 12 0 [POINT]");
+        row("one vertex declared", drawing("0\nLWPOLYLINE\n90\n1\n10\n0\n20\n0\n"),
+            "bad-object 12 0 [LWPOLYLINE]");
+        row("POLYLINE without SEQEND", drawing(polyline("1").replace("0\nSEQEND\n", "")),
+            "bad-object 12 0 [POLYLINE]");
+    }
+
+    void dxfCauses()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QStringList, causes);
+        QCOMPARE(describe(survey("a.dxf", content, utf8()).causes), causes);
+    }
+
+    void mifCauses_data()
+    {
+        QTest::addColumn<QByteArray>("mif");
+        QTest::addColumn<QByteArray>("mid");
+        QTest::addColumn<QStringList>("causes");
+        const auto row = [](const char* name, const QByteArray& mif, const QByteArray& mid,
+                             const char* cause) {
+            QStringList causes;
+            if (*cause != '\0')
+                causes.append(QString::fromUtf8(cause));
+            QTest::newRow(name) << mif << mid << causes;
+        };
+        const auto replaced = [](const char* before, const char* after) {
+            return QByteArray(mifHeader).replace(before, after) + "Line 0 0 1 1\n";
+        };
+
+        row("sound", mifHeader + "Line 0 0 1 1\n", "a\n", "");
+        row("empty", "", "", "empty-file 0 0 []");
+        row("blank first line", "\n" + mifHeader, "", "blank-first-line 1 0 []");
+        row("tab", replaced("\",\"", "\"\t\""), "a\n", "delimiter 3 0 []");
+        row("space", replaced("\",\"", "\" \""), "a\n", "delimiter 3 0 []");
+        row("semicolon", replaced(",", ";"), "a\n", "");
+        row("no Delimiter", replaced("Delimiter \",\"\n", ""), "a\n", "mif-header 3 0 [Delimiter]");
+        row("no Charset", replaced("Charset \"Neutral\"\n", ""), "a\n", "mif-header 2 0 [Charset]");
+        row("no Data", QByteArray(mifHeader).replace("Data\n", ""), "a\n", "no-data 0 0 []");
+        row("blank line between rings", mifHeader + "Region 2\n3\n0 0\n1 0\n0 0\n\n3\n", "a\n",
+            "blank-line 10 0 []");
+        row("blank line between vertices", mifHeader + "Pline 2\n0 0\n\n1 0\n", "a\n",
+            "blank-line 7 0 []");
+        row("blank line between objects", mifHeader + "Line 0 0 1 1\n\nLine 0 0 1 1\n", "a\nb\n",
+            "");
+        row("count on the next line", mifHeader + "Pline\n2\n0 0\n1 0\n", "a\n",
+            "count-on-next-line 5 0 [PLINE]");
+        row("word for a number", mifHeader + "Line 0 0 one 1\n", "a\n", "bad-object 5 0 [LINE]");
+        row("cut off", mifHeader + "Pline 3\n0 0\n1 0\n", "a\n", "bad-object 8 0 [PLINE]");
+        row("collection", mifHeader + "Line 0 0 1 1\nCollection 2\nLine 0 0 1 1\n", "a\nb\nc\n",
+            "collection 6 0 []");
+        row("blank row", mifHeader + "Line 0 0 1 1\nLine 0 0 1 1\n", "a\n\nb\n",
+            "mid-blank-row 2 0 []");
+        row("too few rows", mifHeader + "Line 0 0 1 1\nLine 0 0 1 1\n", "a\n",
+            "mid-too-short 2 0 []");
+        row("a row broken in two", mifHeader + "Line 0 0 1 1\n", "\"a\nb\"\n",
+            "mid-too-long 0 1 []");
+    }
+
+    void mifCauses()
+    {
+        QFETCH(QByteArray, mif);
+        QFETCH(QByteArray, mid);
+        QFETCH(QStringList, causes);
+        const TempFiles folder;
+        folder.write(QStringLiteral("a.mid"), mid);
+        folder.write(QStringLiteral("a.mif"), mif);
+        QCOMPARE(describe(surveyMif(folder.path(QStringLiteral("a.mif")), utf8()).causes), causes);
+    }
+
+    void midUnderAnotherName_data()
+    {
+        QTest::addColumn<QString>("mid");
+        QTest::addColumn<QString>("cause");
+        const auto row = [](const char* name, const char* mid, const char* cause) {
+            QTest::newRow(name) << QString::fromLatin1(mid) << QString::fromLatin1(cause);
+        };
+        row("none", "other.mid", "mid-missing 0 0 []");
+        row("upper case", "a.MID", "mid-other-case 0 0 [a.MID]");
+        row("name in upper case", "A.mid", "mid-other-case 0 0 [A.mid]");
+    }
+
+    void midUnderAnotherName()
+    {
+        QFETCH(QString, mid);
+        QFETCH(QString, cause);
+        const TempFiles folder;
+        folder.write(mid, "a\n");
+        folder.write(QStringLiteral("a.mif"), mifHeader + "Line 0 0 1 1\n");
+        const FileSurvey found = surveyMif(folder.path(QStringLiteral("a.mif")), utf8());
+        QCOMPARE(describe(found.causes), QStringList(cause));
+        QCOMPARE(describe(found.kinds), QStringList(QStringLiteral("LINE 1/0")));
+    }
+
+    void noMidWanted()
+    {
+        const TempFiles folder;
+        SurveyOptions options = utf8();
+        options.searchObjectDefs = false;
+        options.searchPointDefs = false;
+        options.readsPoints = false;
+        folder.write(QStringLiteral("a.mif"), mifHeader + "Line 0 0 1 1\n");
+        const FileSurvey found = surveyMif(folder.path(QStringLiteral("a.mif")), options);
+        QCOMPARE(describe(found.causes), QStringList());
+        QCOMPARE(describe(found.kinds), QStringList(QStringLiteral("LINE 1/1")));
+    }
+
+    void everyCauseHasTexts()
+    {
+        QSet<QString> ids;
+        for (int i = 0; i <= static_cast<int>(Cause::Encoding); ++i) {
+            const FoundCause found{ static_cast<Cause>(i), {}, 0, QStringLiteral("X"), 7 };
+            QVERIFY(causeText(found).endsWith(QLatin1Char('.')));
+            QVERIFY(remedyText(found).endsWith(QLatin1Char('.')));
+            QVERIFY(!causeText(found).contains(QLatin1Char('%')));
+            ids.insert(causeId(found.cause));
+        }
+        QCOMPARE(ids.size(), static_cast<int>(Cause::Encoding) + 1);
+    }
+
+    void dxfKinds()
+    {
+        const QByteArray blocks =
+            "0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n2\nP\n" + line + square + "0\nENDBLK\n0\nENDSEC\n";
+        QByteArray content = drawing(line + square + polyline("1") + "0\nARC\n10\n0\n"
+            + "0\nTEXT\n10\n0\n20\n0\n1\nA\n" + "0\nPOINT\n10\n0\n20\n0\n" + line);
+        content.replace("0\nSECTION\n2\nENTITIES\n", blocks + "0\nSECTION\n2\nENTITIES\n");
+        const FileSurvey found = survey("a.dxf", content, utf8());
+        QCOMPARE(describe(found.kinds),
+            QStringList({ QStringLiteral("ARC 1/0"), QStringLiteral("LINE 2/2"),
+                QStringLiteral("LINE (в блоках) 1/0"), QStringLiteral("LWPOLYLINE 1/1"),
+                QStringLiteral("LWPOLYLINE (в блоках) 1/0"), QStringLiteral("POINT 1/1"),
+                QStringLiteral("POLYLINE 1/1"), QStringLiteral("TEXT 1/1") }));
+        const QVector<Shape> shapes{ Shape::Line, Shape::Area, Shape::Area, Shape::Line };
+        QCOMPARE(found.shapes, shapes);
+    }
+
+    void kindsBehindAnError()
+    {
+        // The error is in the object pass: what stands before it is read, the rest is not.
+        SurveyOptions options = utf8();
+        options.readsPoints = false;
+        options.searchPointDefs = false;
+        const FileSurvey found =
+            survey("a.dxf", drawing(line + "0\nLINE\n10\nx\n" + line + line), options);
+        QCOMPARE(describe(found.kinds), QStringList(QStringLiteral("LINE 4/1")));
+        QVERIFY(found.stopped);
+    }
+
+    void nothingIsReadAfterAFailedPointPass()
+    {
+        const FileSurvey found =
+            survey("a.dxf", drawing(line + "0\nPOINT\n10\nx\n20\n0\n"), utf8());
+        QCOMPARE(describe(found.kinds),
+            QStringList({ QStringLiteral("LINE 1/0"), QStringLiteral("POINT 1/0") }));
+        QVERIFY(found.shapes.isEmpty());
+    }
+
+    void encodings_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("codec");
+        const QString russian = QStringLiteral("Участок № 12, ул. Лесная, Ёлкино");
+        const auto encoded = [](const char* codec, const QString& text) {
+            return QTextCodec::codecForName(codec)->fromUnicode(text);
+        };
+        QTest::newRow("ASCII") << QByteArray("plot 1") << QByteArray();
+        QTest::newRow("nothing") << QByteArray() << QByteArray();
+        QTest::newRow("UTF-8") << russian.toUtf8() << QByteArray("UTF-8");
+        QTest::newRow("UTF-8 of four bytes")
+            << QByteArray("\xF0\x9F\x98\x80") << QByteArray("UTF-8");
+        QTest::newRow("Windows-1251")
+            << encoded("Windows-1251", russian) << QByteArray("Windows-1251");
+        QTest::newRow("Windows-1251, capitals")
+            << encoded("Windows-1251", russian.toUpper()) << QByteArray("Windows-1251");
+        QTest::newRow("IBM866") << encoded("IBM866", russian) << QByteArray("IBM866");
+        QTest::newRow("IBM866, capitals")
+            << encoded("IBM866", russian.toUpper()) << QByteArray("IBM866");
+        QTest::newRow("UTF-8 cut off")
+            << QStringLiteral("План").toUtf8().chopped(1) << QByteArray("Windows-1251");
+        QTest::newRow("one letter among Latin ones") << QByteArray("Stra\xDF"
+                                                                   "e M\xFCnchen")
+                                                     << QByteArray("Windows-1252");
+        QTest::newRow("UTF-16") << QByteArray("0\0\n\0L\0I\0N\0E\0", 12) << QByteArray("UTF-16LE");
+    }
+
+    void encodings()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QByteArray, codec);
+        QCOMPARE(likelyCodec(view(bytes)), codec);
+    }
+
+    void encodingMismatch_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QByteArray>("chosen");
+        QTest::addColumn<bool>("matches");
+        const QByteArray cyrillic =
+            QTextCodec::codecForName("Windows-1251")->fromUnicode(QStringLiteral("Участок"));
+        const QByteArray label = "0\nTEXT\n10\n0\n20\n0\n1\n" + cyrillic + '\n';
+        const QByteArray layer = "0\nLINE\n8\n" + cyrillic + "\n10\n0\n20\n0\n11\n1\n21\n1\n";
+        QTest::newRow("another one chosen") << drawing(label) << QByteArray("UTF-8") << false;
+        QTest::newRow("IBM866 chosen") << drawing(label) << QByteArray("IBM866") << false;
+        QTest::newRow("the right one chosen") << drawing(label) << QByteArray("CP1251") << true;
+        // Nobody sees the name of a layer.
+        QTest::newRow("no matter") << drawing(layer) << QByteArray("UTF-8") << true;
+        QTest::newRow("byte-order mark")
+            << "\xEF\xBB\xBF" + drawing(line) << QByteArray("Windows-1251") << true;
+    }
+
+    void encodingMismatch()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QByteArray, chosen);
+        QFETCH(bool, matches);
+        SurveyOptions options;
+        options.encoding = chosen;
+        const FileSurvey found = survey("a.dxf", content, options);
+        QCOMPARE(found.encodingMatches, matches);
+        QCOMPARE(describe(found.causes),
+            matches ? QStringList() : QStringList(QStringLiteral("encoding 0 0 [Windows-1251]")));
+    }
+
+    void declaredEncoding()
+    {
+        const FileSurvey found = survey("a.dxf",
+            QByteArray(drawing(line))
+                .replace("HEADER\n", "HEADER\n9\n$DWGCODEPAGE\n3\nANSI_1251\n"),
+            utf8());
+        QCOMPARE(found.declaredEncoding, QStringLiteral("ANSI_1251"));
+    }
+
+    void conflicts()
+    {
+        const auto found = findPointConflicts({ polygon({}),
+            polygon({ { { QStringLiteral("а"), 0, 0 }, { QStringLiteral("А"), 5, 0 },
+                          { QStringLiteral("б"), 5, 5 }, { QStringLiteral("а"), 0, 0 } },
+                { { QStringLiteral("б"), 5, 5 } } }) });
+        QCOMPARE(found.size(), 1);
+        QCOMPARE(found.first().object, 1);
+        QCOMPARE(found.first().def, QStringLiteral("а"));
+        QCOMPARE(found.first().places, QVector<QPointF>({ { 0, 0 }, { 5, 0 } }));
+    }
+
+    void duplicates()
+    {
+        const auto found =
+            findDuplicateDefs({ { QStringLiteral("ЗУ1"), {} }, { QStringLiteral("ЗУ2"), {} },
+                { QStringLiteral("зу1"), {} }, { QString(), {} }, { QString(), {} } });
+        QCOMPARE(found.size(), 1);
+        QCOMPARE(found.first().def, QStringLiteral("ЗУ1"));
+        QCOMPARE(found.first().objects, QVector<int>({ 0, 2 }));
+    }
+
+    void incomplete()
+    {
+        const DefPoint a{ {}, 0, 0 };
+        const DefPoint b{ {}, 5, 0 };
+        const DefPoint c{ {}, 5, 5 };
+        const auto found = findIncompleteObjects(
+            { polygon({}), polygon({ { a, b } }), polygon({ { a } }), polygon({ { a, b, c, a } }),
+                polygon({ { a, b, c, a }, { a, b, a } }), polygon({ { a, b, a } }) },
+            { Shape::Line, Shape::Line, Shape::Line, Shape::Area, Shape::Area, Shape::Line });
+        QStringList texts;
+        for (const IncompleteObject& object : found) {
+            texts.append(QStringLiteral("%1 %2 %3/%4")
+                             .arg(object.object)
+                             .arg(object.contour)
+                             .arg(object.vertices)
+                             .arg(object.needed));
+        }
+        QCOMPARE(texts,
+            QStringList({ QStringLiteral("0 -1 0/2"), QStringLiteral("2 0 1/2"),
+                QStringLiteral("4 1 2/3") }));
+    }
+
+    void axes_data()
+    {
+        QTest::addColumn<QPointF>("vertex");
+        QTest::addColumn<int>("order");
+        const auto row = [](const char* name, double x, double y, AxisOrder order) {
+            QTest::newRow(name) << QPointF(x, y) << static_cast<int>(order);
+        };
+        row("local system, zone second", 451234.56, 2201234.56, AxisOrder::NorthingFirst);
+        row("local system, zone first", 2201234.56, 451234.56, AxisOrder::EastingFirst);
+        row("zone 17 second", 6144512, 17404638, AxisOrder::NorthingFirst);
+        row("zone 17 first", 17404638, 6144512, AxisOrder::EastingFirst);
+        row("zone 7 may be either", 7404638, 6144512, AxisOrder::Unknown);
+        row("six digits before the northing", 404638, 6144512, AxisOrder::EastingFirst);
+        row("small local coordinates", 100, 200, AxisOrder::Unknown);
+        row("not a number", qQNaN(), 2201234, AxisOrder::Unknown);
+    }
+
+    void axes()
+    {
+        QFETCH(QPointF, vertex);
+        QFETCH(int, order);
+        const DefPoint point{ {}, vertex.x(), vertex.y() };
+        QCOMPARE(static_cast<int>(guessAxisOrder({ polygon({ { point, point } }) })), order);
+    }
+
+    void axesByMostVertices()
+    {
+        const DefPoint usual{ {}, 451234, 2201234 };
+        const DefPoint stray{ {}, 0, 0 };
+        QVector<DefPoint> contour(9, usual);
+        contour.append(stray);
+        QCOMPARE(guessAxisOrder({ polygon({ contour }) }), AxisOrder::NorthingFirst);
+        contour.append(stray);
+        QCOMPARE(guessAxisOrder({ polygon({ contour }) }), AxisOrder::Unknown);
+        QCOMPARE(guessAxisOrder({}), AxisOrder::Unknown);
+    }
+
+private:
+    static FileSurvey survey(
+        const char* name, const QByteArray& content, const SurveyOptions& options)
+    {
+        const TempFiles folder;
+        return surveyDxf(folder.write(QLatin1String(name), content), options);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSurvey)
+#include "tst_survey.moc"
