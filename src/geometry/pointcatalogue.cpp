@@ -15,9 +15,9 @@ namespace {
 /// a tolerance apart cannot come too close to be searched one by one.
 constexpr double coarsestCells = 1.0 / 64;
 constexpr double finestCells = 4;
-constexpr double refinement = 4;
+constexpr double refinement = 2;
 /// So many points may share a cell before cells are refined.
-constexpr int crowd = 32;
+constexpr int crowd = 8;
 /// More arranged points than this in a finest cell are better served by a tree.
 constexpr int denseCrowd = 128;
 /// A point that coincides with a place, and every nearer one, is within this distance of it in
