@@ -15,6 +15,8 @@
 #include <QSettings>
 #include <QXmlStreamWriter>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int maxFieldCount = 5;
@@ -253,7 +255,7 @@ void Dialog::writeFields()
         const FieldRow row = fieldRow(i);
         if (!row)
             return;
-        row.spin->setValue(it.key() + 1);
+        row.spin->setValue(std::min(it.key(), row.spin->maximum() - 1) + 1);
         row.edit->setText(it.value());
     }
 }
@@ -283,12 +285,14 @@ void Dialog::on_plusToolButton_clicked()
 
 void Dialog::on_minusToolButton_clicked()
 {
-    if (m_fieldCount <= 1)
-        return;
-    --m_fieldCount;
-    const FieldRow row = fieldRow(m_fieldCount);
-    delete row.spin;
-    delete row.edit;
+    guarded([this] {
+        if (m_fieldCount <= 1)
+            return;
+        const FieldRow row = fieldRow(m_fieldCount - 1);
+        --m_fieldCount;
+        delete row.spin;
+        delete row.edit;
+    });
 }
 
 // Settings

@@ -26,6 +26,7 @@ class Dialog : public QDialog {
     Q_OBJECT
 
 public:
+    /// Builds the form and restores its state from the settings.
     explicit Dialog(QWidget* parent = nullptr);
     ~Dialog() override;
 
@@ -48,7 +49,7 @@ private slots:
     void on_objectFileNameEdit_textChanged(const QString& arg1);
 
 private:
-    /// The widgets of an extra-field row, both null where there is none.
+    /// The widgets of an extra-field row; null where they are missing.
     struct FieldRow {
         QSpinBox* spin;
         QLineEdit* edit;

@@ -3,8 +3,8 @@
 #include "dialog.h"
 #include "status.h"
 
-static const QString strImportFromMif = QStringLiteral("Объекты из MIF");
-static const QString strImportFromDxf = QStringLiteral("Объекты из DXF");
+static const QString strImportFromMif = QString::fromUtf8("Объекты из MIF");
+static const QString strImportFromDxf = QString::fromUtf8("Объекты из DXF");
 
 ImportPlugin::ImportPlugin(QObject* parent)
     : QObject(parent)

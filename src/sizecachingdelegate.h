@@ -2,7 +2,6 @@
 
 #include <QFont>
 #include <QHash>
-#include <QPointer>
 #include <QStyledItemDelegate>
 
 class QStyle;
@@ -18,10 +17,13 @@ class SizeCachingDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
+    /// The size that Qt's delegate gives, from memory where the text has been measured before.
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
 private:
+    void forgetOtherLooks(const QStyleOptionViewItem& option) const;
+
     mutable QHash<QString, QSize> m_sizes; ///< by text, for the font and style below
     mutable QFont m_font;
-    mutable QPointer<QStyle> m_style;
+    mutable const QStyle* m_style = nullptr; ///< only compared
 };

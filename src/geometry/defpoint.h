@@ -41,7 +41,7 @@ inline double squaredDistance(const DefPoint& point, double x, double y)
     return dx * dx + dy * dy;
 }
 
-/// Whether a coordinate of `point` is not a number. Such a point has no place in the order of x.
+/// Whether a coordinate of `point` is not a number. Such points leave no order to rely on.
 inline bool hasNan(const DefPoint& point)
 {
     return std::isnan(point.x) || std::isnan(point.y);

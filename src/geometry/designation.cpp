@@ -79,11 +79,19 @@ void sortObjects(QVector<DefPolygon>& objects)
 
 uint qHash(const DefKey& key, uint seed)
 {
+    // Mixed at each step, so that no set of designations collides whatever the seed.
     uint hash = seed;
-    for (const QChar c : key.def) {
-        // The halves of a surrogate pair fold only together; all pairs hash alike.
-        const ushort folded = c.isSurrogate() ? ushort(0xD800) : c.toCaseFolded().unicode();
-        hash = hash * 31 + folded;
+    const QString& def = key.def;
+    for (int i = 0; i < def.size(); ++i) {
+        uint character = def.at(i).unicode();
+        const bool isPair =
+            def.at(i).isHighSurrogate() && i + 1 < def.size() && def.at(i + 1).isLowSurrogate();
+        if (isPair) {
+            character = QChar::surrogateToUcs4(def.at(i), def.at(i + 1));
+            ++i;
+        }
+        hash = (hash ^ QChar::toCaseFolded(character)) * 0x9E3779B1u;
+        hash ^= hash >> 15;
     }
     return hash;
 }

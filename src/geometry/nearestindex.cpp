@@ -16,8 +16,6 @@ NearestIndex::NearestIndex(const QVector<DefPoint>& points)
     : m_points(points)
     , m_hasNan(std::any_of(points.cbegin(), points.cend(), hasNan))
 {
-    if (m_hasNan)
-        return;
     collectSites();
     m_splitsByY.resize(m_sites.size());
     build({ 0, m_sites.size() });

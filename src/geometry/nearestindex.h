@@ -47,7 +47,8 @@ struct NearestSides {
 };
 
 /// Finds nearest points among points that do not change, with the answers of findNearestPoint at
-/// a cost that grows with the logarithm of their number, whatever their layout.
+/// a cost that grows with the logarithm of their number and with the number of places at exactly
+/// the smallest distance.
 ///
 /// A k-d tree over the distinct places. Points with a coordinate that is not a number leave no
 /// order to rely on: all queries then go to findNearestPoint itself.
@@ -63,6 +64,7 @@ public:
     /// Offers to `nearest` all points that could be the nearest one.
     void collect(NearestSides& nearest) const;
 
+    /// The points as given.
     const QVector<DefPoint>& points() const { return m_points; }
 
 private:

@@ -108,7 +108,7 @@ void PointCatalogue::clear()
 
 void PointCatalogue::arrange()
 {
-    QVector<DefPoint> points = m_sequence ? m_sequence->toVector() : std::move(m_points);
+    QVector<DefPoint> points = std::move(m_points);
     clear();
     sortPoints(points);
     mergeCoincident(points);
@@ -122,31 +122,25 @@ void PointCatalogue::giveUpOrder()
 {
     if (m_sequence)
         return;
+    QVector<DefPoint> sorted = m_points;
     if (m_arranged < m_points.size())
-        sortPoints(m_points);
-    m_sequence.emplace(m_points);
-    m_points.clear();
+        sortPoints(sorted);
+    m_sequence.emplace(sorted);
 }
 
 void PointCatalogue::insert(DefPoint point)
 {
     m_hasNan = m_hasNan || hasNan(point);
-    if (!m_hasNan) {
-        m_points.append(std::move(point));
-        return;
+    if (m_hasNan) {
+        giveUpOrder();
+        const auto isBefore = [&point](const DefPoint& other) { return other < point; };
+        m_sequence->insert(partitionIndex(*m_sequence, isBefore), point);
     }
-    giveUpOrder();
-    const auto isBefore = [&point](const DefPoint& other) { return other < point; };
-    m_sequence->insert(partitionIndex(*m_sequence, isBefore), point);
+    m_points.append(std::move(point));
 }
 
 const DefPoint* PointCatalogue::findCoincident(double x, double y)
 {
-    if (m_hasNan) {
-        giveUpOrder();
-        const DefPoint* nearest = findNearestIn(*m_sequence, QPointF(x, y));
-        return nearest && coincide(nearest->x, nearest->y, x, y) ? nearest : nullptr;
-    }
     if (!std::isfinite(x) || !std::isfinite(y))
         return nullptr;
 
@@ -158,8 +152,18 @@ const DefPoint* PointCatalogue::findCoincident(double x, double y)
         for (const quint64 cellY : rows)
             visitCell(cellHash(cellX, cellY), nearest);
     }
-    const DefPoint* point = nearest.isTie() ? firstInOrder(nearest) : nearest.single();
+    if (!nearest.left && !nearest.right)
+        return nullptr;
+    const DefPoint* point = bestOf(nearest);
     return point && coincide(point->x, point->y, x, y) ? point : nullptr;
+}
+
+const DefPoint* PointCatalogue::bestOf(const NearestSides& nearest)
+{
+    if (!m_hasNan)
+        return nearest.isTie() ? firstInOrder(nearest) : nearest.single();
+    giveUpOrder();
+    return findNearestIn(*m_sequence, QPointF(nearest.x, nearest.y));
 }
 
 void PointCatalogue::catchUp()

@@ -26,23 +26,25 @@ void mergeCoincident(QVector<DefPoint>& points);
 /// the layout of the points. Points are kept in the order in which they came and found through
 /// a hash of square cells. Where many points share a cell, a k-d tree serves them. Ties between
 /// equal distances are decided by an ordered set that is built when the first one is met. Once
-/// a coordinate is not a number the order of points is lost; the catalogue then becomes what that
-/// vector would be, and is searched step by step.
+/// a coordinate is not a number the order of points is lost: where a point is near, what that
+/// vector would be is then searched step by step, at the cost of such a search.
 class PointCatalogue {
 public:
     PointCatalogue();
 
+    /// Drops all points.
     void clear();
-    bool isEmpty() const { return size() == 0; }
-    int size() const { return m_sequence ? m_sequence->size() : m_points.size(); }
+    bool isEmpty() const { return m_points.isEmpty(); }
+    int size() const { return m_points.size(); }
 
     /// Adds a point without regard to order; to be followed by arrange().
     void append(const DefPoint& point) { m_points.append(point); }
     /// Sorts the points and merges those that coincide.
     void arrange();
-    /// The point at `index`, zero-based; after arrange() in the ordering of DefPoint. Points that
-    /// were inserted since have no index.
+    /// The point at `index`, zero-based: arranged points in their order, then the others as they
+    /// came.
     const DefPoint& at(int index) const { return m_points.at(index); }
+    /// Names the point at `index`; to be called before points are inserted.
     void setDef(int index, const QString& def) { m_points[index].def = def; }
 
     /// The point nearest to (x, y) if it coincides with that place, else null. The pointer holds
@@ -69,6 +71,7 @@ private:
     void rehash(size_t slotCount);
     Slot& slotOf(quint64 cell);
     void visitCell(quint64 cell, NearestSides& nearest);
+    const DefPoint* bestOf(const NearestSides& nearest);
     const DefPoint* firstInOrder(const NearestSides& tie);
 
     QVector<DefPoint> m_points;

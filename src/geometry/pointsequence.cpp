@@ -54,14 +54,3 @@ void PointSequence::splitBlock(size_t block)
     m_starts.insert(m_starts.begin() + next, m_starts[block] + half);
     m_blocks.insert(m_blocks.begin() + next, std::move(rest));
 }
-
-QVector<DefPoint> PointSequence::toVector() const
-{
-    QVector<DefPoint> points;
-    points.reserve(m_size);
-    for (const std::vector<DefPoint>& block : m_blocks) {
-        for (const DefPoint& point : block)
-            points.append(point);
-    }
-    return points;
-}

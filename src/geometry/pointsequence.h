@@ -16,7 +16,6 @@ public:
     const DefPoint& at(int index) const;
     /// Inserts `point` before the one at `index`, or at the end.
     void insert(int index, const DefPoint& point);
-    QVector<DefPoint> toVector() const;
 
 private:
     size_t blockOf(int index) const;

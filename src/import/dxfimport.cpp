@@ -34,6 +34,18 @@ bool isPointDef(const QString& def)
     return it != end && std::all_of(it, end, isDigit);
 }
 
+/// `text` with every `escape` replaced by `symbol`, at a cost in step with its length.
+QString withSymbol(const QString& text, QLatin1String escape, QChar symbol)
+{
+    QString result;
+    int start = 0;
+    for (int hit = text.indexOf(escape); hit >= 0; hit = text.indexOf(escape, start)) {
+        result.append(QStringView(text).mid(start, hit - start)).append(symbol);
+        start = hit + escape.size();
+    }
+    return start == 0 ? text : result.append(QStringView(text).mid(start));
+}
+
 /// The number of a %%nnn escape at the start of `text`, or -1.
 int escapedByte(QStringView text)
 {
@@ -72,8 +84,7 @@ bool DxfImport::readCodeValue()
     code = in.readLine().trimmed();
     if (code.isEmpty())
         return false;
-    m_valueLine = in.readLine();
-    value = m_valueLine.trimmed();
+    value = in.readLine().trimmed();
     return true;
 }
 
@@ -100,10 +111,9 @@ QString DxfImport::decodeText(const QString& text) const
     if (!text.contains(QLatin1String("%%")))
         return text;
 
-    QString symbols = text;
-    symbols.replace(QLatin1String("%%d"), QString(QChar(0x00B0)));
-    symbols.replace(QLatin1String("%%p"), QString(QChar(0x00B1)));
-    symbols.replace(QLatin1String("%%c"), QString(QChar(0x00D8)));
+    QString symbols = withSymbol(text, QLatin1String("%%d"), QChar(0x00B0));
+    symbols = withSymbol(symbols, QLatin1String("%%p"), QChar(0x00B1));
+    symbols = withSymbol(symbols, QLatin1String("%%c"), QChar(0x00D8));
     if (!symbols.isValidUtf16())
         return symbols;
 
@@ -182,8 +192,7 @@ bool DxfImport::readText()
         }
         if (code == QLatin1String("1")) {
             hasText = true;
-            const QString untrimmed = m_valueLine.toString();
-            text = untrimmed.trimmed();
+            text = value.toString();
         } else if (code == QLatin1String("10")) {
             x.read(value);
         } else if (code == QLatin1String("20")) {
@@ -305,24 +314,23 @@ bool DxfImport::closeContour(bool closed)
 bool DxfImport::scanEntities(EntityReceiver receive)
 {
     bool inEntities = false;
-    while (!in.atEnd()) {
-        bool ok = readCodeValue();
-        if (ok && code == entityCode) {
-            if (value == QLatin1String("SECTION")) {
-                ok = readCodeValue();
-                inEntities = value == QLatin1String("ENTITIES");
-            } else if (inEntities) {
-                ok = (this->*receive)();
-            }
-        }
-        if (!ok) {
-            report(QStringLiteral("Ошибка чтения DXF файла в строке: %1"), in.lineNum());
-            return false;
+    bool ok = true;
+    while (ok && !in.atEnd()) {
+        ok = readCodeValue();
+        if (!ok || code != entityCode)
+            continue;
+        if (value == QLatin1String("SECTION")) {
+            ok = readCodeValue();
+            inEntities = value == QLatin1String("ENTITIES");
+        } else if (inEntities) {
+            ok = (this->*receive)();
         }
     }
     if (unread)
         keepPair();
-    return true;
+    if (!ok)
+        report(QStringLiteral("Ошибка чтения DXF файла в строке: %1"), in.lineNum());
+    return ok;
 }
 
 bool DxfImport::receivePointOrText()
@@ -359,7 +367,7 @@ bool DxfImport::loadPoints()
 {
     if (!checkDxfFile())
         return false;
-    setTexts({}, false);
+    texts.clear();
     return scanEntities(&DxfImport::receivePointOrText);
 }
 
@@ -371,30 +379,27 @@ bool DxfImport::loadPolygons()
     if (searchObjectDefs) {
         const bool textsAreOfThisFile = searchPointDefs && pointFileName.isEmpty();
         if (!textsAreOfThisFile) {
-            setTexts({}, false);
+            texts.clear();
             loadTextsOnly();
         }
         filterObjectDefs();
+        indexTexts();
     }
     return scanEntities(&DxfImport::receivePolygon);
 }
 
 // Labels
 
-void DxfImport::setTexts(const QVector<DefPoint>& newTexts, bool sorted)
+void DxfImport::indexTexts()
 {
-    texts = newTexts;
-    m_textsSorted = sorted;
     m_textIndex.reset();
+    if (std::is_sorted(texts.cbegin(), texts.cend()))
+        m_textIndex.emplace(texts);
 }
 
-const DefPoint* DxfImport::findText(const QPointF& place)
+const DefPoint* DxfImport::findText(const QPointF& place) const
 {
-    if (!m_textsSorted)
-        return findNearestPoint(texts, place);
-    if (!m_textIndex)
-        m_textIndex.emplace(texts);
-    return m_textIndex->find(place);
+    return m_textIndex ? m_textIndex->find(place) : findNearestPoint(texts, place);
 }
 
 void DxfImport::updatePointsDefs()
@@ -402,7 +407,7 @@ void DxfImport::updatePointsDefs()
     if (points.isEmpty() || texts.isEmpty())
         return;
     sortPoints(texts);
-    setTexts(texts, true);
+    indexTexts();
     for (int i = 0; i < points.size(); ++i) {
         const DefPoint& point = points.at(i);
         if (const DefPoint* text = findText(QPointF(point.x, point.y)))
@@ -415,7 +420,6 @@ bool DxfImport::loadTextsOnly()
     if (!scanEntities(&DxfImport::receiveText))
         return false;
     sortPoints(texts);
-    setTexts(texts, true);
     resetInFileStream();
     return true;
 }
@@ -426,7 +430,7 @@ void DxfImport::filterObjectDefs()
     std::copy_if(texts.cbegin(), texts.cend(), std::back_inserter(objectTexts),
         [](const DefPoint& text) { return !isPointDef(text.def); });
     if (!objectTexts.isEmpty())
-        setTexts(objectTexts, m_textsSorted);
+        texts = objectTexts;
 }
 
 void DxfImport::updateLastPolygonDef()

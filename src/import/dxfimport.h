@@ -71,12 +71,10 @@ private:
         const std::array<QLatin1String, Count>& codes, std::array<double, Count>& coordinates);
     void keepPair();
     bool closeContour(bool closed);
-    const DefPoint* findText(const QPointF& place);
-    void setTexts(const QVector<DefPoint>& newTexts, bool sorted);
+    void indexTexts();
+    const DefPoint* findText(const QPointF& place) const;
 
-    QStringView m_valueLine; ///< the value of the current pair as it stands in the file
     QString m_keptCode; ///< hold the current pair where it outlives its file
     QString m_keptValue;
-    bool m_textsSorted = false;
-    std::optional<NearestIndex> m_textIndex; ///< over sorted `texts`, made for the first search
+    std::optional<NearestIndex> m_textIndex; ///< over `texts`, where they are sorted
 };

@@ -9,11 +9,6 @@ constexpr int chunkSize = 16384;
 /// No text codec leaves more bytes than this undecoded at the end of a file.
 constexpr qint64 longestSequence = 8;
 
-QStringView withoutCarriageReturn(QStringView line)
-{
-    return line.endsWith(QLatin1Char('\r')) ? line.chopped(1) : line;
-}
-
 } // namespace
 
 bool LineReader::open(const QString& fileName, QTextCodec* codec)
@@ -66,7 +61,7 @@ QStringView LineReader::readLine()
     if (length < 0)
         return readLineAcrossChunks();
     m_pos += static_cast<int>(length) + 1;
-    return withoutCarriageReturn(rest.left(length));
+    return rest.left(length);
 }
 
 QStringView LineReader::readLineByLine()
@@ -85,11 +80,11 @@ QStringView LineReader::readLineAcrossChunks()
         m_chunk = m_in.read(chunkSize);
         m_pos = 0;
         if (m_chunk.isEmpty())
-            return m_line.isEmpty() ? QStringView() : withoutCarriageReturn(m_line);
+            return m_line.isEmpty() ? QStringView() : QStringView(m_line);
         const int length = m_chunk.indexOf(QLatin1Char('\n'));
         m_pos = length < 0 ? m_chunk.size() : length + 1;
         m_line.append(QStringView(m_chunk).left(length < 0 ? m_chunk.size() : length));
         if (length >= 0)
-            return withoutCarriageReturn(m_line);
+            return m_line;
     }
 }

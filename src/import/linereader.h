@@ -10,12 +10,13 @@ class QTextCodec;
 /// Reads a text file line by line: the lines and ends that QTextStream::readLine() and atEnd()
 /// give, without a string per line. Owns the position in the file and the line number.
 ///
-/// Lines end with a line feed, with or without a carriage return before it. A byte-order mark
-/// overrides the codec, as QTextStream has it.
+/// Lines end with a line feed; carriage returns do not count. A byte-order mark overrides the
+/// codec. Both are QTextStream's ways with text.
 class LineReader {
 public:
     /// Opens a file for reading as text. False when it cannot be opened; nothing is reported.
     bool open(const QString& fileName, QTextCodec* codec);
+    /// Closes the file; the last lines stay valid.
     void close();
     bool isOpen() const { return m_file.isOpen(); }
     /// The name last given to open().

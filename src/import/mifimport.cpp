@@ -206,8 +206,7 @@ bool MifImport::scanObjects(ObjectHandler handle)
     bool inData = false;
     while (!in.atEnd() && !inData) {
         readTokenizeMifLine(false);
-        inData =
-            QStringView(line).trimmed().compare(QLatin1String("DATA"), Qt::CaseInsensitive) == 0;
+        inData = line.compare(QLatin1String("DATA"), Qt::CaseInsensitive) == 0;
     }
     while (!in.atEnd()) {
         line = in.readLine();

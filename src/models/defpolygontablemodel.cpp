@@ -8,6 +8,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <limits>
 
 double DefPolygonTableModel::s_coordPrecision = 0.01;
 
@@ -73,14 +74,20 @@ void DefPolygonTableModel::setNxyColNum(int n, int x, int y)
     m_nColNum = n;
     m_xColNum = x;
     m_yColNum = y;
-    m_maxColNum = std::max({ m_maxColNum, n, x, y });
+    widenTo(std::max({ n, x, y }));
 }
 
 void DefPolygonTableModel::setFieldNumValueMap(const QMap<int, QString>& fields)
 {
     m_fieldNumValueMap = fields;
     if (!fields.isEmpty())
-        m_maxColNum = std::max(m_maxColNum, fields.lastKey());
+        widenTo(fields.lastKey());
+}
+
+void DefPolygonTableModel::widenTo(int column)
+{
+    // The number of columns, one more than this, must still be an int.
+    m_maxColNum = std::max(m_maxColNum, std::min(column, std::numeric_limits<int>::max() - 1));
 }
 
 int DefPolygonTableModel::rowCount(const QModelIndex& parent) const

@@ -32,6 +32,7 @@ public:
     /// catalogues; values that are not greater than 0 are ignored. Once coordinates have been
     /// shown with decimals, their number stays for the rest of the process.
     static void setCoordPrecision(double precision);
+    /// The precision last set.
     static double coordPrecision();
 
     /// Shows `polygon`, which stays the caller's and must outlive its use here; null for none.
@@ -60,6 +61,7 @@ private:
         int pointIndex; ///< -1 on a separator row
     };
 
+    void widenTo(int column);
     const DefPoint* pointAt(int row) const;
     QString cellText(const DefPoint& point, int column, bool userLocale) const;
     QVariant background(int row) const;
@@ -71,7 +73,7 @@ private:
     int m_maxColNum = 2;
     QVector<RowInfo> m_rows;
     QMap<int, QString> m_fieldNumValueMap;
-    mutable QBitArray m_conflicts; ///< a bit a row; empty until asked for after a change
+    mutable QBitArray m_conflicts; ///< a bit a vertex; empty until asked for after a change
 
     static double s_coordPrecision;
 };
