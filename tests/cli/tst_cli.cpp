@@ -60,7 +60,7 @@ QString writeLargeMif(const Files& files)
 {
     QByteArray mif = mifHeader;
     QByteArray mid;
-    for (int i = 0; i < 80000; ++i) {
+    for (int i = 0; i < 240000; ++i) {
         const QByteArray x = QByteArray::number(i * 10);
         mif += "Region 1\n5\n" + x + " 0\n" + x + " 5\n" + x + ".5 5\n" + x + ".5 0\n" + x + " 0\n";
         mid += "a\n";
