@@ -6,6 +6,7 @@ packages=(
     g++ make cmake qtbase5-dev
     binutils           # readelf and nm look at the plug-in's symbols
     xvfb xauth         # one test shows the dialog on a real window system
+    man-db             # a test formats the manual page
     locales            # the tests run under the Russian locale, too
     fonts-dejavu-core  # the screenshots need Cyrillic letters
     qttranslations5-l10n  # the buttons that Qt letters itself

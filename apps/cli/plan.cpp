@@ -22,7 +22,7 @@ QList<QCommandLineOption> planOptions()
             QStringLiteral("Файл рисунка; вид рисунка - по расширению."),
             QStringLiteral("ФАЙЛ.svg|ФАЙЛ.png") },
         { QStringLiteral("size"),
-            QStringLiteral("Ширина и высота рисунка в точках; без параметра - 1600x1200."),
+            QStringLiteral("Ширина и высота рисунка в пикселях; без параметра - 1600x1200."),
             QStringLiteral("ШxВ"), QStringLiteral("1600x1200") },
         { QStringLiteral("partial"),
             QStringLiteral("Нарисовать и то, что прочитано до ошибки импорта.") },

@@ -524,6 +524,8 @@ private slots:
     void progressOnATerminal()
     {
         const Folder folder;
+        if (runShell(QStringLiteral("script -qec true /dev/null"), folder.path()).status != 0)
+            QSKIP("no pseudo-terminal can be had here");
         const CommandRun run =
             runShell(QStringLiteral(
                          "script -qec '$CLI convert parcels.mif points.mif --out-dir .' /dev/null"),
@@ -594,6 +596,12 @@ private slots:
         row("mtext", "a.dxf",
             drawing("0\nMTEXT\n10\n0\n20\n0\n1\nA\n0\nLINE\n10\n0\n20\n0\n11\n1\n21\n1\n"), "",
             "Разбейте надписи MTEXT на строки TEXT (команда EXPLODE) и сохраните чертёж заново.");
+        row("unsorted-texts", "a.dxf",
+            drawing("0\nTEXT\n10\n5\n20\n0\n1\nA\n0\nTEXT\n10\n0\n20\n0\n1\nB\n"
+                    "0\nLINE\n10\n0\n20\n0\n11\n1\n21\n1\n"),
+            "",
+            "Отключите поиск обозначений точек (--search-points off) или укажите файл точек "
+            "(--points).");
         row("closed-flag", "a.dxf",
             drawing("0\nPOLYLINE\n70\n129\n0\nVERTEX\n10\n0\n20\n0\n0\nVERTEX\n10\n9\n20\n0\n"
                     "0\nSEQEND\n"),

@@ -97,6 +97,9 @@ private slots:
         row("MTEXT alone", drawing(line + "0\nMTEXT\n10\n0\n20\n0\n1\nA\n"), "mtext 0 1 []");
         row("MTEXT beside TEXT", drawing(line + "0\nMTEXT\n1\nA\n0\nTEXT\n10\n0\n20\n0\n1\nA\n"),
             "");
+        const QByteArray texts = "0\nTEXT\n10\n5\n20\n0\n1\nA\n0\nTEXT\n10\n0\n20\n0\n1\nB\n";
+        row("texts without points", drawing(line + texts), "unsorted-texts 0 2 []");
+        row("texts beside a point", drawing(line + texts + "0\nPOINT\n10\n0\n20\n0\n"), "");
         row("closed by 1", drawing(polyline("1")), "");
         row("open", drawing(polyline("128")), "");
         row("closed by 129", drawing(polyline("129")), "closed-flag 12 1 [129]");

@@ -12,6 +12,7 @@ enum class Cause {
     NotDxf,
     BlockInsertsOnly,
     MTextOnly,
+    UnsortedTexts, ///< no point-like entity: texts stay in the order of the file
     ClosedFlag,
     Bulges,
     MifHeader,

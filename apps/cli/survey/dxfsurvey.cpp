@@ -367,6 +367,15 @@ private:
         return found == m_survey.kinds.end() ? 0 : found->second.count;
     }
 
+    /// The texts are sorted only to name points, or when they are read for the objects alone.
+    bool leavesTextsUnsorted() const
+    {
+        const qint64 points =
+            countOf("POINT") + countOf("INSERT") + countOf("CIRCLE") + countOf("ELLIPSE");
+        return m_options.readsPoints && m_options.readsObjects && m_options.searchPointDefs
+            && m_options.searchObjectDefs && points == 0 && countOf("TEXT") > 1;
+    }
+
     void judgeKinds()
     {
         const qint64 contours = countOf("LINE") + countOf("POLYLINE") + countOf("LWPOLYLINE");
@@ -376,6 +385,8 @@ private:
             if (countOf("MTEXT") > 0 && countOf("TEXT") == 0)
                 addCause(Cause::MTextOnly, 0, {}, countOf("MTEXT"));
         }
+        if (contours > 0 && leavesTextsUnsorted())
+            addCause(Cause::UnsortedTexts, 0, {}, countOf("TEXT"));
         if (m_openedByFlag > 0)
             addCause(Cause::ClosedFlag, m_firstFlagsLine, m_firstFlags, m_openedByFlag);
         if (m_bulges > 0)
