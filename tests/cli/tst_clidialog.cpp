@@ -1,7 +1,7 @@
 #include "commandrun.h"
-#include "dialogdriver.h"
 #include "importgeometryinterface.h"
-#include "stricttest.h"
+#include "support/dialogdriver.h"
+#include "support/stricttest.h"
 #include "support/tempfiles.h"
 
 #include <QPluginLoader>

@@ -1,13 +1,6 @@
 #include "samplefiles.h"
 
-#include <QFile>
-
-void writeFile(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("Cannot write %s", qPrintable(path));
-}
+#include "support/tempfiles.h"
 
 QByteArray mifText(const QByteArray& objects)
 {

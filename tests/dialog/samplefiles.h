@@ -3,9 +3,6 @@
 #include <QByteArray>
 #include <QString>
 
-/// Writes a whole file; ends the program when that fails.
-void writeFile(const QString& path, const QByteArray& content);
-
 /// The text of a MIF file with these objects, for a MID file with commas.
 QByteArray mifText(const QByteArray& objects);
 

@@ -1,6 +1,6 @@
 #include "dialog.h"
-#include "dialogdriver.h"
-#include "stricttest.h"
+#include "support/dialogdriver.h"
+#include "support/stricttest.h"
 #include "ui_dialog.h"
 
 #include <QApplication>

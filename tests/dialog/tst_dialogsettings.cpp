@@ -1,7 +1,7 @@
 #include "dialog.h"
-#include "dialogdriver.h"
 #include "fieldnumvaluemap.h"
-#include "stricttest.h"
+#include "support/dialogdriver.h"
+#include "support/stricttest.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>

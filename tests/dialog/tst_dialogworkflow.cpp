@@ -1,8 +1,9 @@
 #include "dialog.h"
-#include "dialogdriver.h"
 #include "samplefiles.h"
-#include "status.h"
-#include "stricttest.h"
+#include "support/dialogdriver.h"
+#include "support/statuslog.h"
+#include "support/stricttest.h"
+#include "support/tempfiles.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
@@ -127,22 +128,20 @@ private:
     QTableView& tableView() const { return widget<QTableView>(*m_dialog, "tableView"); }
 
     std::unique_ptr<OwnStore> m_store;
-    std::unique_ptr<Messages> m_messages;
+    std::unique_ptr<StatusLog> m_messages;
     std::unique_ptr<Dialog> m_dialog;
 };
 
 void TestDialogWorkflow::init()
 {
     m_store = std::make_unique<OwnStore>();
-    m_messages = std::make_unique<Messages>();
-    setStatusFunc(&Messages::receive);
+    m_messages = std::make_unique<StatusLog>();
     useMode(false);
 }
 
 void TestDialogWorkflow::cleanup()
 {
     m_dialog.reset();
-    setStatusFunc(nullptr);
     m_messages.reset();
     m_store.reset();
     QVERIFY(!QGuiApplication::overrideCursor());
@@ -192,7 +191,7 @@ void TestDialogWorkflow::startButtonNeedsAFileName()
 void TestDialogWorkflow::startDoesNothingWithoutAFileName()
 {
     click(*m_dialog, "startButton");
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
     QVERIFY(!listView().model());
 }
 
@@ -320,7 +319,7 @@ void TestDialogWorkflow::fileDialogStartsAtTheLastFile()
 void TestDialogWorkflow::importShowsTheFirstObject()
 {
     start(writePlan());
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
     QCOMPARE(objects(), list("ЗУ2 ЗУ1"));
     QCOMPARE(catalogue(), planCatalogue());
     QVERIFY(!listView().currentIndex().isValid());
@@ -377,7 +376,7 @@ void TestDialogWorkflow::importOptions()
         defs.append(row.section(QLatin1Char('|'), 0, 0));
     QCOMPARE(defs, points);
     QTEST(objects(), "objects");
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
 }
 
 void TestDialogWorkflow::pointFileIsUsedOnlyWhenAsked()
@@ -401,10 +400,10 @@ void TestDialogWorkflow::pointFileIsUsedOnlyWhenAsked()
 
     const QString missing = m_store->path(QStringLiteral("no such file.mif"));
     type(*m_dialog, "pointFileNameEdit", missing);
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
     start(plan);
     QCOMPARE(
-        m_messages->texts(), QStringList{ QStringLiteral("Ошибка открытия файла ") + missing });
+        m_messages->messages(), QStringList{ QStringLiteral("Ошибка открытия файла ") + missing });
     QCOMPARE(catalogue(), list("н1|0.00|0.00 н2|10.00|0.00 н3|10.00|10.25 н1|0.00|0.00"));
 }
 
@@ -476,7 +475,7 @@ void TestDialogWorkflow::encodings()
         combo.setCurrentIndex(combo.findText(chosen));
     QCOMPARE(combo.currentText(), chosen);
     start(path + QStringLiteral(".mif"));
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
     QCOMPARE(objects(), QStringList{ def });
 }
 
@@ -487,7 +486,7 @@ void TestDialogWorkflow::dxf()
     widget<QComboBox>(*m_dialog, "encodingCombo").setCurrentText(QStringLiteral("UTF-8"));
     writeFile(fileName, squareDxf(true));
     start(fileName);
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
     QCOMPARE(objects(), list("ЗУ1"));
     QCOMPARE(
         catalogue(), list("1|0.00|0.00 2|100.00|0.00 3|100.00|100.00 4|0.00|100.00 1|0.00|0.00"));
@@ -538,7 +537,7 @@ void TestDialogWorkflow::unreadableFile()
     start(path);
     for (QString& message : messages)
         message = message.arg(path);
-    QCOMPARE(m_messages->texts(), messages);
+    QCOMPARE(m_messages->messages(), messages);
     // Nothing was ever shown, so the views are as the form has them.
     QVERIFY(!listView().model());
     QVERIFY(!tableView().model());
@@ -552,7 +551,7 @@ void TestDialogWorkflow::objectsBeforeAnErrorStay()
     const QString path = m_store->path(QStringLiteral("broken"));
     writeMif(path, "Line 0 0 1 1\nPline 2\n5 5\nbroken\n", "");
     start(path + QStringLiteral(".mif"));
-    QCOMPARE(m_messages->texts(),
+    QCOMPARE(m_messages->messages(),
         list("Ошибка_чтения_полилинии_из_строки:_11")
             .replaceInStrings(QStringLiteral("_"), QStringLiteral(" ")));
     QCOMPARE(objects(), QStringList() << QStringLiteral(":ЗУ1") << QStringLiteral("-"));
@@ -593,7 +592,7 @@ void TestDialogWorkflow::nothingReadEmptiesBothModels()
     QSignalSpy listChanged(listed, &QAbstractItemModel::dataChanged);
     QSignalSpy tableChanged(shown, &QAbstractItemModel::dataChanged);
     start(m_store->path(QStringLiteral("missing.mif")));
-    QCOMPARE(m_messages->texts().size(), 2);
+    QCOMPARE(m_messages->messages().size(), 2);
     QCOMPARE(listView().model(), listed);
     QCOMPARE(tableView().model(), shown);
     QCOMPARE(objects(), QStringList());
@@ -680,7 +679,7 @@ void TestDialogWorkflow::sort()
 void TestDialogWorkflow::sortBeforeAnyImport()
 {
     click(*m_dialog, "sortButton");
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
     QVERIFY(!listView().model());
     start(writePlan());
     QCOMPARE(objects(), list("ЗУ2 ЗУ1"));
@@ -794,7 +793,7 @@ void TestDialogWorkflow::throwingCallback()
     start(path + QStringLiteral(".mif"));
     // Both passes met the collection and told it once.
     QCOMPARE(thrown, 2);
-    QCOMPARE(m_messages->texts().size(), 2);
+    QCOMPARE(m_messages->messages().size(), 2);
     QVERIFY(!QGuiApplication::overrideCursor());
     m_messages->then(nullptr);
     start(writePlan());
@@ -823,7 +822,7 @@ void TestDialogWorkflow::callbackThatLetsEventsIn()
     setChecked(*m_dialog, "searchPointDefsCheck", false);
     start(path + QStringLiteral(".mif"));
     QCOMPARE(calls, 1);
-    QCOMPARE(m_messages->texts(),
+    QCOMPARE(m_messages->messages(),
         QStringList{
             QStringLiteral("Ошибка в стоке 10. Коллекции в MIF файлах не поддерживаются.") });
     QCOMPARE(objects(), list("б а"));

@@ -1,7 +1,9 @@
-#include "dialogdriver.h"
 #include "hostinterface.h"
 #include "samplefiles.h"
-#include "stricttest.h"
+#include "support/dialogdriver.h"
+#include "support/messagelog.h"
+#include "support/stricttest.h"
+#include "support/tempfiles.h"
 
 #include <QGuiApplication>
 #include <QLineEdit>
@@ -59,7 +61,7 @@ private:
     QPluginLoader m_loader{ QStringLiteral(PLUGIN_PATH) };
     HostImport* m_import = nullptr;
     std::unique_ptr<OwnStore> m_store;
-    std::unique_ptr<Messages> m_messages;
+    std::unique_ptr<MessageLog> m_messages;
 };
 
 static const HostColumns columns{ 0, 1, 2, 0 };
@@ -69,7 +71,7 @@ static constexpr int stepLength = 20;
 void TestOutOfMemory::init()
 {
     m_store = std::make_unique<OwnStore>();
-    m_messages = std::make_unique<Messages>();
+    m_messages = std::make_unique<MessageLog>();
     m_import = qobject_cast<HostImport*>(m_loader.instance());
     QVERIFY(m_import);
 }
@@ -139,12 +141,12 @@ void TestOutOfMemory::whileImporting()
         clickOk(dialog);
     });
     const QString result = m_import->operation(QStringLiteral("Объекты из MIF"), QString(),
-        QString(), QString(), columns, &Messages::receive);
+        QString(), QString(), columns, &MessageLog::receive);
     QVERIFY(wasRefused);
     QVERIFY(!hasLeftTheSlot);
     QVERIFY(!result.isNull());
-    QCOMPARE(m_messages->texts().size(), 1);
-    QVERIFY(m_messages->texts().first().startsWith(QStringLiteral("Ошибка")));
+    QCOMPARE(m_messages->messages().size(), 1);
+    QVERIFY(m_messages->messages().first().startsWith(QStringLiteral("Ошибка")));
     if (!isAtTheStart) {
         QVERIFY(kept.size() > 1);
         QVERIFY(kept.size() < stepCount);
@@ -158,11 +160,11 @@ void TestOutOfMemory::whileOpeningTheDialog()
     const QString name = QStringLiteral("Объекты из MIF");
     refusedSize = 1;
     const QString result =
-        m_import->operation(name, QString(), QString(), QString(), columns, &Messages::receive);
+        m_import->operation(name, QString(), QString(), QString(), columns, &MessageLog::receive);
     QCOMPARE(refusedSize, size_t(0));
     QVERIFY(result.isNull());
-    QCOMPARE(m_messages->texts().size(), 1);
-    QVERIFY(m_messages->texts().first().startsWith(QStringLiteral("Ошибка")));
+    QCOMPARE(m_messages->messages().size(), 1);
+    QVERIFY(m_messages->messages().first().startsWith(QStringLiteral("Ошибка")));
 }
 
 QTEST_MAIN(TestOutOfMemory)

@@ -1,8 +1,10 @@
-#include "dialogdriver.h"
-#include "exampleresult.h"
 #include "hostinterface.h"
 #include "samplefiles.h"
-#include "stricttest.h"
+#include "support/dialogdriver.h"
+#include "support/exampleresult.h"
+#include "support/messagelog.h"
+#include "support/stricttest.h"
+#include "support/tempfiles.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -71,18 +73,18 @@ private slots:
 
 private:
     QString run(const QString& name, const std::function<void(QDialog&)>& drive,
-        const HostColumns& columns = { 0, 1, 2, 0 }, HostCallback callback = &Messages::receive);
+        const HostColumns& columns = { 0, 1, 2, 0 }, HostCallback callback = &MessageLog::receive);
 
     QPluginLoader m_loader{ QStringLiteral(PLUGIN_PATH) };
     HostImport* m_import = nullptr;
     std::unique_ptr<OwnStore> m_store;
-    std::unique_ptr<Messages> m_messages;
+    std::unique_ptr<MessageLog> m_messages;
 };
 
 void TestPlugin::init()
 {
     m_store = std::make_unique<OwnStore>();
-    m_messages = std::make_unique<Messages>();
+    m_messages = std::make_unique<MessageLog>();
     QVERIFY2(m_loader.instance(), qPrintable(m_loader.errorString()));
     m_import = qobject_cast<HostImport*>(m_loader.instance());
     QVERIFY(m_import);
@@ -197,9 +199,9 @@ void TestPlugin::unknownOperation()
 {
     QFETCH(QString, name);
     const QString result = m_import->operation(name, QStringLiteral("Контекст"), table, catalogue,
-        HostColumns{ 0, 1, 2, 0 }, &Messages::receive);
+        HostColumns{ 0, 1, 2, 0 }, &MessageLog::receive);
     QVERIFY(result.isNull());
-    QCOMPARE(m_messages->texts(), QStringList{ noOperation(name) });
+    QCOMPARE(m_messages->messages(), QStringList{ noOperation(name) });
     // The settings are saved in this case too.
     QCOMPARE(storedPrefix(), QStringLiteral("н"));
 }
@@ -209,7 +211,7 @@ void TestPlugin::unknownOperationWithoutCallback()
     const QString result = m_import->operation(
         QStringLiteral("?"), QString(), QString(), QString(), HostColumns{ 0, 1, 2, 0 }, nullptr);
     QVERIFY(result.isNull());
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
 }
 
 static int otherCalls = 0;
@@ -222,12 +224,12 @@ void TestPlugin::callbackOfTheLastCallCounts()
     m_import->operation(
         unknown, QString(), QString(), QString(), columns, [](const QString&) { ++otherCalls; });
     QCOMPARE(otherCalls, 1);
-    m_import->operation(unknown, QString(), QString(), QString(), columns, &Messages::receive);
+    m_import->operation(unknown, QString(), QString(), QString(), columns, &MessageLog::receive);
     QCOMPARE(otherCalls, 1);
-    QCOMPARE(m_messages->texts().size(), 1);
+    QCOMPARE(m_messages->messages().size(), 1);
     m_import->operation(unknown, QString(), QString(), QString(), columns, nullptr);
     QCOMPARE(otherCalls, 1);
-    QCOMPARE(m_messages->texts().size(), 1);
+    QCOMPARE(m_messages->messages().size(), 1);
 }
 
 void TestPlugin::rejected_data()
@@ -254,7 +256,7 @@ void TestPlugin::rejected()
         QVERIFY(!dialog.isVisible());
     });
     QVERIFY(result.isNull());
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
     QCOMPARE(storedPrefix(), QStringLiteral("после"));
 }
 
@@ -280,9 +282,9 @@ void TestPlugin::acceptedWithoutObjects()
         clickOk(dialog);
     });
     QCOMPARE(m_import->operation(name, QString(), QString(), QString(), HostColumns{ 0, 0, 0, 0 },
-                 &Messages::receive),
+                 &MessageLog::receive),
         QStringLiteral("\n<FormTable/>"));
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
 }
 
 void TestPlugin::dialogIsModalAndGoes()
@@ -326,7 +328,7 @@ void TestPlugin::modeFollowsTheName()
         clickOk(dialog);
     });
     QCOMPARE(filters, QStringList{ filter });
-    QCOMPARE(m_messages->texts(),
+    QCOMPARE(m_messages->messages(),
         QStringList{
             QStringLiteral("Ошибка. Файл %1 не соответствует формату %2").arg(path, format) });
 }
@@ -400,7 +402,7 @@ void TestPlugin::importWithoutCallback()
         },
         { 0, 1, 2, 0 }, nullptr);
     QCOMPARE(result, emptyTable);
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
 }
 
 void TestPlugin::cancelDuringAnImport()
@@ -414,7 +416,7 @@ void TestPlugin::cancelDuringAnImport()
         import(dialog, missing);
     });
     QVERIFY(result.isNull());
-    QCOMPARE(m_messages->texts().size(), 2);
+    QCOMPARE(m_messages->messages().size(), 2);
 }
 
 void TestPlugin::operationFromTheCallback()
@@ -426,7 +428,7 @@ void TestPlugin::operationFromTheCallback()
             m_messages->then(nullptr);
             nestedIsNull = m_import
                                ->operation(QStringLiteral("?"), QString(), QString(), QString(),
-                                   HostColumns{ 0, 1, 2, 0 }, &Messages::receive)
+                                   HostColumns{ 0, 1, 2, 0 }, &MessageLog::receive)
                                .isNull();
         });
         import(dialog, missing);
@@ -435,7 +437,7 @@ void TestPlugin::operationFromTheCallback()
     QCOMPARE(result, emptyTable);
     QVERIFY(nestedIsNull);
     const QString open = QStringLiteral("Ошибка открытия файла ") + missing;
-    QCOMPARE(m_messages->texts(), (QStringList{ open, noOperation(QStringLiteral("?")), open }));
+    QCOMPARE(m_messages->messages(), (QStringList{ open, noOperation(QStringLiteral("?")), open }));
 }
 
 void TestPlugin::settingsLiveOn()
@@ -469,7 +471,7 @@ void TestPlugin::resultFromMif()
         },
         { 0, 1, 2, 1 });
     QCOMPARE(result, exampleResult());
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
 }
 
 void TestPlugin::resultFromDxf()
@@ -495,7 +497,7 @@ void TestPlugin::resultFromDxf()
         + row("4", "0.00", "100.00") + row("1", "0.00", "0.00")
         + QStringLiteral("        </FormTable>\n    </Row>\n</FormTable>");
     QCOMPARE(result, expected);
-    QCOMPARE(m_messages->texts(), QStringList());
+    QCOMPARE(m_messages->messages(), QStringList());
 }
 
 QTEST_MAIN(TestPlugin)

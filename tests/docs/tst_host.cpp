@@ -1,7 +1,8 @@
+#include "support/tempfiles.h"
+
 #include <QFileInfo>
 #include <QImage>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QXmlStreamReader>
 
@@ -70,7 +71,6 @@ class TestHost : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() { QVERIFY(m_dir.isValid()); }
     void listsOperations();
     void namesUnknownOperation();
     void refusesWrongUse_data();
@@ -89,14 +89,14 @@ private:
     /// Runs an operation on a sample and returns the objects of its result.
     QVector<ResultObject> import(const QString& operation, const QStringList& arguments);
 
-    QTemporaryDir m_dir;
+    TempFiles m_files;
 };
 
 QString TestHost::run(const QStringList& arguments, int exitCode)
 {
     QProcess host;
     const QStringList always{ QStringLiteral("--auto"), QStringLiteral("--settings"),
-        m_dir.filePath(QLatin1String(QTest::currentTestFunction())) };
+        m_files.path(QLatin1String(QTest::currentTestFunction())) };
     host.start(QStringLiteral(HOST_PATH), always + arguments);
     if (!host.waitForFinished(60000))
         qFatal("the host does not end");
@@ -111,7 +111,7 @@ QString TestHost::run(const QStringList& arguments, int exitCode)
 
 QVector<ResultObject> TestHost::import(const QString& operation, const QStringList& arguments)
 {
-    const QString result = m_dir.filePath(QStringLiteral("result.xml"));
+    const QString result = m_files.path(QStringLiteral("result.xml"));
     run(QStringList{ QStringLiteral("--operation"), operation, QStringLiteral("--encoding"),
             QStringLiteral("Windows-1251"), QStringLiteral("-o"), result }
         + arguments);
@@ -146,7 +146,7 @@ void TestHost::refusesWrongUse_data()
     QTest::newRow("value without a widget")
         << QStringList{ QStringLiteral("--set"), QStringLiteral("=1") };
     QTest::newRow("no plug-in") << QStringList{ QStringLiteral("--library"),
-        m_dir.filePath(QStringLiteral("none.so")) };
+        m_files.path(QStringLiteral("none.so")) };
 }
 
 void TestHost::refusesWrongUse()
@@ -159,14 +159,14 @@ void TestHost::refusesWrongUse()
 void TestHost::reportsUnwritableOutput()
 {
     const QString output = run({ QStringLiteral("--operation"), dxfOperation, QStringLiteral("-o"),
-                                   m_dir.filePath(QStringLiteral("none/result.xml")) },
+                                   m_files.path(QStringLiteral("none/result.xml")) },
         1);
     QVERIFY(output.contains(QStringLiteral("Ошибка записи файла")));
 }
 
 void TestHost::passesMessagesOn()
 {
-    const QString file = m_dir.filePath(QStringLiteral("none.mif"));
+    const QString file = m_files.path(QStringLiteral("none.mif"));
     const QString output =
         run({ QStringLiteral("--operation"), mifOperation, QStringLiteral("--file"), file });
     QVERIFY(output.contains(QStringLiteral("Сообщение: Ошибка открытия файла %1\n").arg(file)));
@@ -174,7 +174,7 @@ void TestHost::passesMessagesOn()
 
 void TestHost::takesScreenshots()
 {
-    const QString dir = m_dir.filePath(QStringLiteral("pictures"));
+    const QString dir = m_files.path(QStringLiteral("pictures"));
     run({ QStringLiteral("--operation"), dxfOperation, QStringLiteral("--file"), sample("lots.dxf"),
         QStringLiteral("--screenshots"), dir });
     const QImage before(dir + QStringLiteral("/before.png"));

@@ -1,7 +1,8 @@
 #include "import/linereader.h"
 
+#include "support/tempfiles.h"
+
 #include <QRandomGenerator>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTextCodec>
 #include <QTextStream>
@@ -75,7 +76,6 @@ class TestLineReader : public QObject {
     Q_OBJECT
 
 private slots:
-    void init() { QVERIFY(m_dir.isValid()); }
     void sameLinesAsStream_data();
     void sameLinesAsStream();
     void randomFiles();
@@ -86,11 +86,7 @@ private slots:
 private:
     QString write(const QByteArray& content)
     {
-        const QString name = m_dir.filePath(QStringLiteral("lines.txt"));
-        QFile file(name);
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write %s", qPrintable(name));
-        return name;
+        return m_files.write(QStringLiteral("lines.txt"), content);
     }
     void compare(const QByteArray& content, const char* codecName)
     {
@@ -106,7 +102,7 @@ private:
         QCOMPARE(reader.lineNum(), int(actual.lines.size()));
     }
 
-    QTemporaryDir m_dir;
+    TempFiles m_files;
 };
 
 void TestLineReader::sameLinesAsStream_data()
@@ -204,9 +200,9 @@ void TestLineReader::rewindsAndCountsOn()
 void TestLineReader::reportsMissingFile()
 {
     LineReader reader;
-    QVERIFY(!reader.open(m_dir.filePath(QStringLiteral("absent")), QTextCodec::codecForLocale()));
+    QVERIFY(!reader.open(m_files.path(QStringLiteral("absent")), QTextCodec::codecForLocale()));
     QVERIFY(!reader.isOpen());
-    QVERIFY(!reader.open(m_dir.path(), QTextCodec::codecForLocale()));
+    QVERIFY(!reader.open(m_files.path(QString()), QTextCodec::codecForLocale()));
 }
 
 QTEST_GUILESS_MAIN(TestLineReader)

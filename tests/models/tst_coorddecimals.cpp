@@ -1,5 +1,5 @@
 #include "models/defpolygontablemodel.h"
-#include "stricttest.h"
+#include "support/stricttest.h"
 
 #include <QProcess>
 #include <QTest>

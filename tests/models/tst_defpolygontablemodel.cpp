@@ -4,7 +4,7 @@
 #include "modeledits.h"
 #include "modelsignals.h"
 #include "objects.h"
-#include "stricttest.h"
+#include "support/stricttest.h"
 
 #include <QAbstractItemModelTester>
 #include <QBrush>

@@ -1,9 +1,9 @@
 #include "resultwriter.h"
 
-#include "exampleresult.h"
 #include "models/defpolygontablemodel.h"
 #include "objects.h"
-#include "stricttest.h"
+#include "support/exampleresult.h"
+#include "support/stricttest.h"
 
 #include <QBuffer>
 #include <QTest>

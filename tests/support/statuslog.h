@@ -1,16 +1,10 @@
 #pragma once
 
-#include <QStringList>
+#include "support/messagelog.h"
 
-/// Records the messages that reach the status function while it lives; one at a time may live.
-class StatusLog {
+/// Records the messages that reach the status function while it lives.
+class StatusLog : public MessageLog {
 public:
     StatusLog();
     ~StatusLog();
-    StatusLog(const StatusLog&) = delete;
-    StatusLog& operator=(const StatusLog&) = delete;
-
-    QStringList messages() const;
-    /// The messages so far; the log then starts afresh.
-    QStringList take();
 };

@@ -2,6 +2,16 @@
 
 #include <QFile>
 
+void writeFile(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    // A new file in place of the old one: to overwrite would make some file systems wait for
+    // the disk.
+    file.remove();
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("Cannot write %s", qUtf8Printable(path));
+}
+
 TempFiles::TempFiles()
 {
     if (!m_folder.isValid())
@@ -15,13 +25,8 @@ QString TempFiles::path(const QString& name) const
 
 QString TempFiles::write(const QString& name, const QByteArray& content) const
 {
-    // A new file in place of the old one: to overwrite would make some file systems wait for
-    // the disk.
-    remove(name);
-    QFile file(path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("Cannot write %s", qUtf8Printable(file.fileName()));
-    return file.fileName();
+    writeFile(path(name), content);
+    return path(name);
 }
 
 void TempFiles::remove(const QString& name) const

@@ -4,6 +4,9 @@
 #include <QString>
 #include <QTemporaryDir>
 
+/// Writes a whole file in place of an older one, if there is any; ends the program when that fails.
+void writeFile(const QString& path, const QByteArray& content);
+
 /// A folder of files that vanishes with the object.
 class TempFiles {
 public:

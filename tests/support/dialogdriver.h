@@ -1,39 +1,17 @@
 #pragma once
 
+#include "support/tempfiles.h"
+
 #include <QAbstractItemModel>
 #include <QDialog>
 #include <QStringList>
-#include <QTemporaryDir>
 
 #include <functional>
 
-/// An empty settings store and folder for the time of one test.
-class OwnStore {
+/// An empty settings store, in a folder of its own, for the time of one test.
+class OwnStore : public TempFiles {
 public:
     OwnStore();
-
-    /// A file name in the folder.
-    QString path(const QString& name) const { return m_dir.filePath(name); }
-
-private:
-    QTemporaryDir m_dir;
-};
-
-/// Collects what the host's status callback is told. One at a time.
-class Messages {
-public:
-    Messages() { s_texts.clear(); }
-    ~Messages() { s_then = nullptr; }
-
-    /// The callback to hand to the plug-in.
-    static void receive(const QString& text);
-    QStringList texts() const { return s_texts; }
-    /// What to do after each further message.
-    void then(const std::function<void()>& action) { s_then = action; }
-
-private:
-    static QStringList s_texts;
-    static std::function<void()> s_then;
 };
 
 /// The widget of a dialog with the given object name; ends the program when there is none.

@@ -1,4 +1,4 @@
-#include "dialogdriver.h"
+#include "support/dialogdriver.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -18,18 +18,6 @@ OwnStore::OwnStore()
     QCoreApplication::setApplicationName(QStringLiteral("TestHost"));
     QSettings::setPath(
         QSettings::NativeFormat, QSettings::UserScope, path(QStringLiteral("store")));
-}
-
-QStringList Messages::s_texts;
-std::function<void()> Messages::s_then;
-
-void Messages::receive(const QString& text)
-{
-    s_texts.append(text);
-    // The action may replace itself.
-    const auto then = s_then;
-    if (then)
-        then();
 }
 
 static void clickButton(QAbstractButton* button)

@@ -1,4 +1,4 @@
-#include "stricttest.h"
+#include "support/stricttest.h"
 
 #include <QTest>
 
@@ -38,12 +38,4 @@ void StrictTest::initTestCase()
 void StrictTest::cleanupTestCase()
 {
     qInstallMessageHandler(testHandler);
-}
-
-// Qt's offscreen platform leaves its screen behind. The leak sanitizer, where the tests are built
-// with it, is told so.
-extern "C" Q_DECL_EXPORT const char* __lsan_default_suppressions()
-{
-    return "leak:libqoffscreen.so\n"
-           "leak:QScreen::QScreen\n";
 }
