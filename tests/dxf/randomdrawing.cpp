@@ -42,7 +42,7 @@ QString RandomDrawing::coordinate()
     case Places::Crowd:
         return QString::number(below(8) * 0.005, 'f', 3);
     case Places::Anywhere:
-        return QString::number(m_random.generateDouble() * 1000 - 500, 'f', below(20));
+        return QString::number(m_random.between(-500, 500), 'f', below(20));
     case Places::Strange:
         break;
     }

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "importrun.h"
-
-#include <QRandomGenerator>
+#include "support/importing.h"
+#include "support/random.h"
 
 /// Drawings made up at random: some are sound, many are not. The same seed gives the same ones.
 ///
@@ -24,7 +23,7 @@ public:
 private:
     enum class Places { Grid, FineGrid, Crowd, Anywhere, Strange };
 
-    int below(int bound) { return m_random.bounded(bound); }
+    int below(int bound) { return m_random.below(bound); }
     QString coordinate();
     QString label();
     void add(const char* code, const QString& value);
@@ -40,7 +39,7 @@ private:
     void addEntities(int count);
     void addSection(const char* name, int entityCount);
 
-    QRandomGenerator m_random;
+    Random m_random;
     Places m_places;
     bool m_withPoints;
     bool m_sound;

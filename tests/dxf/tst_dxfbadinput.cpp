@@ -1,5 +1,6 @@
 #include "drawing.h"
-#include "literaldxf.h"
+#include "importrun.h"
+#include "support/literaldxfimport.h"
 
 #include <QtTest>
 
@@ -23,9 +24,9 @@ QByteArray sampleBytes(const char* codecName)
 }
 
 /// What it gives when all designations are searched.
-const char* const sampleObjects = "ЗУ1: [1(0,0) 2(10,0) 1(10,10) 1(0,0)]; "
-                                  "Ø2: [2(20,0) 3(30,0) 4(30,10) 2(20,0)]; "
-                                  "ЗУ1: [1(0,0) 4(30,10)]";
+const char* const sampleObjects = "ЗУ1 [1 0 0; 2 10 0; 1 10 10; 1 0 0]; "
+                                  "Ø2 [2 20 0; 3 30 0; 4 30 10; 2 20 0]; "
+                                  "ЗУ1 [1 0 0; 4 30 10]";
 
 } // namespace
 
@@ -35,7 +36,7 @@ class TestDxfBadInput : public QObject {
     Q_OBJECT
 
 private:
-    TestFolder m_folder;
+    TempFiles m_folder;
 
     void importAllWays(const QByteArray& content, const QByteArray& encoding = "UTF-8")
     {
@@ -47,13 +48,14 @@ private:
             options.searchPointDefs = bits & 1;
             options.searchObjectDefs = bits & 2;
             const QString points = bits & 4 ? pointFile : QString();
-            const ImportOutcome outcome = importFiles(options, fileName, points);
+            const ImportOutcome outcome = importFiles<DxfImport>(options, fileName, points);
             // Only a reload of texts may fail without ending the import.
             if (!options.searchObjectDefs)
                 QCOMPARE(outcome.messages.isEmpty(), outcome.result);
             QVERIFY(outcome.result || !outcome.messages.isEmpty());
 
-            const ImportOutcome expected = importLiterally(options, fileName, points);
+            const ImportOutcome expected =
+                importFiles<literal::DxfImport>(options, fileName, points);
             QCOMPARE(outcome.messages, expected.messages);
             QCOMPARE(outcome.result, expected.result);
             QCOMPARE(describeAll(outcome.objects), describeAll(expected.objects));
@@ -66,7 +68,7 @@ private:
         options.searchPointDefs = true;
         options.searchObjectDefs = true;
         options.encoding = encoding;
-        return importFiles(options, m_folder.write(QStringLiteral("bad.dxf"), content));
+        return importFiles<DxfImport>(options, m_folder.write(QStringLiteral("bad.dxf"), content));
     }
 
     void checkRefused(const QByteArray& content, const QByteArray& encoding = "UTF-8")
@@ -174,24 +176,24 @@ void TestDxfBadInput::strangeValues_data()
         QTest::newRow(name) << drawing(entities) << QString::fromUtf8(objects) << errorLine;
     };
     // A place that is not finite is never found again, so that each vertex gets its number.
-    row("nan", "0 LINE, 10 nan, 20 1, 11 nan, 21 1", "1: [1(nan,1) 2(nan,1)]");
-    row("inf", "0 LINE, 10 inf, 20 1, 11 inf, 21 1", "1: [1(inf,1) 2(inf,1)]");
+    row("nan", "0 LINE, 10 nan, 20 1, 11 nan, 21 1", "1 [1 nan 1; 2 nan 1]");
+    row("inf", "0 LINE, 10 inf, 20 1, 11 inf, 21 1", "1 [1 inf 1; 2 inf 1]");
     row("nan in a closed contour is not the first vertex again",
-        "0 LWPOLYLINE, 90 2, 70 1, 10 nan, 20 1, 10 nan, 20 1", "1: [1(nan,1) 2(nan,1) 1(nan,1)]");
+        "0 LWPOLYLINE, 90 2, 70 1, 10 nan, 20 1, 10 nan, 20 1", "1 [1 nan 1; 2 nan 1; 1 nan 1]");
     row("vertices are found beside one that is nan",
         "0 LINE, 10 nan, 20 nan, 11 2, 21 1, 0 LINE, 10 2, 20 1, 11 3, 21 1",
-        "1: [1(nan,nan) 2(2,1)]; 2: [2(2,1) 3(3,1)]");
+        "1 [1 nan nan; 2 2 1]; 2 [2 2 1; 3 3 1]");
     row("too large for a double", "0 LINE, 10 1e400, 20 1, 11 2, 21 1", "", 14);
     row("largest double", "0 LINE, 10 1.7976931348623157e308, 20 0, 11 0, 21 -1e308",
-        "1: [1(1.7976931348623157e+308,0) 2(0,-1e+308)]");
+        "1 [1 1.7976931348623157e+308 0; 2 0 -1e+308]");
     row("hexadecimal", "0 LINE, 10 0x10, 20 1, 11 2, 21 1", "", 14);
     row("decimal comma", "0 LINE, 10 1,5, 20 1, 11 2, 21 1", "", 14);
     row("count of two thousand million", "0 LWPOLYLINE, 90 2000000000, 10 0, 20 0, 10 1, 20 1",
-        "<null>: [1(0,0) 2(1,1)]", 24);
-    row("least count", "0 LWPOLYLINE, 90 -2147483648, 10 0, 20 0, 10 1, 20 1", "<null>: []", 18);
+        "<null> [1 0 0; 2 1 1]", 24);
+    row("least count", "0 LWPOLYLINE, 90 -2147483648, 10 0, 20 0, 10 1, 20 1", "<null> []", 18);
     row("least count after the first vertex",
         "0 LWPOLYLINE, 90 2, 10 0, 20 0, 90 -2147483648, 10 1, 20 1, 10 2, 20 2",
-        "<null>: [1(0,0) 2(1,1) 3(2,2)]", 30);
+        "<null> [1 0 0; 2 1 1; 3 2 2]", 30);
 }
 
 void TestDxfBadInput::strangeValues()
@@ -276,11 +278,11 @@ void TestDxfBadInput::longLine()
     QByteArray content = encoded(openDrawing("0 ARC"));
     content += "8\n" + QByteArray(size, 'x') + '\n';
     content += encoded(pairs("0 LINE, 10 0, 20 0, 11 1, 21 1, 0 LINE, 10 x"));
-    const ImportOutcome outcome =
-        importFiles(ImportOptions(), m_folder.write(QStringLiteral("long.dxf"), content));
+    const ImportOutcome outcome = importFiles<DxfImport>(
+        ImportOptions(), m_folder.write(QStringLiteral("long.dxf"), content));
     QVERIFY(!outcome.result);
     QCOMPARE(outcome.messages, QStringList{ readError(28) });
-    QCOMPARE(describeAll(outcome.objects), QStringLiteral("1: [1(0,0) 2(1,1)]"));
+    QCOMPARE(describeAll(outcome.objects), QStringLiteral("1 [1 0 0; 2 1 1]"));
     QFile::remove(m_folder.path(QStringLiteral("long.dxf")));
 }
 

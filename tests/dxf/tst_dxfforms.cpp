@@ -129,22 +129,22 @@ void TestDxfForms::drawing_data()
     QTest::addColumn<QString>("numbered");
 
     const QString oldNamed =
-        QStringLiteral(":ЗУ1: [н1(1000,2000) н2(1100,2000) н3(1100,2050) 1(1000,2050) "
-                       "н1(1000,2000)]");
+        QStringLiteral(":ЗУ1 [н1 1000 2000; н2 1100 2000; н3 1100 2050; 1 1000 2050; "
+                       "н1 1000 2000]");
     const QString oldNumbered =
-        QStringLiteral("1: [1(1000,2000) 2(1100,2000) 3(1100,2050) 4(1000,2050) 1(1000,2000)]");
+        QStringLiteral("1 [1 1000 2000; 2 1100 2000; 3 1100 2050; 4 1000 2050; 1 1000 2000]");
     for (const char* encoding : { "IBM866", "Windows-1251", "UTF-8" }) {
         QTest::addRow("old drawing in %s", encoding)
             << oldDrawing() << QByteArray(encoding) << oldNamed << oldNumbered;
     }
 
     // The line lies below the label of the parcel as well: it takes that label too.
-    const QString laterNamed = QStringLiteral("50:21:0101Ø: [А1(10.5,20.25) 2(30.5,20.25) "
-                                              "1(30.5,30.25) 2(10.5,30.25) А1(10.5,20.25)]; "
-                                              "50:21:0101Ø: [2(30.5,20.25) А1(10.5,20.25)]");
-    const QString laterNumbered = QStringLiteral("1: [1(10.5,20.25) 2(30.5,20.25) 3(30.5,30.25) "
-                                                 "4(10.5,30.25) 1(10.5,20.25)]; "
-                                                 "2: [2(30.5,20.25) 1(10.5,20.25)]");
+    const QString laterNamed = QStringLiteral("50:21:0101Ø [А1 10.5 20.25; 2 30.5 20.25; "
+                                              "1 30.5 30.25; 2 10.5 30.25; А1 10.5 20.25]; "
+                                              "50:21:0101Ø [2 30.5 20.25; А1 10.5 20.25]");
+    const QString laterNumbered = QStringLiteral("1 [1 10.5 20.25; 2 30.5 20.25; 3 30.5 30.25; "
+                                                 "4 10.5 30.25; 1 10.5 20.25]; "
+                                                 "2 [2 30.5 20.25; 1 10.5 20.25]");
     for (const char* encoding : { "Windows-1251", "UTF-8" }) {
         QTest::addRow("later drawing in %s", encoding)
             << laterDrawing() << QByteArray(encoding) << laterNamed << laterNumbered;

@@ -1,40 +1,11 @@
 #include "drawing.h"
-#include "literaldxf.h"
+#include "importrun.h"
 #include "randomdrawing.h"
+#include "support/literaldxfimport.h"
 
 #include <QtTest>
 
-#include <cstring>
-
 namespace {
-
-bool sameNumber(double a, double b)
-{
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
-bool sameDefs(const QString& a, const QString& b)
-{
-    return a == b && a.isNull() == b.isNull();
-}
-
-bool sameContours(const QVector<DefPoint>& a, const QVector<DefPoint>& b)
-{
-    return std::equal(
-        a.begin(), a.end(), b.begin(), b.end(), [](const DefPoint& p, const DefPoint& q) {
-            return sameDefs(p.def, q.def) && sameNumber(p.x, q.x) && sameNumber(p.y, q.y);
-        });
-}
-
-bool sameObjects(const QVector<DefPolygon>& a, const QVector<DefPolygon>& b)
-{
-    return std::equal(
-        a.begin(), a.end(), b.begin(), b.end(), [](const DefPolygon& p, const DefPolygon& q) {
-            return sameDefs(p.def, q.def)
-                && std::equal(p.contours.begin(), p.contours.end(), q.contours.begin(),
-                    q.contours.end(), sameContours);
-        });
-}
 
 /// What a run over many drawings has met, to tell that the comparison was not an empty one.
 struct Census {
@@ -50,7 +21,7 @@ class TestDxfLiteral : public QObject {
     Q_OBJECT
 
 private:
-    TestFolder m_folder;
+    TempFiles m_folder;
     Census m_census;
 
     void compare(quint32 seed, const ImportOptions& options, bool ownPointFile)
@@ -58,8 +29,9 @@ private:
         const QString objectFile = m_folder.path(QStringLiteral("objects.dxf"));
         const QString pointFile =
             ownPointFile ? m_folder.path(QStringLiteral("points.dxf")) : QString();
-        const ImportOutcome expected = importLiterally(options, objectFile, pointFile);
-        const ImportOutcome actual = importFiles(options, objectFile, pointFile);
+        const ImportOutcome expected =
+            importFiles<literal::DxfImport>(options, objectFile, pointFile);
+        const ImportOutcome actual = importFiles<DxfImport>(options, objectFile, pointFile);
         m_census.objects += expected.objects.size();
         m_census.messages += expected.messages.size();
         m_census.accepted += expected.result ? 1 : 0;
@@ -187,7 +159,7 @@ void TestDxfLiteral::linesAcrossBlocks()
 /// A square around each place of a coarse grid, and texts at the same distance on all its sides.
 void TestDxfLiteral::tiesBetweenTextsOnACircle()
 {
-    QRandomGenerator random(7);
+    Random random(7);
     ImportOptions options;
     options.searchObjectDefs = true;
     for (quint32 round = 0; round < 300; ++round) {
@@ -199,17 +171,17 @@ void TestDxfLiteral::tiesBetweenTextsOnACircle()
         for (int i = 0; i < 60; ++i) {
             lines += pairs("0 TEXT");
             lines << QStringLiteral("1") << QStringLiteral("ЗУ-%1-").arg(i);
-            addNumber("10", random.bounded(9));
-            addNumber("20", random.bounded(9));
+            addNumber("10", random.below(9));
+            addNumber("20", random.below(9));
         }
         for (int i = 0; i < 20; ++i) {
-            const int x = random.bounded(8);
-            const int y = random.bounded(8);
+            const int x = random.below(8);
+            const int y = random.below(8);
             lines += pairs("0 LINE");
             addNumber("10", x);
             addNumber("20", y);
-            addNumber("11", x + 2 * random.bounded(2));
-            addNumber("21", y + 2 * random.bounded(2));
+            addNumber("11", x + 2 * random.below(2));
+            addNumber("21", y + 2 * random.below(2));
         }
         lines += pairs("0 POINT, 10 4, 20 4, 0 ENDSEC, 0 EOF");
         m_folder.write(QStringLiteral("objects.dxf"), encoded(lines));
@@ -259,15 +231,15 @@ void TestDxfLiteral::decodedTexts()
     OpenDxfImport import;
     import.setEncoding(codecName);
     QTextCodec* codec = QTextCodec::codecForName(codecName);
-    QRandomGenerator random(11);
+    Random random(11);
     int changed = 0;
     for (int round = 0; round < 100000; ++round) {
         QString text;
         // A lone surrogate, among the last pieces, spoils the whole text: keep it rare.
         const int kinds = round % 10 == 0 ? int(std::size(pieces)) : int(std::size(pieces)) - 2;
-        for (int count = random.bounded(12); count > 0; --count)
-            text += pieces[random.bounded(kinds)];
-        const QString expected = decodeLiterally(text, codec);
+        for (int count = random.below(12); count > 0; --count)
+            text += pieces[random.below(kinds)];
+        const QString expected = literal::decodeText(text, codec);
         const QString actual = import.decodeText(text);
         changed += expected != text ? 1 : 0;
         QCOMPARE(actual, expected);
@@ -285,16 +257,16 @@ void TestDxfLiteral::pointNumbers()
         QStringLiteral(" "), QStringLiteral("\n"), QStringLiteral("\u0663"), QString(QChar(0xDC00)),
         QString(QChar(0)) };
 
-    QRandomGenerator random(13);
+    Random random(13);
     int pointNumbers = 0;
     for (int round = 0; round < 50000; ++round) {
         QString def;
-        for (int count = random.bounded(5); count > 0; --count)
-            def += pieces[random.bounded(int(std::size(pieces)))];
+        for (int count = random.below(5); count > 0; --count)
+            def += pieces[random.below(int(std::size(pieces)))];
         OpenDxfImport import;
         import.texts = { DefPoint{ def, 0, 0 }, DefPoint { QStringLiteral("ЗУ"), 0, 0 } };
         import.filterObjectDefs();
-        const bool expected = isPointNumberLiterally(def);
+        const bool expected = literal::isPointNumber(def);
         pointNumbers += expected ? 1 : 0;
         QCOMPARE(import.texts.size(), expected ? 1 : 2);
     }

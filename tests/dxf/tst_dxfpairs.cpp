@@ -9,7 +9,7 @@ class TestDxfPairs : public QObject {
     Q_OBJECT
 
 private:
-    TestFolder m_folder;
+    TempFiles m_folder;
     OpenDxfImport* m_import = nullptr;
 
     void open(const QByteArray& content)
@@ -76,7 +76,7 @@ void TestDxfPairs::codeAndValueAreTrimmed()
 void TestDxfPairs::codeStaysText()
 {
     ImportOptions options;
-    const QString line = QStringLiteral("1: [1(1,2) 2(3,4)]");
+    const QString line = QStringLiteral("1 [1 1 2; 2 3 4]");
     const ImportOutcome outcome = importDrawing(options,
         drawing("0 LINE, 010 8, 10 1, +20 8, 20 2, 11.0 8, 11 3, 0x15 8, 21 4, "
                 "00 LINE, 0 Line, 0 line, 0 LINE2"));
@@ -151,13 +151,13 @@ void TestDxfPairs::unreadHandsBackTheSamePairOnce()
 
 void TestDxfPairs::headerSectionIsAccepted()
 {
-    const MessageCollector collector;
+    const StatusLog log;
     open("  0 \n SECTION\n\t2\nHEADER  \n9\n$ACADVER\n");
     QVERIFY(m_import->checkDxfFile());
     QCOMPARE(m_import->lineNum(), 4);
     QVERIFY(m_import->readCodeValue());
     QCOMPARE(pair(), QStringLiteral("9|$ACADVER"));
-    QVERIFY(collector.messages().isEmpty());
+    QVERIFY(log.messages().isEmpty());
 }
 
 void TestDxfPairs::otherBeginningIsRefused_data()
@@ -189,7 +189,7 @@ void TestDxfPairs::otherBeginningIsRefused()
         ImportOptions options;
         options.searchPointDefs = searchPointDefs;
         options.searchObjectDefs = true;
-        const ImportOutcome outcome = importFiles(options, fileName);
+        const ImportOutcome outcome = importFiles<DxfImport>(options, fileName);
         QVERIFY(!outcome.result);
         QCOMPARE(outcome.messages, QStringList{ formatError(fileName) });
         QVERIFY(outcome.objects.isEmpty());
@@ -203,7 +203,7 @@ void TestDxfPairs::refusedPointFileIsNamed()
     const QString pointFile = m_folder.write(QStringLiteral("bad.dxf"), "0\nEOF\n");
     ImportOptions options;
     options.searchPointDefs = true;
-    const ImportOutcome outcome = importFiles(options, objectFile, pointFile);
+    const ImportOutcome outcome = importFiles<DxfImport>(options, objectFile, pointFile);
     QVERIFY(!outcome.result);
     QCOMPARE(outcome.messages, QStringList{ formatError(pointFile) });
     QVERIFY(outcome.objects.isEmpty());
@@ -212,7 +212,7 @@ void TestDxfPairs::refusedPointFileIsNamed()
 void TestDxfPairs::refusalShowsAFileNameThatLooksLikeAPlaceholder()
 {
     const QString fileName = m_folder.write(QStringLiteral("план %1.dxf"), "0\nEOF\n");
-    const ImportOutcome outcome = importFiles(ImportOptions(), fileName);
+    const ImportOutcome outcome = importFiles<DxfImport>(ImportOptions(), fileName);
     QCOMPARE(outcome.messages,
         QStringList{ QStringLiteral("Ошибка. Файл %1 не соответствует формату DXF")
                          .replace(QStringLiteral("%1"), QDir::toNativeSeparators(fileName)) });

@@ -1,15 +1,10 @@
 #include "drawing.h"
 #include "importgeometryinterface.h"
 #include "importrun.h"
+#include "support/dialogdriver.h"
+#include "support/stricttest.h"
 
-#include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDialog>
-#include <QLineEdit>
 #include <QPluginLoader>
-#include <QPushButton>
-#include <QTimer>
 #include <QtTest>
 
 namespace {
@@ -18,13 +13,6 @@ struct Object {
     const char* def;
     QList<const char*> vertices; ///< "def x y"
 };
-
-QStringList s_messages;
-
-void receiveMessage(const QString& message)
-{
-    s_messages << message;
-}
 
 /// A point without a designation has an empty cell in its place.
 QString cell(const QString& text)
@@ -80,58 +68,50 @@ QByteArray drawingOf(std::initializer_list<const char*> parts)
 Q_DECLARE_METATYPE(QList<Object>)
 
 /// What the host receives of a drawing, from its call of the plug-in to the text.
-class TestDxfResult : public QObject {
+class TestDxfResult : public StrictTest {
     Q_OBJECT
 
 private:
-    TestFolder m_folder;
+    const TempFiles m_folder;
     ImportGeometryInterface* m_plugin = nullptr;
 
     /// Fills in the dialog, has the files processed, and accepts the result.
-    void driveDialog(const QString& pointFile, bool searchPointDefs, bool searchObjectDefs)
+    void driveDialog(QDialog& dialog, const QString& pointFile, bool searchPointDefs,
+        bool searchObjectDefs) const
     {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        QVERIFY(dialog);
-        const auto edit = [dialog](const char* name) {
-            return dialog->findChild<QLineEdit*>(QLatin1String(name));
-        };
-        const auto check = [dialog](const char* name, bool checked) {
-            dialog->findChild<QCheckBox*>(QLatin1String(name))->setChecked(checked);
-        };
-        check("usePointFileCheck", !pointFile.isEmpty());
-        check("searchPointDefsCheck", searchPointDefs);
-        check("searchObjectDefsCheck", searchObjectDefs);
-        edit("pointPrefEdit")->clear();
-        edit("objectPrefEdit")->clear();
-        edit("objectFileNameEdit")->setText(m_folder.path(QStringLiteral("objects.dxf")));
-        edit("pointFileNameEdit")->setText(pointFile);
-        dialog->findChild<QComboBox*>(QStringLiteral("encodingCombo"))
-            ->setEditText(QStringLiteral("Windows-1251"));
-        dialog->findChild<QPushButton*>(QStringLiteral("startButton"))->click();
-        dialog->accept();
+        setChecked(dialog, "usePointFileCheck", !pointFile.isEmpty());
+        setChecked(dialog, "searchPointDefsCheck", searchPointDefs);
+        setChecked(dialog, "searchObjectDefsCheck", searchObjectDefs);
+        type(dialog, "pointPrefEdit", QString());
+        type(dialog, "objectPrefEdit", QString());
+        type(dialog, "objectFileNameEdit", m_folder.path(QStringLiteral("objects.dxf")));
+        if (!pointFile.isEmpty())
+            type(dialog, "pointFileNameEdit", pointFile);
+        type(dialog, "encodingCombo", QStringLiteral("Windows-1251"));
+        click(dialog, "startButton");
+        clickOk(dialog);
     }
 
     QString import(const QString& pointFile, bool searchPointDefs, bool searchObjectDefs)
     {
-        s_messages.clear();
-        QTimer::singleShot(
-            0, qApp, [=] { driveDialog(pointFile, searchPointDefs, searchObjectDefs); });
+        const OwnStore store;
+        driveModal([&](QDialog& dialog) {
+            driveDialog(dialog, pointFile, searchPointDefs, searchObjectDefs);
+        });
         return m_plugin->operation(QStringLiteral("Объекты из DXF"), QStringLiteral("Земли"),
             QStringLiteral("Участки"), QStringLiteral("Координаты"), GeometryInfo{ 0, 1, 2, 0 },
-            receiveMessage);
+            &MessageLog::receive);
     }
 
 private slots:
-    void initTestCase();
+    void init();
     void drawing_data();
     void drawing();
     void failedDrawingKeepsWhatWasRead();
 };
 
-void TestDxfResult::initTestCase()
+void TestDxfResult::init()
 {
-    QCoreApplication::setOrganizationName(QStringLiteral("TestOrganization"));
-    QCoreApplication::setApplicationName(QStringLiteral("TestDxfResult"));
     QPluginLoader loader(QStringLiteral(PLUGIN_PATH));
     m_plugin = qobject_cast<ImportGeometryInterface*>(loader.instance());
     QVERIFY2(m_plugin, qPrintable(loader.errorString()));
@@ -184,8 +164,9 @@ void TestDxfResult::drawing()
     const QString pointFile = pointDrawing.isEmpty()
         ? QString()
         : m_folder.write(QStringLiteral("points.dxf"), pointDrawing);
+    const MessageLog log;
     const QString result = import(pointFile, searchPointDefs, searchObjectDefs);
-    QCOMPARE(s_messages, QStringList());
+    QCOMPARE(log.messages(), QStringList());
     QCOMPARE(withoutLayout(result), resultOf(objects));
 }
 
@@ -193,9 +174,10 @@ void TestDxfResult::failedDrawingKeepsWhatWasRead()
 {
     m_folder.write(QStringLiteral("objects.dxf"),
         drawingOf({ "0 LINE, 10 0, 20 0, 11 1, 21 1, ", "0 LINE, 10 0, 20 abc, " }));
+    const MessageLog log;
     const QString result = import(QString(), false, false);
     // Ten lines of the start, ten of the first line, and six up to the bad number.
-    QCOMPARE(s_messages, QStringList{ readError(26) });
+    QCOMPARE(log.messages(), QStringList{ readError(26) });
     QCOMPARE(withoutLayout(result), resultOf({ { "1", { "1 0.00 0.00", "2 1.00 1.00" } } }));
 }
 

@@ -120,7 +120,7 @@ void TestDriver::passesAndFiles()
     QFETCH(bool, searchPointDefs);
     QFETCH(bool, separate);
     QFETCH(QString, expected);
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchPointDefs = searchPointDefs;
     ToyImport toy;
     prepare(toy, options, *m_files, objectFile, separate ? pointFile : QString());
@@ -140,7 +140,7 @@ void TestDriver::passesAndFiles()
 
 void TestDriver::linesAreCountedAnewInEachPass()
 {
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchPointDefs = true;
     ToyImport toy;
     prepare(toy, options, *m_files, objectFile);
@@ -181,7 +181,7 @@ void TestDriver::lastLines()
     QFETCH(QByteArray, content);
     m_files->write(objectFile, content);
     ToyImport toy;
-    prepare(toy, {}, *m_files, objectFile);
+    prepare(toy, prefixed(), *m_files, objectFile);
     QStringList seen;
     toy.objectPass = [&](ToyImport& t) {
         while (!t.in.atEnd())
@@ -213,9 +213,9 @@ void TestDriver::failuresToOpen_data()
     QTest::newRow("a folder as object file")
         << folder << pointFile << lines("true\n! Ошибка открытия файла folder");
     QTest::newRow("missing point file: the object pass runs")
-        << objectFile << none << lines("true\n! Ошибка открытия файла none.txt\n [т1 1 2]");
+        << objectFile << none << lines("true\n! Ошибка открытия файла none.txt\n<null> [т1 1 2]");
     QTest::newRow("a folder as point file")
-        << objectFile << folder << lines("true\n! Ошибка открытия файла folder\n [т1 1 2]");
+        << objectFile << folder << lines("true\n! Ошибка открытия файла folder\n<null> [т1 1 2]");
     QTest::newRow("both missing")
         << none << QStringLiteral("no.txt")
         << lines("true\n! Ошибка открытия файла no.txt\n! Ошибка открытия файла none.txt");
@@ -231,7 +231,7 @@ void TestDriver::failuresToOpen()
     QFETCH(QString, objects);
     QFETCH(QString, points);
     QVERIFY(QDir().mkdir(m_files->path(QStringLiteral("folder"))));
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchPointDefs = true;
     ToyImport toy;
     prepare(toy, options, *m_files, objects, points);
@@ -245,7 +245,7 @@ void TestDriver::failuresToOpen()
 void TestDriver::silentWithoutAStatusFunction()
 {
     ToyImport toy;
-    prepare(toy, {}, *m_files, QStringLiteral("none.txt"));
+    prepare(toy, prefixed(), *m_files, QStringLiteral("none.txt"));
     QVector<DefPolygon> objects;
     toy.map = &objects;
     QVERIFY(toy.importMap());
@@ -268,7 +268,7 @@ void TestDriver::resultsOfPasses()
 {
     QFETCH(bool, pointsLoaded);
     QFETCH(bool, objectsLoaded);
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchPointDefs = true;
     ToyImport toy;
     prepare(toy, options, *m_files, objectFile);
@@ -285,13 +285,13 @@ void TestDriver::resultsOfPasses()
 void TestDriver::startsWithoutPoints()
 {
     ToyImport toy;
-    prepare(toy, {}, *m_files, objectFile);
+    prepare(toy, prefixed(), *m_files, objectFile);
     toy.objectPass = [](ToyImport& t) {
         build(t, { { 1, 2 } });
         return true;
     };
-    QCOMPARE(outcomeOf(toy, *m_files), lines("true\n [т1 1 2]"));
-    QCOMPARE(outcomeOf(toy, *m_files), lines("true\n [т2 1 2]"));
+    QCOMPARE(outcomeOf(toy, *m_files), lines("true\n<null> [т1 1 2]"));
+    QCOMPARE(outcomeOf(toy, *m_files), lines("true\n<null> [т2 1 2]"));
 }
 
 void TestDriver::numbersAndSnaps_data()
@@ -307,27 +307,27 @@ void TestDriver::numbersAndSnaps_data()
     const QString p = QStringLiteral("P");
     QTest::newRow("each place gets a number")
         << p << Rings{ { { 1, 2 }, { 3, 4 }, { 5, 6 } } } << false
-        << lines("true\n [P1 1 2; P2 3 4; P3 5 6]") << 4;
+        << lines("true\n<null> [P1 1 2; P2 3 4; P3 5 6]") << 4;
     QTest::newRow("no prefix") << QString() << Rings{ { { 1, 2 }, { 3, 4 } } } << false
-                               << lines("true\n [1 1 2; 2 3 4]") << 3;
+                               << lines("true\n<null> [1 1 2; 2 3 4]") << 3;
     QTest::newRow("place marks in the prefix")
         << QStringLiteral("%1-%2-") << Rings{ { { 1, 2 }, { 3, 4 } } } << false
-        << lines("true\n [%1-%2-1 1 2; %1-%2-2 3 4]") << 3;
+        << lines("true\n<null> [%1-%2-1 1 2; %1-%2-2 3 4]") << 3;
     QTest::newRow("a place met again bears its name, and keeps its own coordinates")
         << p << Rings{ { { 1, 2 }, { 3, 4 } }, { { 3.0078125, 4 }, { 1, 2 }, { 7, 8 } } } << false
-        << lines("true\n [P1 1 2; P2 3 4]\n [P2 3.0078125 4; P1 1 2; P3 7 8]") << 4;
+        << lines("true\n<null> [P1 1 2; P2 3 4]\n<null> [P2 3.0078125 4; P1 1 2; P3 7 8]") << 4;
     QTest::newRow("the tolerance is inclusive")
         << p << Rings{ { { 0, 0 }, { 0.01, -0.01 }, { 0.02, 0 } } } << false
-        << lines("true\n [P1 0 0; P1 0.01 -0.01; P2 0.02 0]") << 3;
+        << lines("true\n<null> [P1 0 0; P1 0.01 -0.01; P2 0.02 0]") << 3;
     QTest::newRow("equal neighbours are all kept")
         << p << Rings{ { { 1, 2 }, { 1, 2 }, { 1, 2 } } } << false
-        << lines("true\n [P1 1 2; P1 1 2; P1 1 2]") << 2;
+        << lines("true\n<null> [P1 1 2; P1 1 2; P1 1 2]") << 2;
     QTest::newRow("a ring of four uses three numbers")
         << p << Rings{ { { 0, 0 }, { 5, 0 }, { 5, 5 }, { 0, 0 } } } << true
-        << lines("true\n [P1 0 0; P2 5 0; P3 5 5; P1 0 0]") << 4;
+        << lines("true\n<null> [P1 0 0; P2 5 0; P3 5 5; P1 0 0]") << 4;
     QTest::newRow("the closing vertex is not looked at, nor remembered")
         << p << Rings{ { { 0, 0 }, { 5, 0 }, { 9, 9 } }, { { 9, 9 }, { 5, 0 }, { 9, 9 } } } << true
-        << lines("true\n [P1 0 0; P2 5 0; P1 9 9]\n [P3 9 9; P2 5 0; P3 9 9]") << 4;
+        << lines("true\n<null> [P1 0 0; P2 5 0; P1 9 9]\n<null> [P3 9 9; P2 5 0; P3 9 9]") << 4;
 }
 
 void TestDriver::numbersAndSnaps()
@@ -335,7 +335,7 @@ void TestDriver::numbersAndSnaps()
     QFETCH(QString, prefix);
     QFETCH(QVector<QVector<QPointF>>, rings);
     QFETCH(bool, closed);
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.pointPref = prefix;
     ToyImport toy;
     prepare(toy, options, *m_files, objectFile);
@@ -350,7 +350,7 @@ void TestDriver::numbersAndSnaps()
 
 void TestDriver::mergesCataloguePoints()
 {
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchPointDefs = true;
     ToyImport toy;
     prepare(toy, options, *m_files, objectFile);
@@ -366,12 +366,12 @@ void TestDriver::mergesCataloguePoints()
         return size == 2;
     };
     // The third vertex is within the tolerance of b, which is gone, and not of a.
-    QCOMPARE(outcomeOf(toy, *m_files), lines("true\n [a 1.005 2.005; z 9 9; т1 1.012 2]"));
+    QCOMPARE(outcomeOf(toy, *m_files), lines("true\n<null> [a 1.005 2.005; z 9 9; т1 1.012 2]"));
 }
 
 void TestDriver::swapsOnlyWhatIsStored()
 {
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchPointDefs = true;
     options.swapXY = true;
     ToyImport toy;
@@ -384,7 +384,8 @@ void TestDriver::swapsOnlyWhatIsStored()
         build(t, { { 1, 2 }, { 2, 1 }, { 5, 6 }, { 5, 6 }, { 1, 2 } }, true);
         return true;
     };
-    QCOMPARE(outcomeOf(toy, *m_files), lines("true\n [a 2 1; т1 1 2; т2 6 5; т2 6 5; a 2 1]"));
+    QCOMPARE(
+        outcomeOf(toy, *m_files), lines("true\n<null> [a 2 1; т1 1 2; т2 6 5; т2 6 5; a 2 1]"));
 }
 
 void TestDriver::namesObjects_data()
@@ -409,7 +410,7 @@ void TestDriver::namesObjects()
 {
     QFETCH(QString, prefix);
     QFETCH(QStringList, defs);
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.objectPref = prefix;
     ToyImport toy;
     prepare(toy, options, *m_files, objectFile);
@@ -427,7 +428,7 @@ void TestDriver::namesObjects()
 void TestDriver::readsAgainFromTheStart()
 {
     ToyImport toy;
-    prepare(toy, {}, *m_files, objectFile);
+    prepare(toy, prefixed(), *m_files, objectFile);
     QStringList seen;
     toy.objectPass = [&](ToyImport& t) {
         seen.append(nextLine(t));
@@ -464,7 +465,7 @@ void TestDriver::encodings()
     QFETCH(QByteArray, content);
     m_files->write(objectFile, content);
     m_files->write(pointFile, content);
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchPointDefs = true;
     ToyImport toy;
     prepare(toy, options, *m_files, objectFile, pointFile);
@@ -486,7 +487,7 @@ void TestDriver::unknownEncodingAlone()
 {
     const QByteArray content = "\xCD\xB8";
     m_files->write(objectFile, content);
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.encoding = "Default";
     ToyImport toy;
     prepare(toy, options, *m_files, objectFile);

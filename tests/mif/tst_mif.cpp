@@ -76,17 +76,17 @@ void TestMif::check()
     const TempFiles files;
     const QString name = QStringLiteral("plan.mif");
     files.write(name, mif);
-    QCOMPARE(outcomeOf<MifImport>({}, files, name), expected);
+    QCOMPARE(outcomeOf<MifImport>(prefixed(), files, name), expected);
 
     QByteArray withReturns = mif;
     withReturns.replace("\n", "\r\n");
     files.write(name, withReturns);
-    QCOMPARE(outcomeOf<MifImport>({}, files, name), expected);
+    QCOMPARE(outcomeOf<MifImport>(prefixed(), files, name), expected);
 
     // A last line without its end is a line like any other; an end alone would be a blank one.
     if (mif.endsWith('\n') && !mif.endsWith("\n\n")) {
         files.write(name, mif.left(mif.size() - 1));
-        QCOMPARE(outcomeOf<MifImport>({}, files, name), expected);
+        QCOMPARE(outcomeOf<MifImport>(prefixed(), files, name), expected);
     }
 }
 
@@ -213,21 +213,23 @@ void TestMif::pline_data()
         "true\nоб1 [т1 1 2; т2 3 4]");
     row("further tokens do not matter", mif("Pline 2 x\n1 2\n3 4\n"), "true\nоб1 [т1 1 2; т2 3 4]");
     row("signed count", mif("Pline +2\n1 2\n3 4\n"), "true\nоб1 [т1 1 2; т2 3 4]");
-    row("one vertex", mif("Pline 1\n1 2\n"), badPline(7, ""));
-    row("no vertex", mif("Pline 0\n"), badPline(7, ""));
-    row("negative", mif("Pline -2\n1 2\n3 4\n"), badPline(7, ""));
-    row("no count", mif("Pline\n2\n1 2\n3 4\n"), badPline(7, ""));
-    row("count is no number", mif("Pline x\n1 2\n3 4\n"), badPline(7, ""));
-    row("count is no integer", mif("Pline 2.0\n1 2\n3 4\n"), badPline(7, ""));
-    row("count is too large", mif("Pline 2147483648\n1 2\n3 4\n"), badPline(7, ""));
-    row("end of file after the count", mif("Pline 2\n"), badPline(7, " []"));
-    row("end of file after a vertex", mif("Pline 3\n1 2\n3 4\n"), badPline(9, " [т1 1 2; т2 3 4]"));
-    row("blank line in place of a vertex", mif("Pline 2\n1 2\n\n3 4\n"), badPline(9, " [т1 1 2]"));
-    row("vertex of one token", mif("Pline 2\n1\n2 3\n"), badPline(8, " []"));
-    row("vertex of three tokens", mif("Pline 2\n1 2\n3 4 5\n"), badPline(9, " [т1 1 2]"));
-    row("x is no number", mif("Pline 2\n1 2\nx 4\n"), badPline(9, " [т1 1 2]"));
-    row("y is no number", mif("Pline 2\n1 2\n3 y\n"), badPline(9, " [т1 1 2]"));
-    row("coordinates with a comma", mif("Pline 2\n1,2\n3,4\n"), badPline(8, " []"));
+    row("one vertex", mif("Pline 1\n1 2\n"), badPline(7, "<null>"));
+    row("no vertex", mif("Pline 0\n"), badPline(7, "<null>"));
+    row("negative", mif("Pline -2\n1 2\n3 4\n"), badPline(7, "<null>"));
+    row("no count", mif("Pline\n2\n1 2\n3 4\n"), badPline(7, "<null>"));
+    row("count is no number", mif("Pline x\n1 2\n3 4\n"), badPline(7, "<null>"));
+    row("count is no integer", mif("Pline 2.0\n1 2\n3 4\n"), badPline(7, "<null>"));
+    row("count is too large", mif("Pline 2147483648\n1 2\n3 4\n"), badPline(7, "<null>"));
+    row("end of file after the count", mif("Pline 2\n"), badPline(7, "<null> []"));
+    row("end of file after a vertex", mif("Pline 3\n1 2\n3 4\n"),
+        badPline(9, "<null> [т1 1 2; т2 3 4]"));
+    row("blank line in place of a vertex", mif("Pline 2\n1 2\n\n3 4\n"),
+        badPline(9, "<null> [т1 1 2]"));
+    row("vertex of one token", mif("Pline 2\n1\n2 3\n"), badPline(8, "<null> []"));
+    row("vertex of three tokens", mif("Pline 2\n1 2\n3 4 5\n"), badPline(9, "<null> [т1 1 2]"));
+    row("x is no number", mif("Pline 2\n1 2\nx 4\n"), badPline(9, "<null> [т1 1 2]"));
+    row("y is no number", mif("Pline 2\n1 2\n3 y\n"), badPline(9, "<null> [т1 1 2]"));
+    row("coordinates with a comma", mif("Pline 2\n1,2\n3,4\n"), badPline(8, "<null> []"));
 }
 
 void TestMif::plineMultiple_data()
@@ -238,22 +240,23 @@ void TestMif::plineMultiple_data()
     row("any case", mif("pline mULTIPLE 2\n2\n1 2\n3 4\n3\n3 4\n5 6\n1 2\n"), good);
     row("a letter that is upper-cased to it",
         mif("Pline Multıple 2\n2\n1 2\n3 4\n3\n3 4\n5 6\n1 2\n"), good);
-    row("one section", mif("Pline Multiple 1\n2\n1 2\n3 4\n"), badPline(7, ""));
-    row("no section", mif("Pline Multiple 0\n"), badPline(7, ""));
-    row("no count", mif("Pline Multiple\n2\n1 2\n3 4\n"), badPline(7, ""));
-    row("count is no number", mif("Pline Multiple x\n2\n1 2\n3 4\n"), badPline(7, ""));
-    row("end of file after the count", mif("Pline Multiple 2\n"), badPline(7, ""));
-    row("section of one vertex", mif("Pline Multiple 2\n1\n1 2\n2\n1 2\n3 4\n"), badPline(8, ""));
+    row("one section", mif("Pline Multiple 1\n2\n1 2\n3 4\n"), badPline(7, "<null>"));
+    row("no section", mif("Pline Multiple 0\n"), badPline(7, "<null>"));
+    row("no count", mif("Pline Multiple\n2\n1 2\n3 4\n"), badPline(7, "<null>"));
+    row("count is no number", mif("Pline Multiple x\n2\n1 2\n3 4\n"), badPline(7, "<null>"));
+    row("end of file after the count", mif("Pline Multiple 2\n"), badPline(7, "<null>"));
+    row("section of one vertex", mif("Pline Multiple 2\n1\n1 2\n2\n1 2\n3 4\n"),
+        badPline(8, "<null>"));
     row("section count with more on the line", mif("Pline Multiple 2\n2 2\n1 2\n3 4\n"),
-        badPline(8, ""));
+        badPline(8, "<null>"));
     row("blank line in place of a count", mif("Pline Multiple 2\n2\n1 2\n3 4\n\n2\n1 2\n3 4\n"),
-        badPline(11, " [т1 1 2; т2 3 4]"));
+        badPline(11, "<null> [т1 1 2; т2 3 4]"));
     row("end of file after a section count", mif("Pline Multiple 2\n2\n1 2\n3 4\n2\n"),
-        badPline(11, " [т1 1 2; т2 3 4] []"));
+        badPline(11, "<null> [т1 1 2; т2 3 4] []"));
     row("end of file after a section", mif("Pline Multiple 3\n2\n1 2\n3 4\n2\n5 6\n7 8\n"),
-        badPline(13, " [т1 1 2; т2 3 4] [т3 5 6; т4 7 8]"));
+        badPline(13, "<null> [т1 1 2; т2 3 4] [т3 5 6; т4 7 8]"));
     row("bad vertex in the second section", mif("Pline Multiple 2\n2\n1 2\n3 4\n2\n5 6\n7\n"),
-        badPline(13, " [т1 1 2; т2 3 4] [т3 5 6]"));
+        badPline(13, "<null> [т1 1 2; т2 3 4] [т3 5 6]"));
     row("further sections are passed over",
         mif("Pline Multiple 2\n2\n1 2\n3 4\n2\n1 2\n3 4\n2\n5 6\n7 8\n"),
         "true\nоб1 [т1 1 2; т2 3 4] [т1 1 2; т2 3 4]");
@@ -270,26 +273,26 @@ void TestMif::region_data()
         "true\nоб1 [т1 0 0; т2 0 9; т3 9 9; т1 0 0] [т4 1 1; т5 1 2; т6 2 2; т4 1 1]");
     row("no ring", mif("Region 0\nLine 1 2 3 4\n"), "true\nоб1\nоб2 [т1 1 2; т2 3 4]");
     row("no ring at the end of the file", mif("Region 0\n"), "true\nоб1");
-    row("negative", mif("Region -1\n4\n0 0\n"), badRegion(7, ""));
-    row("no count", mif("Region\n4\n0 0\n0 9\n9 9\n0 0\n"), badRegion(7, ""));
-    row("no count at the end of the file", mif("Region\n"), badRegion(7, ""));
-    row("count is no number", mif("Region one\n4\n"), badRegion(7, ""));
-    row("end of file after the count", mif("Region 1\n"), badRegion(7, ""));
-    row("ring of two", mif("Region 1\n2\n0 0\n0 9\n"), badRegion(8, ""));
-    row("ring count is no number", mif("Region 1\nx\n0 0\n0 9\n"), badRegion(8, ""));
+    row("negative", mif("Region -1\n4\n0 0\n"), badRegion(7, "<null>"));
+    row("no count", mif("Region\n4\n0 0\n0 9\n9 9\n0 0\n"), badRegion(7, "<null>"));
+    row("no count at the end of the file", mif("Region\n"), badRegion(7, "<null>"));
+    row("count is no number", mif("Region one\n4\n"), badRegion(7, "<null>"));
+    row("end of file after the count", mif("Region 1\n"), badRegion(7, "<null>"));
+    row("ring of two", mif("Region 1\n2\n0 0\n0 9\n"), badRegion(8, "<null>"));
+    row("ring count is no number", mif("Region 1\nx\n0 0\n0 9\n"), badRegion(8, "<null>"));
     row("blank line in place of a ring count", mif("Region 1\n\n3\n0 0\n0 9\n0 0\n"),
-        badRegion(8, ""));
-    row("end of file after a ring count", mif("Region 1\n3\n"), badRegion(8, " []"));
+        badRegion(8, "<null>"));
+    row("end of file after a ring count", mif("Region 1\n3\n"), badRegion(8, "<null> []"));
     row("end of file in a ring", mif("Region 1\n4\n0 0\n0 9\n"),
-        badRegion(10, " [т1 0 0; т2 0 9]"));
+        badRegion(10, "<null> [т1 0 0; т2 0 9]"));
     row("blank line between rings", mif("Region 2\n3\n0 0\n0 9\n0 0\n\n3\n1 1\n1 2\n1 1\n"),
-        badRegion(12, " [т1 0 0; т2 0 9; т1 0 0]"));
+        badRegion(12, "<null> [т1 0 0; т2 0 9; т1 0 0]"));
     row("blank line in place of a vertex", mif("Region 1\n3\n0 0\n\n0 9\n0 0\n"),
-        badRegion(10, " [т1 0 0]"));
+        badRegion(10, "<null> [т1 0 0]"));
     row("end of file between rings", mif("Region 2\n3\n0 0\n0 9\n0 0\n"),
-        badRegion(11, " [т1 0 0; т2 0 9; т1 0 0]"));
+        badRegion(11, "<null> [т1 0 0; т2 0 9; т1 0 0]"));
     row("bad closing vertex", mif("Region 1\n3\n0 0\n0 9\n0\n"),
-        badRegion(11, " [т1 0 0; т2 0 9]"));
+        badRegion(11, "<null> [т1 0 0; т2 0 9]"));
     row("shared vertices",
         mif("Region 1\n4\n0 0\n0 9\n9 9\n0 0\nRegion 1\n4\n9 9\n0 9\n5 20\n9 9\n"),
         "true\nоб1 [т1 0 0; т2 0 9; т3 9 9; т1 0 0]\nоб2 [т3 9 9; т2 0 9; т4 5 20; т3 9 9]");
@@ -322,7 +325,7 @@ void TestMif::stops_data()
     row("collection in any case, blank lines counted", mif("\n\ncOLLECTION\n"),
         "true\n! Ошибка в стоке 9. Коллекции в MIF файлах не поддерживаются.");
     row("one message only", mif("Pline 1\nRegion x\nCollection\n"),
-        "false\n! Ошибка чтения полилинии из строки: 7\n");
+        "false\n! Ошибка чтения полилинии из строки: 7\n<null>");
 }
 
 QTEST_GUILESS_MAIN(TestMif)

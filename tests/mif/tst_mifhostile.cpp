@@ -55,7 +55,7 @@ QByteArray sampleMid()
 
 ImportOptions searchAll()
 {
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchPointDefs = true;
     options.searchObjectDefs = true;
     return options;
@@ -210,15 +210,15 @@ void TestMifHostile::absurdCounts_data()
         QTest::newRow(name) << objects << QString::fromUtf8(expected);
     };
     row("rings", "Region 2000000000\n3\n0 0\n0 9\n0 0\n",
-        "! Ошибка чтения области из строки: 11| [т1 0 0; т2 0 9; т1 0 0]");
+        "! Ошибка чтения области из строки: 11|<null> [т1 0 0; т2 0 9; т1 0 0]");
     row("vertices of a ring", "Region 1\n2000000000\n0 0\n",
-        "! Ошибка чтения области из строки: 9| [т1 0 0]");
+        "! Ошибка чтения области из строки: 9|<null> [т1 0 0]");
     row("vertices of a polyline", "Pline 2000000000\n0 0\n",
-        "! Ошибка чтения полилинии из строки: 8| [т1 0 0]");
+        "! Ошибка чтения полилинии из строки: 8|<null> [т1 0 0]");
     row("sections", "Pline Multiple 2000000000\n2\n0 0\n0 9\n",
-        "! Ошибка чтения полилинии из строки: 10| [т1 0 0; т2 0 9]");
+        "! Ошибка чтения полилинии из строки: 10|<null> [т1 0 0; т2 0 9]");
     row("vertices of a section", "Pline Multiple 2\n2000000000\n0 0\n",
-        "! Ошибка чтения полилинии из строки: 9| [т1 0 0]");
+        "! Ошибка чтения полилинии из строки: 9|<null> [т1 0 0]");
 }
 
 void TestMifHostile::absurdCounts()
@@ -227,7 +227,7 @@ void TestMifHostile::absurdCounts()
     QFETCH(QString, expected);
     m_files.write(plan, mif(objects));
     const qint64 before = peakAddressSpace();
-    const QStringList outcome = outcomeOf<MifImport>({}, m_files, plan);
+    const QStringList outcome = outcomeOf<MifImport>(prefixed(), m_files, plan);
     QCOMPARE(outcome, QStringList{ QStringLiteral("false") } + expected.split(QLatin1Char('|')));
     QVERIFY(peakAddressSpace() - before < qint64(1) << 30);
 }
@@ -238,8 +238,9 @@ void TestMifHostile::enormousLine()
     const QByteArray object = "Line 1 2 3 4\n";
     m_files.write(plan, mif("Pline 2\n1 2\n" + QByteArray(size, '9') + " 4\n" + object));
     const QStringList expected{ QStringLiteral("false"),
-        QStringLiteral("! Ошибка чтения полилинии из строки: 9"), QStringLiteral(" [т1 1 2]") };
-    QCOMPARE(outcomeOf<MifImport>({}, m_files, plan), expected);
+        QStringLiteral("! Ошибка чтения полилинии из строки: 9"),
+        QStringLiteral("<null> [т1 1 2]") };
+    QCOMPARE(outcomeOf<MifImport>(prefixed(), m_files, plan), expected);
 }
 
 QTEST_GUILESS_MAIN(TestMifHostile)

@@ -124,15 +124,15 @@ void TestMifPasses::midRows_data()
     row("no MID and a wrong header", "x\n", QByteArray(),
         "false\n! Ошибка. Файл plan.mif не соответствует формату MIF");
     row("empty MID", mif(line), "",
-        "false\n! Ошибка чтения обозначения объекта из строки: 1\n [т1 1 2; т2 3 4]");
+        "false\n! Ошибка чтения обозначения объекта из строки: 1\n<null> [т1 1 2; т2 3 4]");
     row("empty MID without objects", mif("Pen (1,2,0)\n"), "", "true");
     row("blank row for a line", mif(line), " \t\nA\n",
-        "false\n! Ошибка чтения обозначения объекта из строки: 1\n [т1 1 2; т2 3 4]");
+        "false\n! Ошибка чтения обозначения объекта из строки: 1\n<null> [т1 1 2; т2 3 4]");
     row("short MID, polyline", lineAndPline, "A\n",
         "false\n! Ошибка чтения обозначения объекта из строки: 2\n"
-        "A [т1 1 2; т2 3 4]\n [т3 5 6; т1 1 2]");
+        "A [т1 1 2; т2 3 4]\n<null> [т3 5 6; т1 1 2]");
     row("short MID, region", mif(line + "Region 0\n"), "A\n",
-        "false\n! Ошибка чтения обозначения объекта из строки: 2\nA [т1 1 2; т2 3 4]\n");
+        "false\n! Ошибка чтения обозначения объекта из строки: 2\nA [т1 1 2; т2 3 4]\n<null>");
     row("blank row for an object that is passed over", mif(line + "None\n" + line), "A\n\nB\n",
         "false\n! Ошибка чтения данных объекта из строки: 2\nA [т1 1 2; т2 3 4]");
     row("short MID for a point", mif("None\n\nPoint 1 2\n" + line), "A\n",
@@ -141,13 +141,13 @@ void TestMifPasses::midRows_data()
         "true\n! Ошибка в стоке 8. Коллекции в MIF файлах не поддерживаются.\n"
         "A [т1 1 2; т2 3 4]");
     row("the geometry is read before its row", mif("Pline 1\n"), "",
-        "false\n! Ошибка чтения полилинии из строки: 7\n");
+        "false\n! Ошибка чтения полилинии из строки: 7\n<null>");
 }
 
 void TestMifPasses::midRows()
 {
     QFETCH(Files, files);
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchObjectDefs = true;
     QTEST(outcome(files, options), "expected");
 }
@@ -174,7 +174,7 @@ void TestMifPasses::points_data()
         "true\nоб1 [early 1 2; т1 3 4]");
     own("further tokens do not matter", mif("point 1 2 3 x\n    Symbol (1,2,3)\n"), "a\n",
         "true\nоб1 [a 1 2; т1 3 4]");
-    own("an empty name is a name", mif("Point 1 2\n"), "\"\"\n", "true\nоб1 [ 1 2; т1 3 4]");
+    own("an empty name is a name", mif("Point 1 2\n"), "\"\"\n", "true\nоб1 [<null> 1 2; т1 3 4]");
     own("only points count", mif("Line 1 2 3 4\nNone\nPoint 3 4\n"), "A\nB\nC\n",
         "true\nоб1 [т1 1 2; C 3 4]");
     own("geometry of others is not read", mif("Pline 1\nRegion x\nLine\nPoint 3 4\n"),
@@ -209,7 +209,7 @@ void TestMifPasses::points_data()
     same("one file for both", mif("Line 1 2 3 4\nPoint 3 4\n"), "A,x\nт7,y\n",
         "true\nA [т1 1 2; т7 3 4]");
     same("lines and rows are counted anew in each pass", mif("Point 3 4\nLine 1 2 3 4\nPline 1\n"),
-        "a\nb\nc\n", "false\n! Ошибка чтения полилинии из строки: 9\nb [т1 1 2; a 3 4]\n");
+        "a\nb\nc\n", "false\n! Ошибка чтения полилинии из строки: 9\nb [т1 1 2; a 3 4]\n<null>");
     same("rows are counted anew in each pass", mif("Point 3 4\nLine 1 2 3 4\n"), "a\n",
         "false\n! Ошибка чтения данных объекта из строки: 2");
     same("a collection stops both passes",
@@ -224,7 +224,7 @@ void TestMifPasses::points()
 {
     QFETCH(Files, files);
     QFETCH(bool, searchObjectDefs);
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchPointDefs = true;
     options.searchObjectDefs = searchObjectDefs;
     QTEST(outcome(files, options), "expected");
@@ -256,7 +256,7 @@ void TestMifPasses::delimiters()
     QFETCH(QByteArray, delimiter);
     QFETCH(QByteArray, mid);
     QFETCH(QString, expected);
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchObjectDefs = true;
     const QByteArray mif =
         "Version 300\nCharset \"N\"\nDelimiter " + delimiter + "\nData\nRegion 0\n";
@@ -325,7 +325,7 @@ void TestMifPasses::midNames()
     const TempFiles files;
     files.write(mifName, mif("Line 1 2 3 4\n"));
     files.write(midName, "A\n");
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchObjectDefs = true;
     QCOMPARE(outcomeOf<MifImport>(options, files, mifName), lines("true\nA [т1 1 2; т2 3 4]"));
 
@@ -343,7 +343,7 @@ void TestMifPasses::midIsAFolder()
     const TempFiles files;
     files.write(plan, mif("Line 1 2 3 4\n"));
     QVERIFY(QDir().mkdir(files.path(QStringLiteral("plan.mid"))));
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchObjectDefs = true;
     QCOMPARE(outcomeOf<MifImport>(options, files, plan),
         lines("false\n! Ошибка открытия MID файла plan.mid"));
@@ -372,7 +372,7 @@ void TestMifPasses::encodings()
     QFETCH(QByteArray, name);
     QFETCH(bool, mark);
     const QByteArray start = mark ? QByteArray("\xEF\xBB\xBF") : QByteArray("");
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchPointDefs = true;
     options.searchObjectDefs = true;
     options.encoding = encoding;
@@ -389,7 +389,7 @@ void TestMifPasses::readsAMidDef()
     files.write(plan, mifHeader());
     files.write(QStringLiteral("plan.mid"), "\"A\",1\nskipped\n\nB\n");
     ProbedMif reader;
-    prepare(reader, {}, files, plan);
+    prepare(reader, prefixed(), files, plan);
     reader.pass = [](ProbedMif& r) {
         QString def = QStringLiteral("untouched");
         QVERIFY(r.readMidDef(&def));
@@ -417,7 +417,7 @@ void TestMifPasses::readsAVertex()
     const TempFiles files;
     files.write(plan, "1 2\n 3\t4 \n5 6\n7\n8 9 10\n\nx 1\n");
     ProbedMif reader;
-    prepare(reader, {}, files, plan);
+    prepare(reader, prefixed(), files, plan);
     reader.pass = [](ProbedMif& r) {
         r.appendEmptyPolygon();
         r.appendEmptyContour();
@@ -428,12 +428,12 @@ void TestMifPasses::readsAVertex()
             QVERIFY(!r.readVert(false));
         QCOMPARE(r.in.lineNum(), 8);
     };
-    QCOMPARE(outcomeOf(reader, files), lines("true\n [т1 1 2; т2 3 4; т1 5 6]"));
+    QCOMPARE(outcomeOf(reader, files), lines("true\n<null> [т1 1 2; т2 3 4; т1 5 6]"));
 }
 
 void TestMifPasses::swapped()
 {
-    ImportOptions options;
+    ImportOptions options = prefixed();
     options.searchPointDefs = true;
     options.swapXY = true;
     QCOMPARE(outcome({ mif("Region 1\n3\n1 2\n3 4\n1 2\nLine 4 3 3 4\n"), {}, mif("Point 3 4\n"),
@@ -447,7 +447,7 @@ void TestMifPasses::worksThroughTheBase()
     const TempFiles files;
     files.write(plan, mif("Line 1 2 3 4\n"));
     const QScopedPointer<MapImport> importer(new MifImport);
-    prepare(*importer, {}, files, plan);
+    prepare(*importer, prefixed(), files, plan);
     QCOMPARE(outcomeOf(*importer, files), lines("true\nоб1 [т1 1 2; т2 3 4]"));
     QCOMPARE(importer->pointStartNum, 3);
     QCOMPARE(importer->objectStartNum, 2);

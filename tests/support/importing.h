@@ -4,22 +4,38 @@
 #include "support/statuslog.h"
 #include "support/tempfiles.h"
 
-/// What the caller of an import sets, but for the collection.
+/// What the user sets for an import, apart from the files.
 struct ImportOptions {
     bool searchPointDefs = false;
-    QString pointPref = QStringLiteral("т");
+    QString pointPref;
     int pointStartNum = 1;
     bool searchObjectDefs = false;
-    QString objectPref = QStringLiteral("об");
+    QString objectPref;
     int objectStartNum = 1;
     bool swapXY = false;
     QByteArray encoding = "UTF-8";
 };
 
-/// Sets the options and the files, given by name, of any importer.
+/// Options under which new points are т1, т2 and so on, and new objects об1.
+inline ImportOptions prefixed()
+{
+    ImportOptions options;
+    options.pointPref = QStringLiteral("т");
+    options.objectPref = QStringLiteral("об");
+    return options;
+}
+
+/// What an import leaves behind.
+struct ImportOutcome {
+    bool result = false;
+    QStringList messages;
+    QVector<DefPolygon> objects;
+};
+
+/// Sets the options and the full names of the files of any importer.
 template <typename Importer>
-void prepare(Importer& importer, const ImportOptions& options, const TempFiles& files,
-    const QString& objectFile, const QString& pointFile = {})
+void prepare(Importer& importer, const ImportOptions& options, const QString& objectFile,
+    const QString& pointFile = {})
 {
     importer.searchPointDefs = options.searchPointDefs;
     importer.pointPref = options.pointPref;
@@ -29,9 +45,39 @@ void prepare(Importer& importer, const ImportOptions& options, const TempFiles& 
     importer.objectStartNum = options.objectStartNum;
     importer.swapXY = options.swapXY;
     importer.setEncoding(options.encoding);
-    importer.objectFileName = files.path(objectFile);
-    if (!pointFile.isEmpty())
-        importer.pointFileName = files.path(pointFile);
+    importer.objectFileName = objectFile;
+    importer.pointFileName = pointFile;
+}
+
+/// Runs an importer that is prepared.
+template <typename Importer>
+ImportOutcome run(Importer& importer)
+{
+    ImportOutcome outcome;
+    importer.map = &outcome.objects;
+    const StatusLog log;
+    outcome.result = importer.importMap();
+    outcome.messages = log.messages();
+    return outcome;
+}
+
+/// Runs an importer of its own over files.
+template <typename Importer>
+ImportOutcome importFiles(
+    const ImportOptions& options, const QString& objectFile, const QString& pointFile = {})
+{
+    Importer importer;
+    prepare(importer, options, objectFile, pointFile);
+    return run(importer);
+}
+
+/// The same as prepare(), with files that are given by their names in the folder.
+template <typename Importer>
+void prepare(Importer& importer, const ImportOptions& options, const TempFiles& files,
+    const QString& objectFile, const QString& pointFile = {})
+{
+    prepare(importer, options, files.path(objectFile),
+        pointFile.isEmpty() ? QString() : files.path(pointFile));
 }
 
 /// All that an import leaves, line by line: the result as "true" or "false", the messages with
@@ -39,14 +85,12 @@ void prepare(Importer& importer, const ImportOptions& options, const TempFiles& 
 template <typename Importer>
 QStringList outcomeOf(Importer& importer, const TempFiles& files)
 {
-    QVector<DefPolygon> objects;
-    importer.map = &objects;
-    StatusLog log;
-    QStringList outcome{ importer.importMap() ? QStringLiteral("true") : QStringLiteral("false") };
-    for (QString message : log.take())
-        outcome.append(
+    const ImportOutcome outcome = run(importer);
+    QStringList texts{ outcome.result ? QStringLiteral("true") : QStringLiteral("false") };
+    for (QString message : outcome.messages)
+        texts.append(
             QStringLiteral("! ") + message.remove(files.path(QString()) + QLatin1Char('/')));
-    return outcome + describe(objects);
+    return texts + describe(outcome.objects);
 }
 
 /// What an importer of its own leaves of the given files.

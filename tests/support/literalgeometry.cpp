@@ -8,6 +8,16 @@
 
 namespace literal {
 
+bool samePlace(const DefPoint& a, const DefPoint& b)
+{
+    return std::abs(a.x - b.x) <= 0.01 && std::abs(a.y - b.y) <= 0.01;
+}
+
+bool standsBefore(const DefPoint& a, const DefPoint& b)
+{
+    return a.x < b.x || (a.x == b.x && a.y < b.y);
+}
+
 void splitDef(const QString& def, QString& prefix, int& number)
 {
     static const QRegularExpression pattern(QStringLiteral("^(.*?)(\\d+)$"));
@@ -94,8 +104,7 @@ QBitArray conflictingPoints(const DefPolygon& polygon)
             const DefPoint& q = rows[j];
             if (i == j || p.def.isEmpty() || p.def.compare(q.def, Qt::CaseInsensitive) != 0)
                 continue;
-            const bool near = std::abs(p.x - q.x) <= 0.01 && std::abs(p.y - q.y) <= 0.01;
-            if (!near)
+            if (!samePlace(p, q))
                 result.setBit(i);
         }
     }

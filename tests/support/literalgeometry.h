@@ -10,6 +10,10 @@
 /// The helpers over the records written in the plainest way, whatever they cost.
 namespace literal {
 
+/// Whether two places are the same within the tolerance in both coordinates.
+bool samePlace(const DefPoint& a, const DefPoint& b);
+/// The order of a catalogue: by x, then by y.
+bool standsBefore(const DefPoint& a, const DefPoint& b);
 void splitDef(const QString& def, QString& prefix, int& number);
 void sortObjects(QVector<DefPolygon>& objects);
 /// The index of the nearest point, or -1.

@@ -2,7 +2,7 @@
 
 #include "status.h"
 
-#include <QDir>
+#include <QSet>
 
 namespace literal {
 
@@ -18,76 +18,7 @@ const QSet<QString>& keywords()
     return names;
 }
 
-void reportFile(const QString& text, const QString& name)
-{
-    showStatus(text.arg(QDir::toNativeSeparators(name)));
-}
-
 } // namespace
-
-bool MifImport::importMap()
-{
-    catalogue.points.clear();
-    if (searchPointDefs) {
-        if (openFile(pointFileName.isEmpty() ? objectFileName : pointFileName)) {
-            const bool loaded = loadPoints();
-            midFile.close();
-            file.close();
-            if (!loaded)
-                return false;
-        }
-        catalogue.arrange();
-    }
-    if (!openFile(objectFileName))
-        return true;
-    const bool loaded = loadPolygons();
-    midFile.close();
-    file.close();
-    return loaded;
-}
-
-void MifImport::setEncoding(const QByteArray& name)
-{
-    if (QTextCodec* found = QTextCodec::codecForName(name))
-        codec = found;
-}
-
-bool MifImport::openFile(const QString& name)
-{
-    file.setFileName(name);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        reportFile(QStringLiteral("Ошибка открытия файла %1"), name);
-        return false;
-    }
-    in.setDevice(&file);
-    in.setCodec(codec);
-    lineNum = 0;
-    return true;
-}
-
-void MifImport::appendVert(double x, double y, bool closing)
-{
-    QVector<DefPoint>& contour = map->last().contours.last();
-    QString def;
-    if (closing) {
-        def = contour.first().def;
-    } else if (const int found = catalogue.findCoincident(x, y); found >= 0) {
-        def = catalogue.points[found].def;
-    } else {
-        def = pointPref + QString::number(pointStartNum++);
-        catalogue.insert(DefPoint{ def, x, y });
-    }
-    if (swapXY)
-        std::swap(x, y);
-    contour.append(DefPoint{ def, x, y });
-}
-
-void MifImport::setLastPolygonDef(QString def)
-{
-    if (def.isEmpty())
-        def = objectPref + QString::number(objectStartNum++);
-    map->last().def = def;
-}
 
 bool MifImport::readTokenizeMifLine(bool split)
 {
@@ -172,6 +103,7 @@ bool MifImport::fail(const QString& text, int number) const
 /// The way of both passes to the line after DATA.
 bool MifImport::startPass(bool withMid)
 {
+    midFile.close();
     if (!checkMifFile() || (withMid && !openMidFile()))
         return false;
     while (!in.atEnd()) {

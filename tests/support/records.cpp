@@ -2,7 +2,36 @@
 
 #include <QLocale>
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
+
+namespace {
+
+bool sameNumber(double a, double b)
+{
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+bool sameDefs(const QString& a, const QString& b)
+{
+    return a == b && a.isNull() == b.isNull();
+}
+
+bool sameContours(const QVector<DefPoint>& a, const QVector<DefPoint>& b)
+{
+    return std::equal(
+        a.begin(), a.end(), b.begin(), b.end(), [](const DefPoint& p, const DefPoint& q) {
+            return sameDefs(p.def, q.def) && sameNumber(p.x, q.x) && sameNumber(p.y, q.y);
+        });
+}
+
+} // namespace
+
+QString describe(const QString& def)
+{
+    return def.isNull() ? QStringLiteral("<null>") : def;
+}
 
 QString describe(double coordinate)
 {
@@ -13,27 +42,26 @@ QString describe(double coordinate)
 
 QString describe(const DefPoint& point)
 {
-    return point.def + QLatin1Char(' ') + describe(point.x) + QLatin1Char(' ') + describe(point.y);
+    return describe(point.def) + QLatin1Char(' ') + describe(point.x) + QLatin1Char(' ')
+        + describe(point.y);
 }
 
 QString describe(const DefPolygon& object)
 {
-    QString result = object.def;
-    for (const QVector<DefPoint>& contour : object.contours) {
-        QStringList vertices;
-        for (const DefPoint& vertex : contour)
-            vertices.append(describe(vertex));
-        result += QStringLiteral(" [") + vertices.join(QStringLiteral("; ")) + QLatin1Char(']');
-    }
+    QString result = describe(object.def);
+    for (const QVector<DefPoint>& contour : object.contours)
+        result += QStringLiteral(" [") + describeAll(contour) + QLatin1Char(']');
     return result;
 }
 
-QStringList describe(const QVector<DefPolygon>& objects)
+bool sameObjects(const QVector<DefPolygon>& a, const QVector<DefPolygon>& b)
 {
-    QStringList result;
-    for (const DefPolygon& object : objects)
-        result.append(describe(object));
-    return result;
+    return std::equal(
+        a.begin(), a.end(), b.begin(), b.end(), [](const DefPolygon& p, const DefPolygon& q) {
+            return sameDefs(p.def, q.def)
+                && std::equal(p.contours.begin(), p.contours.end(), q.contours.begin(),
+                    q.contours.end(), sameContours);
+        });
 }
 
 QVector<DefPolygon> objectsNamed(const QStringList& defs)

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "geometry/defpolygon.h"
+#include "support/literalcatalogue.h"
+
+#include <QFile>
+#include <QTextCodec>
+#include <QTextStream>
+
+namespace literal {
+
+/// What the plain importers of both formats share: the options, the order of the passes, and the
+/// naming of vertices and objects.
+class MapImport {
+public:
+    virtual ~MapImport() = default;
+
+    bool importMap();
+    void setEncoding(const QByteArray& name);
+
+    bool swapXY = false;
+    bool searchPointDefs = false;
+    QString pointPref;
+    int pointStartNum = 0;
+    bool searchObjectDefs = false;
+    QString objectPref;
+    int objectStartNum = 0;
+    QString objectFileName;
+    QString pointFileName;
+    QVector<DefPolygon>* map = nullptr;
+
+protected:
+    virtual bool loadPoints() = 0;
+    virtual bool loadPolygons() = 0;
+
+    void appendVert(double x, double y, bool closing = false);
+    void setLastPolygonDef(QString def);
+    QVector<DefPoint>& lastContour() { return map->last().contours.last(); }
+
+    Catalogue catalogue;
+    QFile file;
+    QTextStream in;
+    int lineNum = 0;
+    QTextCodec* codec = QTextCodec::codecForLocale();
+
+private:
+    bool openFile(const QString& name);
+};
+
+/// Shows a message about a file.
+void reportFile(const QString& text, const QString& name);
+
+} // namespace literal
