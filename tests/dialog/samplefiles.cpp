@@ -1,17 +1,11 @@
 #include "samplefiles.h"
 
+#include "support/miftext.h"
 #include "support/tempfiles.h"
-
-QByteArray mifText(const QByteArray& objects)
-{
-    return "Version 300\nCharset \"WindowsCyrillic\"\nDelimiter \",\"\nColumns 1\n  N Char(20)\n"
-           "Data\n\n"
-        + objects;
-}
 
 void writeMif(const QString& path, const QByteArray& objects, const QByteArray& rows)
 {
-    writeFile(path + QStringLiteral(".mif"), mifText(objects));
+    writeFile(path + QStringLiteral(".mif"), mif("\n" + objects));
     writeFile(path + QStringLiteral(".mid"), rows);
 }
 

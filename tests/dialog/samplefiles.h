@@ -3,10 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-/// The text of a MIF file with these objects, for a MID file with commas.
-QByteArray mifText(const QByteArray& objects);
-
-/// Writes path + ".mif" and path + ".mid".
+/// Writes path + ".mif", where a blank line precedes the objects, and path + ".mid".
 void writeMif(const QString& path, const QByteArray& objects, const QByteArray& rows);
 
 /// A drawing of one square: points and texts beside its vertices, the text "ЗУ1" in its middle.

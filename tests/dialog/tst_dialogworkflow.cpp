@@ -1,6 +1,7 @@
 #include "dialog.h"
 #include "samplefiles.h"
 #include "support/dialogdriver.h"
+#include "support/miftext.h"
 #include "support/statuslog.h"
 #include "support/stricttest.h"
 #include "support/tempfiles.h"
@@ -464,7 +465,7 @@ void TestDialogWorkflow::encodings()
     QVERIFY(written.isEmpty() || def == cyrillic);
     const QByteArray mark = isMarked ? "\xEF\xBB\xBF" : "";
     const QString path = m_store->path(QStringLiteral("plan"));
-    writeFile(path + QStringLiteral(".mif"), mark + mifText("Line 0 0 1 1\n"));
+    writeFile(path + QStringLiteral(".mif"), mark + mif("Line 0 0 1 1\n"));
     writeFile(path + QStringLiteral(".mid"),
         mark + codec->fromUnicode(QStringLiteral("\"%1\",1\n").arg(def)));
 
@@ -530,7 +531,7 @@ void TestDialogWorkflow::unreadableFile()
     QFETCH(QStringList, messages);
     writeFile(m_store->path(QStringLiteral("empty")), "");
     writeFile(m_store->path(QStringLiteral("a.dxf")), squareDxf(true));
-    writeFile(m_store->path(QStringLiteral("a.mif")), mifText(planObjects));
+    writeFile(m_store->path(QStringLiteral("a.mif")), mif(planObjects));
     QVERIFY(QDir(m_store->path(QString())).mkdir(QStringLiteral("folder")));
     useMode(isDxf);
     const QString path = m_store->path(name);

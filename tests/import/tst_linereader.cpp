@@ -1,8 +1,8 @@
 #include "import/linereader.h"
 
+#include "support/random.h"
 #include "support/tempfiles.h"
 
-#include <QRandomGenerator>
 #include <QTest>
 #include <QTextCodec>
 #include <QTextStream>
@@ -59,14 +59,14 @@ Reading readWithReader(LineReader& reader)
     return reading;
 }
 
-QByteArray randomText(QRandomGenerator& random, int size)
+QByteArray randomText(Random& random, int size)
 {
     static const QByteArray pieces[] = { "\n", "\r\n", "\r", "\r\r\n", "\n\n", "0", " 10", "12.5",
         "\t", "\xD0\x97\xD0\xA3", "\xD0", "\xE2\x82", "\xFF", QByteArray(1, '\0'),
         QByteArray(300, 'x') };
     QByteArray text;
     while (text.size() < size)
-        text += pieces[random.bounded(int(std::size(pieces)))];
+        text += pieces[random.below(int(std::size(pieces)))];
     return text.left(size);
 }
 
@@ -150,12 +150,12 @@ void TestLineReader::sameLinesAsStream()
 
 void TestLineReader::randomFiles()
 {
-    QRandomGenerator random(20);
+    Random random(20);
     const char* const codecs[] = { "UTF-8", "windows-1251", "IBM866", "UTF-16LE", "GB18030" };
     for (int i = 0; i < 600; ++i) {
-        const int blocks = random.bounded(4) * 16384;
-        const int size = std::max(0, blocks + random.bounded(-20, 21)) + random.bounded(2) * 500;
-        compare(randomText(random, size), codecs[random.bounded(int(std::size(codecs)))]);
+        const int blocks = random.below(4) * 16384;
+        const int size = std::max(0, blocks + random.below(41) - 20) + random.below(2) * 500;
+        compare(randomText(random, size), codecs[random.below(int(std::size(codecs)))]);
         if (QTest::currentTestFailed())
             qFatal("file %d of %d bytes", i, size);
     }
@@ -165,9 +165,9 @@ void TestLineReader::lastTwoLinesStayValid()
 {
     QByteArray content;
     QStringList lines;
-    QRandomGenerator random(7);
+    Random random(7);
     for (int i = 0; i < 3000; ++i) {
-        lines.append(QString(random.bounded(1, 60), QChar('a' + i % 26)));
+        lines.append(QString(1 + random.below(59), QChar('a' + i % 26)));
         if (i % 500 == 0)
             lines.last() = QString(40000, QLatin1Char('x'));
         content += lines.last().toLatin1() + '\n';

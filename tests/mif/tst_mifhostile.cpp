@@ -1,8 +1,8 @@
 #include "import/mifimport.h"
 
-#include "miftext.h"
 #include "support/importing.h"
 #include "support/literalmifimport.h"
+#include "support/miftext.h"
 
 #include <QtTest>
 

@@ -390,11 +390,11 @@ void TestDefPolygonTableModel::coordinatesAreWrittenAsTheLocaleDoes()
 {
     const DefPolygonTableModel model;
     const QLocale c(QLocale::C, QLocale::AnyCountry);
-    QRandomGenerator random(11);
+    Random random(11);
     for (int i = 0; i < 100000; ++i) {
-        const double eighths = (random.bounded(2000000000) - 1e9) / 8;
-        const double thousandths = (random.bounded(2000000000) - 1e9) / 1000;
-        const double scaled = thousandths * std::pow(10, random.bounded(30) - 15);
+        const double eighths = (random.below(2000000000) - 1e9) / 8;
+        const double thousandths = (random.below(2000000000) - 1e9) / 1000;
+        const double scaled = thousandths * std::pow(10, random.below(30) - 15);
         for (const double value : { eighths, thousandths, scaled })
             QCOMPARE(model.formatCoord(value, false), c.toString(value, 'f', 2));
     }

@@ -15,7 +15,7 @@ bool MapImport::importMap()
 {
     catalogue.points.clear();
     if (searchPointDefs) {
-        if (openFile(pointFileName.isEmpty() ? objectFileName : pointFileName)) {
+        if (openPass(pointFileName.isEmpty() ? objectFileName : pointFileName)) {
             const bool loaded = loadPoints();
             file.close();
             if (!loaded)
@@ -23,7 +23,7 @@ bool MapImport::importMap()
         }
         catalogue.arrange();
     }
-    if (!openFile(objectFileName))
+    if (!openPass(objectFileName))
         return true;
     const bool loaded = loadPolygons();
     file.close();
@@ -36,17 +36,23 @@ void MapImport::setEncoding(const QByteArray& name)
         codec = found;
 }
 
-bool MapImport::openFile(const QString& name)
+bool MapImport::open(
+    QFile& from, QTextStream& stream, const QString& name, const QString& error) const
 {
-    file.setFileName(name);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        reportFile(QStringLiteral("Ошибка открытия файла %1"), name);
+    from.setFileName(name);
+    if (!from.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        reportFile(error, name);
         return false;
     }
-    in.setDevice(&file);
-    in.setCodec(codec);
-    lineNum = 0;
+    stream.setDevice(&from);
+    stream.setCodec(codec);
     return true;
+}
+
+bool MapImport::openPass(const QString& name)
+{
+    lineNum = 0;
+    return open(file, in, name, QStringLiteral("Ошибка открытия файла %1"));
 }
 
 void MapImport::appendVert(double x, double y, bool closing)

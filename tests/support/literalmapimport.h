@@ -33,6 +33,8 @@ protected:
     virtual bool loadPoints() = 0;
     virtual bool loadPolygons() = 0;
 
+    /// Opens a file as a stream of lines; when that fails, shows the message `error` about it.
+    bool open(QFile& from, QTextStream& stream, const QString& name, const QString& error) const;
     void appendVert(double x, double y, bool closing = false);
     void setLastPolygonDef(QString def);
     QVector<DefPoint>& lastContour() { return map->last().contours.last(); }
@@ -44,7 +46,7 @@ protected:
     QTextCodec* codec = QTextCodec::codecForLocale();
 
 private:
-    bool openFile(const QString& name);
+    bool openPass(const QString& name);
 };
 
 /// Shows a message about a file.

@@ -51,15 +51,8 @@ bool MifImport::openMidFile()
 {
     QString name = file.fileName();
     name[name.size() - 1] = QLatin1Char('d');
-    midFile.setFileName(name);
-    if (!midFile.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        reportFile(QStringLiteral("Ошибка открытия MID файла %1"), name);
-        return false;
-    }
-    midIn.setDevice(&midFile);
-    midIn.setCodec(codec);
     midLineNum = 0;
-    return true;
+    return open(midFile, midIn, name, QStringLiteral("Ошибка открытия MID файла %1"));
 }
 
 bool MifImport::readMidLine()

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "geometry/defpolygon.h"
-
-#include <QRandomGenerator>
+#include "support/random.h"
 
 #include <initializer_list>
 #include <limits>
@@ -16,12 +15,12 @@ inline DefPolygon makeObject(const QString& def, std::initializer_list<QVector<D
 /// Random designations, vertices and objects, chosen so that designations and places often meet.
 class RandomObjects {
 public:
-    explicit RandomObjects(quint32 seed)
+    explicit RandomObjects(unsigned seed)
         : m_random(seed)
     {
     }
 
-    int below(int limit) { return m_random.bounded(limit); }
+    int below(int limit) { return m_random.below(limit); }
 
     QString def()
     {
@@ -66,5 +65,5 @@ public:
     }
 
 private:
-    QRandomGenerator m_random;
+    Random m_random;
 };
