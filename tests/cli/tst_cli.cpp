@@ -503,8 +503,11 @@ private slots:
         const auto largeChild = [&id, &large] {
             for (const QString& child : childrenOf(id)) {
                 QFile arguments(QStringLiteral("/proc/%1/cmdline").arg(child));
-                if (arguments.open(QIODevice::ReadOnly)
-                    && arguments.readAll().contains(large.toUtf8()))
+                if (!arguments.open(QIODevice::ReadOnly))
+                    continue;
+                // Until it runs its own program, every child shows the whole command line.
+                const QByteArray line = arguments.readAll();
+                if (line.contains(large.toUtf8()) && !line.contains("drawing.dxf"))
                     return child;
             }
             return QString();
