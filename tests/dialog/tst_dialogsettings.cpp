@@ -387,6 +387,7 @@ void TestDialogSettings::fieldRowsFromTheStore_data()
     QTest::newRow("no fields") << list("x=a -1=b 3= 1.5=c") << list("4=") << list("");
     QTest::newRow("some fields") << list("x=a 2=b -1=c") << list("3=b") << list("2=b");
     QTest::newRow("beyond the last column") << list("25=a") << list("20=a") << list("19=a");
+    QTest::newRow("largest number") << list("2147483647=a") << list("20=a") << list("19=a");
 }
 
 void TestDialogSettings::fieldRowsFromTheStore()

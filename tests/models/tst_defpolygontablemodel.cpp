@@ -13,6 +13,7 @@
 
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -146,6 +147,8 @@ void TestDefPolygonTableModel::columnsAreNeverLost()
     QCOMPARE(model.columnCount(), 8);
     model.setNxyColNum(-1, -2, -3);
     QCOMPARE(model.columnCount(), 8);
+    model.setNxyColNum(std::numeric_limits<int>::max(), 1, 2);
+    QCOMPARE(model.columnCount(), std::numeric_limits<int>::max());
 
     for (const auto& columns : { std::array<int, 3>{ 5, 0, 1 }, { 0, 5, 1 }, { 0, 1, 5 } }) {
         DefPolygonTableModel other;
