@@ -1,8 +1,8 @@
 #include "commands.h"
 #include "importoptions.h"
 #include "outputfile.h"
-#include "plancanvas.h"
-#include "planpainter.h"
+#include "plan/plancanvas.h"
+#include "plan/planpainter.h"
 
 #include <QBuffer>
 #include <QCommandLineParser>

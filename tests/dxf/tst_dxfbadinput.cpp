@@ -1,6 +1,6 @@
 #include "drawing.h"
 #include "importrun.h"
-#include "support/literaldxfimport.h"
+#include "literal/literaldxfimport.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 #include "drawing.h"
 #include "importrun.h"
 #include "randomdrawing.h"
-#include "support/literaldxfimport.h"
+#include "literal/literaldxfimport.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 #include "geometry/pointcatalogue.h"
 
-#include "support/literalcatalogue.h"
+#include "literal/literalcatalogue.h"
 #include "support/random.h"
 #include "support/records.h"
 #include "support/specialvalues.h"

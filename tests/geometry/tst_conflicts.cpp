@@ -1,6 +1,6 @@
 #include "geometry/conflicts.h"
 
-#include "support/literalgeometry.h"
+#include "literal/literalgeometry.h"
 #include "support/random.h"
 #include "support/records.h"
 #include "support/specialvalues.h"

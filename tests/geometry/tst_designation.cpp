@@ -1,6 +1,6 @@
 #include "geometry/designation.h"
 
-#include "support/literalgeometry.h"
+#include "literal/literalgeometry.h"
 #include "support/random.h"
 #include "support/records.h"
 

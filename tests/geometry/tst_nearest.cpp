@@ -1,7 +1,7 @@
 #include "geometry/nearestindex.h"
 #include "geometry/nearestpoint.h"
 
-#include "support/literalgeometry.h"
+#include "literal/literalgeometry.h"
 #include "support/random.h"
 #include "support/records.h"
 #include "support/specialvalues.h"

@@ -1,7 +1,7 @@
-#include "support/literaldxfimport.h"
+#include "literal/literaldxfimport.h"
 
 #include "status.h"
-#include "support/literalgeometry.h"
+#include "literal/literalgeometry.h"
 
 #include <QRegularExpression>
 

@@ -1,4 +1,4 @@
-#include "causes.h"
+#include "survey/causes.h"
 
 #include <algorithm>
 #include <iterator>

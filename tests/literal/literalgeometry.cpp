@@ -1,4 +1,4 @@
-#include "support/literalgeometry.h"
+#include "literal/literalgeometry.h"
 
 #include <QRegularExpression>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "encodingguess.h"
-#include "filesurvey.h"
-#include "linecursor.h"
+#include "survey/encodingguess.h"
+#include "survey/filesurvey.h"
+#include "survey/linecursor.h"
 
 /// What the surveys of all formats share: the file, the answer so far, and where the reader stops.
 class Surveyor {

@@ -1,6 +1,6 @@
-#include "filesurvey.h"
+#include "survey/filesurvey.h"
 
-#include "encodingguess.h"
+#include "survey/encodingguess.h"
 
 #include <QFile>
 #include <QStringList>

@@ -1,4 +1,4 @@
-#include "support/literalmifimport.h"
+#include "literal/literalmifimport.h"
 
 #include "status.h"
 

@@ -1,4 +1,4 @@
-#include "support/literalmapimport.h"
+#include "literal/literalmapimport.h"
 
 #include "status.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "filesurvey.h"
+#include "survey/filesurvey.h"
 #include "geometry/defpolygon.h"
 
 #include <QPointF>

@@ -1,4 +1,4 @@
-#include "plancanvas.h"
+#include "plan/plancanvas.h"
 
 #include <QPainter>
 #include <QPainterPath>

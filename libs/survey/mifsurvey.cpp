@@ -1,4 +1,4 @@
-#include "surveyor.h"
+#include "survey/surveyor.h"
 
 #include <QDir>
 #include <QFileInfo>

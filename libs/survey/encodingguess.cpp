@@ -1,4 +1,4 @@
-#include "encodingguess.h"
+#include "survey/encodingguess.h"
 
 #include <QTextCodec>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "geometry/defpolygon.h"
-#include "support/literalcatalogue.h"
+#include "literal/literalcatalogue.h"
 
 #include <QFile>
 #include <QTextCodec>

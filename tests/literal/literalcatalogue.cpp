@@ -1,6 +1,6 @@
-#include "support/literalcatalogue.h"
+#include "literal/literalcatalogue.h"
 
-#include "support/literalgeometry.h"
+#include "literal/literalgeometry.h"
 
 #include <algorithm>
 

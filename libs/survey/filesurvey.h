@@ -1,6 +1,6 @@
 #pragma once
 
-#include "causes.h"
+#include "survey/causes.h"
 
 #include <QByteArray>
 #include <QString>

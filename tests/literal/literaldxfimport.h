@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/literalmapimport.h"
+#include "literal/literalmapimport.h"
 
 #include <QHash>
 #include <QSet>

@@ -1,4 +1,4 @@
-#include "findings.h"
+#include "survey/findings.h"
 
 #include "geometry/conflicts.h"
 #include "geometry/designation.h"

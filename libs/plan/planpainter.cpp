@@ -1,7 +1,7 @@
-#include "planpainter.h"
+#include "plan/planpainter.h"
 
 #include "geometry/conflicts.h"
-#include "plancanvas.h"
+#include "plan/plancanvas.h"
 
 #include <QFontMetricsF>
 
