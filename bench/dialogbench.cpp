@@ -3,6 +3,7 @@
 
 #include "bareresult.h"
 #include "dialog.h"
+#include "import/formats.h"
 #include "importgeometryinterface.h"
 #include "status.h"
 
@@ -103,7 +104,7 @@ class ShownDialog {
 public:
     ShownDialog()
     {
-        m_dialog.setUp(false, QStringLiteral("Контекст"), QStringLiteral("Участки"),
+        m_dialog.setUp(formats().front(), QStringLiteral("Контекст"), QStringLiteral("Участки"),
             QStringLiteral("Координаты"), GeometryInfo{ 0, 2, 1, 0 });
         widget<QComboBox>("encodingCombo")->setCurrentText(QStringLiteral("Windows-1251"));
         m_dialog.resize(1000, 800);

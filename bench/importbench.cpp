@@ -1,5 +1,5 @@
-#include "import/dxfimport.h"
-#include "import/mifimport.h"
+#include "import/formats.h"
+#include "import/mapimport.h"
 #include "status.h"
 
 #include <QCommandLineParser>
@@ -14,13 +14,6 @@ namespace {
 void printMessage(const QString& message)
 {
     std::fprintf(stderr, "%s\n", message.toUtf8().constData());
-}
-
-std::unique_ptr<MapImport> makeImporter(const QString& fileName)
-{
-    if (fileName.endsWith(QLatin1String(".dxf"), Qt::CaseInsensitive))
-        return std::make_unique<DxfImport>();
-    return std::make_unique<MifImport>();
 }
 
 qint64 vertexCount(const QVector<DefPolygon>& objects)
@@ -62,16 +55,17 @@ int main(int argc, char* argv[])
     setStatusFunc(printMessage);
     QVector<DefPolygon> objects;
     const QString fileName = parser.positionalArguments().constFirst();
-    std::unique_ptr<MapImport> importer = makeImporter(fileName);
-    importer->objectFileName = fileName;
-    importer->pointFileName = parser.value(points);
-    importer->searchPointDefs = !parser.isSet(noPointDefs);
-    importer->pointPref = QStringLiteral("н");
-    importer->pointStartNum = 1;
-    importer->searchObjectDefs = !parser.isSet(noObjectDefs);
-    importer->objectPref = QStringLiteral(":ЗУ");
-    importer->objectStartNum = 1;
-    importer->setEncoding(parser.value(encoding).toLatin1());
+    const Format* const format = formatOfFile(fileName);
+    if (!format)
+        parser.showHelp(EXIT_FAILURE);
+    ImportOptions options = ImportOptions::offered();
+    options.objectFileName = fileName;
+    options.pointFileName = parser.value(points);
+    options.searchPointDefs = !parser.isSet(noPointDefs);
+    options.searchObjectDefs = !parser.isSet(noObjectDefs);
+    options.encoding = parser.value(encoding).toLatin1();
+    std::unique_ptr<MapImport> importer = format->makeImporter();
+    importer->setOptions(options);
     importer->map = &objects;
     if (!importer->importMap() || objects.isEmpty())
         return EXIT_FAILURE;

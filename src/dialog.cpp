@@ -1,8 +1,8 @@
 #include "dialog.h"
 
 #include "geometry/designation.h"
-#include "import/dxfimport.h"
-#include "import/mifimport.h"
+#include "import/formats.h"
+#include "import/mapimport.h"
 #include "resultwriter.h"
 #include "sizecachingdelegate.h"
 #include "status.h"
@@ -35,6 +35,7 @@ public:
 Dialog::Dialog(QWidget* parent)
     : QDialog(parent)
     , m_ui(std::make_unique<Ui_Dialog>())
+    , m_format(&formats().front())
 {
     m_ui->setupUi(this);
     equalizeToolButtons();
@@ -50,10 +51,10 @@ Dialog::~Dialog()
     guarded([this] { writeSettings(); });
 }
 
-void Dialog::setUp(bool isDxf, const QString& contextName, const QString& tableName,
+void Dialog::setUp(const Format& format, const QString& contextName, const QString& tableName,
     const QString& catalogueTableName, const GeometryInfo& info)
 {
-    m_isDxf = isDxf;
+    m_format = &format;
     m_contextName = contextName;
     m_tableName = tableName;
     m_catalogueTableName = catalogueTableName;
@@ -103,10 +104,8 @@ void Dialog::on_pointFileButton_clicked()
 
 void Dialog::chooseFile(QLineEdit* edit)
 {
-    const QString filter =
-        m_isDxf ? QStringLiteral("Файлы dxf (*.dxf)") : QStringLiteral("Файлы mif (*.mif)");
-    const QString name =
-        QFileDialog::getOpenFileName(this, QStringLiteral("Выбрать файл"), m_lastPath, filter);
+    const QString name = QFileDialog::getOpenFileName(
+        this, QStringLiteral("Выбрать файл"), m_lastPath, m_format->filter);
     if (name.isEmpty())
         return;
     m_lastPath = name;
@@ -152,28 +151,26 @@ void Dialog::importObjects()
     m_mapModel.setMap(nullptr);
     m_objects.clear();
     m_fieldNumValueMap.clear();
-    makeImporter()->importMap();
+    const std::unique_ptr<MapImport> importer = m_format->makeImporter();
+    importer->setOptions(importOptions());
+    importer->map = &m_objects;
+    importer->importMap();
 }
 
-std::unique_ptr<MapImport> Dialog::makeImporter()
+ImportOptions Dialog::importOptions() const
 {
-    std::unique_ptr<MapImport> importer;
-    if (m_isDxf)
-        importer = std::make_unique<DxfImport>();
-    else
-        importer = std::make_unique<MifImport>();
-    importer->objectFileName = m_ui->objectFileNameEdit->text();
+    ImportOptions options;
+    options.objectFileName = m_ui->objectFileNameEdit->text();
     if (m_ui->usePointFileCheck->isChecked())
-        importer->pointFileName = m_ui->pointFileNameEdit->text();
-    importer->searchPointDefs = m_ui->searchPointDefsCheck->isChecked();
-    importer->pointPref = m_ui->pointPrefEdit->text();
-    importer->pointStartNum = m_ui->pointStartNumSpin->value();
-    importer->searchObjectDefs = m_ui->searchObjectDefsCheck->isChecked();
-    importer->objectPref = m_ui->objectPrefEdit->text();
-    importer->objectStartNum = m_ui->objectStartNumSpin->value();
-    importer->setEncoding(m_ui->encodingCombo->currentText().toLatin1());
-    importer->map = &m_objects;
-    return importer;
+        options.pointFileName = m_ui->pointFileNameEdit->text();
+    options.searchPointDefs = m_ui->searchPointDefsCheck->isChecked();
+    options.pointPref = m_ui->pointPrefEdit->text();
+    options.pointStartNum = m_ui->pointStartNumSpin->value();
+    options.searchObjectDefs = m_ui->searchObjectDefsCheck->isChecked();
+    options.objectPref = m_ui->objectPrefEdit->text();
+    options.objectStartNum = m_ui->objectStartNumSpin->value();
+    options.encoding = m_ui->encodingCombo->currentText().toLatin1();
+    return options;
 }
 
 void Dialog::showObjects()

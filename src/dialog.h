@@ -12,7 +12,8 @@
 
 #include <memory>
 
-class MapImport;
+struct Format;
+struct ImportOptions;
 class Ui_Dialog;
 class QLineEdit;
 class QSpinBox;
@@ -31,7 +32,7 @@ public:
     ~Dialog() override;
 
     /// Takes over what the host said about this import, before the dialog is run.
-    void setUp(bool isDxf, const QString& contextName, const QString& tableName,
+    void setUp(const Format& format, const QString& contextName, const QString& tableName,
         const QString& catalogueTableName, const GeometryInfo& info);
 
     /// The result XML of the objects as they stand; never null.
@@ -64,7 +65,7 @@ private:
     void writeFields();
     void chooseFile(QLineEdit* edit);
     void importObjects();
-    std::unique_ptr<MapImport> makeImporter();
+    ImportOptions importOptions() const;
     void showObjects();
     void showPolygon(DefPolygon* polygon);
 
@@ -73,7 +74,7 @@ private:
     QVector<DefPolygon> m_objects;
     DefPolygonTableModel m_polygonModel; ///< the catalogue of one of m_objects
     DefMapTableModel m_mapModel; ///< the list of m_objects
-    bool m_isDxf = false;
+    const Format* m_format; ///< what is imported; never null
     GeometryInfo m_info{ 0, 2, 1, 0 };
     QString m_contextName;
     QString m_tableName;

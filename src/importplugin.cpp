@@ -1,10 +1,8 @@
 #include "importplugin.h"
 
 #include "dialog.h"
+#include "import/formats.h"
 #include "status.h"
-
-static const QString strImportFromMif = QString::fromUtf8("Объекты из MIF");
-static const QString strImportFromDxf = QString::fromUtf8("Объекты из DXF");
 
 ImportPlugin::ImportPlugin(QObject* parent)
     : QObject(parent)
@@ -15,7 +13,10 @@ ImportPlugin::~ImportPlugin() = default;
 
 QStringList ImportPlugin::operations() const
 {
-    return { strImportFromMif, strImportFromDxf };
+    QStringList names;
+    for (const Format& format : formats())
+        names.append(format.operation);
+    return names;
 }
 
 QString ImportPlugin::operation(const QString& opName, const QString& contextName,
@@ -26,12 +27,13 @@ QString ImportPlugin::operation(const QString& opName, const QString& contextNam
     QString result;
     guarded([&] {
         Dialog dialog;
-        if (opName != strImportFromMif && opName != strImportFromDxf) {
+        const Format* const format = formatOfOperation(opName);
+        if (!format) {
             showStatus(QStringLiteral("Ошибка. Операция импорта \"%1\" планином не поддерживается.")
                            .arg(opName));
             return;
         }
-        dialog.setUp(opName == strImportFromDxf, contextName, tableName, catalogueTableName, info);
+        dialog.setUp(*format, contextName, tableName, catalogueTableName, info);
         dialog.exec();
         if (dialog.result() == QDialog::Accepted)
             result = dialog.stringResult();

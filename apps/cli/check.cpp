@@ -67,26 +67,32 @@ bool isReadable(const QString& fileName)
     return QFileInfo(fileName).isFile() && QFileInfo(fileName).isReadable();
 }
 
-SurveyOptions surveyOptions(const ImportOptions& options, bool forPoints, bool forObjects)
+SurveyOptions surveyOptions(const ImportArguments& arguments, bool forPoints, bool forObjects)
 {
     SurveyOptions surveyOptions;
-    surveyOptions.encoding = options.codecName();
-    surveyOptions.readsPoints = forPoints && options.searchPointDefs;
+    surveyOptions.encoding = arguments.codecName();
+    surveyOptions.readsPoints = forPoints && arguments.options.searchPointDefs;
     surveyOptions.readsObjects = forObjects;
-    surveyOptions.searchPointDefs = options.searchPointDefs;
-    surveyOptions.searchObjectDefs = forObjects && options.searchObjectDefs;
+    surveyOptions.searchPointDefs = arguments.options.searchPointDefs;
+    surveyOptions.searchObjectDefs = forObjects && arguments.options.searchObjectDefs;
     return surveyOptions;
 }
 
-/// Surveys the file, and the file of points if there is one.
-QVector<FileSurvey> surveyFiles(const QString& fileName, const ImportOptions& options)
+/// How files of a format are surveyed.
+auto surveyOf(const Format& format)
 {
-    const auto survey = options.formatOf(fileName) == Format::Dxf ? surveyDxf : surveyMif;
-    const QString& pointFile = options.pointFileName;
+    return format.id == QLatin1String("dxf") ? surveyDxf : surveyMif;
+}
+
+/// Surveys the file, and the file of points if there is one.
+QVector<FileSurvey> surveyFiles(const QString& fileName, const ImportArguments& arguments)
+{
+    const auto survey = surveyOf(arguments.formatOf(fileName));
+    const QString& pointFile = arguments.options.pointFileName;
     QVector<FileSurvey> surveys{ survey(
-        fileName, surveyOptions(options, pointFile.isEmpty(), true)) };
+        fileName, surveyOptions(arguments, pointFile.isEmpty(), true)) };
     if (!pointFile.isEmpty() && isReadable(pointFile))
-        surveys.append(survey(pointFile, surveyOptions(options, true, false)));
+        surveys.append(survey(pointFile, surveyOptions(arguments, true, false)));
     return surveys;
 }
 
@@ -124,19 +130,19 @@ void judgeAxes(Report& report, const QVector<DefPolygon>& objects, const Geometr
     report.surveys.first().causes.append({ Cause::Axes, report.fileName, 0, detail, 0 });
 }
 
-Report check(const QString& fileName, const ImportOptions& options, const GeometryInfo& columns)
+Report check(const QString& fileName, const ImportArguments& arguments, const GeometryInfo& columns)
 {
     Report report;
     report.fileName = fileName;
-    report.chosenEncoding = options.codecName();
-    const Import import = runImport(fileName, options);
+    report.chosenEncoding = arguments.codecName();
+    const Import import = runImport(fileName, arguments);
     report.unreadable = !isReadable(fileName);
     if (report.unreadable) {
         for (const QString& message : import.messages)
             report.messages.append({ message, fileName, 0 });
         return report;
     }
-    report.surveys = surveyFiles(fileName, options);
+    report.surveys = surveyFiles(fileName, arguments);
     if (import.objects.isEmpty())
         explainEmptyResult(report.surveys.first());
     judgeAxes(report, import.objects, columns);
@@ -392,7 +398,7 @@ void writeOut(const QByteArray& bytes)
 
 ExitStatus checkFile(const QString& fileName, const QCommandLineParser& parser)
 {
-    const Report report = check(fileName, readImportOptions(parser), readColumns(parser));
+    const Report report = check(fileName, readImportArguments(parser), readColumns(parser));
     if (report.unreadable)
         printMessage(fileName, report.messages.value(0).text);
     if (parser.isSet(QStringLiteral("json")))
@@ -454,11 +460,11 @@ ExitStatus checkFiles(const QStringList& files, const QCommandLineParser& parser
 ExitStatus runCheck(const QCommandLineParser& parser)
 {
     const QStringList files = parser.positionalArguments();
-    const ImportOptions options = readImportOptions(parser);
+    const ImportArguments arguments = readImportArguments(parser);
     readColumns(parser);
     readNumber(parser, QStringLiteral("jobs"), 1, maxJobs);
     for (const QString& file : files)
-        options.formatOf(file);
+        arguments.formatOf(file);
     return files.size() == 1 ? checkFile(files.first(), parser) : checkFiles(files, parser);
 }
 

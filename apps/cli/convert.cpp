@@ -107,7 +107,7 @@ ExitStatus convertFile(
     const QString& fileName, const QString& target, const QCommandLineParser& parser)
 {
     OutputFile::checkPlace(target);
-    Import import = runImport(fileName, readImportOptions(parser));
+    Import import = runImport(fileName, readImportArguments(parser));
     for (const QString& message : qAsConst(import.messages))
         printMessage(fileName, message);
     const bool failed = !import.messages.isEmpty();
@@ -212,10 +212,10 @@ ExitStatus runConvert(const QCommandLineParser& parser)
 {
     const QStringList files = parser.positionalArguments();
     const QStringList targets = targetsOf(files, parser);
-    const ImportOptions options = readImportOptions(parser);
+    const ImportArguments arguments = readImportArguments(parser);
     for (const QString& file : files)
-        options.formatOf(file);
-    checkTargets(files, targets, options.pointFileName);
+        arguments.formatOf(file);
+    checkTargets(files, targets, arguments.options.pointFileName);
     readResultOptions(parser);
     readNumber(parser, QStringLiteral("jobs"), 1, maxJobs);
     return files.size() == 1 ? convertFile(files.first(), targets.first(), parser)

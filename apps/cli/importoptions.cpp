@@ -1,8 +1,7 @@
 #include "importoptions.h"
 
 #include "console.h"
-#include "import/dxfimport.h"
-#include "import/mifimport.h"
+#include "import/mapimport.h"
 #include "status.h"
 
 #include <QCommandLineParser>
@@ -17,8 +16,6 @@ namespace {
 
 constexpr int maxPointPrefLength = 20;
 constexpr int maxStartNum = 999999999;
-const QByteArray defaultEncoding = "Default";
-
 QStringList* messageSink = nullptr;
 
 void takeMessage(const QString& message)
@@ -26,13 +23,38 @@ void takeMessage(const QString& message)
     messageSink->append(message);
 }
 
-std::unique_ptr<MapImport> makeImporter(Format format)
+/// Keeps what an import reports.
+class MessageCollector : public ImportObserver {
+public:
+    explicit MessageCollector(QStringList& messages)
+        : m_messages(messages)
+    {
+    }
+    void failed(const ImportFailure& failure) override { m_messages.append(failure.text()); }
+
+private:
+    QStringList& m_messages;
+};
+
+std::unique_ptr<MapImport> makeImporter(const Format& format)
 {
     // An importer takes the system's codec when it is made.
     const SystemCodecScope systemCodec;
-    if (format == Format::Dxf)
-        return std::make_unique<DxfImport>();
-    return std::make_unique<MifImport>();
+    return format.makeImporter();
+}
+
+QByteArray defaultEncoding()
+{
+    return ImportOptions::offered().encoding;
+}
+
+/// The identifiers of the formats, as a help text names them.
+QString formatNames()
+{
+    QStringList names;
+    for (const Format& format : formats())
+        names.append(format.id);
+    return names.join(QStringLiteral(" или "));
 }
 
 bool readSwitch(const QCommandLineParser& parser, const QString& option)
@@ -50,7 +72,7 @@ QByteArray readEncoding(const QCommandLineParser& parser)
 {
     const QString text = parser.value(QStringLiteral("encoding"));
     const QByteArray name = text.toLatin1();
-    if (name != defaultEncoding && !QTextCodec::codecForName(name)) {
+    if (name != defaultEncoding() && !QTextCodec::codecForName(name)) {
         throw Failure{ WrongUsage,
             QStringLiteral("неизвестная кодировка «%1»; список даёт --list-encodings").arg(text) };
     }
@@ -59,26 +81,24 @@ QByteArray readEncoding(const QCommandLineParser& parser)
 
 } // namespace
 
-Format ImportOptions::formatOf(const QString& fileName) const
+const Format& ImportArguments::formatOf(const QString& fileName) const
 {
-    const QString name = format.isEmpty() ? QFileInfo(fileName).suffix().toLower() : format;
-    if (name == QLatin1String("mif"))
-        return Format::Mif;
-    if (name == QLatin1String("dxf"))
-        return Format::Dxf;
+    const Format* const found = format ? format : formatOfFile(fileName);
+    if (found)
+        return *found;
     throw Failure{ WrongUsage,
-        QStringLiteral("%1: формат по расширению не определить; укажите --format mif или dxf")
-            .arg(fileName) };
+        QStringLiteral("%1: формат по расширению не определить; укажите --format %2")
+            .arg(fileName, formatNames()) };
 }
 
-QByteArray ImportOptions::codecName() const
+QByteArray ImportArguments::codecName() const
 {
-    return encoding == defaultEncoding ? systemEncoding() : encoding;
+    return options.encoding == defaultEncoding() ? systemEncoding() : options.encoding;
 }
 
 QList<QCommandLineOption> importCommandLineOptions()
 {
-    const ImportOptions defaults;
+    const ImportOptions defaults = ImportOptions::offered();
     const auto option = [](const char* name, const char* text, const char* value,
                             const QString& defaultValue = QString()) {
         return QCommandLineOption(QString::fromLatin1(name), QString::fromUtf8(text),
@@ -105,15 +125,16 @@ QList<QCommandLineOption> importCommandLineOptions()
     };
 }
 
-ImportOptions readImportOptions(const QCommandLineParser& parser)
+ImportArguments readImportArguments(const QCommandLineParser& parser)
 {
-    ImportOptions options;
-    options.format = parser.value(QStringLiteral("format")).toLower();
-    if (parser.isSet(QStringLiteral("format")) && options.format != QLatin1String("mif")
-        && options.format != QLatin1String("dxf")) {
+    ImportArguments arguments;
+    const QString format = parser.value(QStringLiteral("format")).toLower();
+    arguments.format = formatOfId(format);
+    if (parser.isSet(QStringLiteral("format")) && !arguments.format) {
         throw Failure{ WrongUsage,
-            QStringLiteral("--format: ожидается mif или dxf, а не «%1»").arg(options.format) };
+            QStringLiteral("--format: ожидается %1, а не «%2»").arg(formatNames(), format) };
     }
+    ImportOptions& options = arguments.options;
     options.pointFileName = parser.value(QStringLiteral("points"));
     options.searchPointDefs = readSwitch(parser, QStringLiteral("search-points"));
     options.pointPref = parser.value(QStringLiteral("point-prefix"));
@@ -126,7 +147,7 @@ ImportOptions readImportOptions(const QCommandLineParser& parser)
     options.objectPref = parser.value(QStringLiteral("object-prefix"));
     options.objectStartNum = readNumber(parser, QStringLiteral("object-start"), 1, maxStartNum);
     options.encoding = readEncoding(parser);
-    return options;
+    return arguments;
 }
 
 QCommandLineOption columnsOption()
@@ -156,7 +177,7 @@ QString encodingList()
         names.append(QString::fromLatin1(name));
     names.sort(Qt::CaseInsensitive);
     names.removeDuplicates();
-    names.prepend(QString::fromLatin1(defaultEncoding));
+    names.prepend(QString::fromLatin1(defaultEncoding()));
     return names.join(QLatin1Char('\n'));
 }
 
@@ -176,23 +197,19 @@ int parseNumber(const QString& text, const QString& what, int least, int most)
             .arg(what, QString::number(least), QString::number(most), text) };
 }
 
-Import runImport(const QString& fileName, const ImportOptions& options)
+Import runImport(const QString& fileName, const ImportArguments& arguments)
 {
     Import import;
+    MessageCollector collector(import.messages);
     messageSink = &import.messages;
     setStatusFunc(takeMessage);
     guarded([&] {
-        const auto importer = makeImporter(options.formatOf(fileName));
-        importer->objectFileName = fileName;
-        importer->pointFileName = options.pointFileName;
-        importer->searchPointDefs = options.searchPointDefs;
-        importer->pointPref = options.pointPref;
-        importer->pointStartNum = options.pointStartNum;
-        importer->searchObjectDefs = options.searchObjectDefs;
-        importer->objectPref = options.objectPref;
-        importer->objectStartNum = options.objectStartNum;
-        importer->setEncoding(options.encoding);
+        const auto importer = makeImporter(arguments.formatOf(fileName));
+        ImportOptions options = arguments.options;
+        options.objectFileName = fileName;
+        importer->setOptions(options);
         importer->map = &import.objects;
+        importer->observer = &collector;
         importer->importMap();
     });
     setStatusFunc(nullptr);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "geometry/defpolygon.h"
+#include "import/formats.h"
+#include "import/importoptions.h"
 #include "importgeometryinterface.h"
 
 #include <QByteArray>
@@ -10,29 +12,22 @@
 
 class QCommandLineParser;
 
-enum class Format { Mif, Dxf };
-
-/// What an import needs to know; the defaults are those of the dialog at a first run.
-struct ImportOptions {
-    QString format; ///< "mif" or "dxf"; empty to go by the extension
-    QString pointFileName; ///< separate file of points; empty for none
-    bool searchPointDefs = true;
-    QString pointPref = QStringLiteral("н");
-    int pointStartNum = 1;
-    bool searchObjectDefs = true;
-    QString objectPref = QStringLiteral(":ЗУ");
-    int objectStartNum = 1;
-    QByteArray encoding = "Default"; ///< a codec name, or "Default" for that of the system
+/// What the command line says of an import beside the file; the defaults are those of the dialog
+/// at a first run.
+struct ImportArguments {
+    const Format* format = nullptr; ///< null to go by the suffix of the file's name
+    ImportOptions options = ImportOptions::offered();
 
     /// The name of the codec in force.
     QByteArray codecName() const;
-    Format formatOf(const QString& fileName) const;
+    /// The format of a file; it is a wrong use of the command when there is none.
+    const Format& formatOf(const QString& fileName) const;
 };
 
 /// The options of the command line that every command has.
 QList<QCommandLineOption> importCommandLineOptions();
 
-ImportOptions readImportOptions(const QCommandLineParser& parser);
+ImportArguments readImportArguments(const QCommandLineParser& parser);
 
 /// The option --columns, for the commands that know of the host's catalogue.
 QCommandLineOption columnsOption();
@@ -59,4 +54,4 @@ struct Import {
 };
 
 /// Reads a file as the dialog does.
-Import runImport(const QString& fileName, const ImportOptions& options);
+Import runImport(const QString& fileName, const ImportArguments& arguments);

@@ -79,15 +79,15 @@ ExitStatus runPlan(const QCommandLineParser& parser)
             QStringLiteral("укажите файл рисунка: -o ФАЙЛ.svg или -o ФАЙЛ.png") };
     }
     const QSize size = readSize(parser);
-    const ImportOptions options = readImportOptions(parser);
+    const ImportArguments arguments = readImportArguments(parser);
     for (const QString& file : files)
-        options.formatOf(file);
+        arguments.formatOf(file);
     OutputFile::checkPlace(target);
 
     QVector<DefPolygon> objects;
     bool failed = false;
     for (const QString& file : files) {
-        const Import import = runImport(file, options);
+        const Import import = runImport(file, arguments);
         objects += import.objects;
         failed = failed || !import.messages.isEmpty();
         for (const QString& message : import.messages)

@@ -1,60 +1,14 @@
 #include "import/dxfimport.h"
 
-#include "geometry/nearestpoint.h"
+#include "import/dxftext.h"
 #include "import/number.h"
-
-#include <algorithm>
 
 namespace {
 
-constexpr QLatin1String entityCode("0");
-
-bool isDigit(QChar c)
-{
-    return c >= QLatin1Char('0') && c <= QLatin1Char('9');
-}
-
-bool isLatinOrRussianLetter(QChar c)
-{
-    const auto isBetween = [c](char16_t first, char16_t last) {
-        return c.unicode() >= first && c.unicode() <= last;
-    };
-    return isBetween(u'A', u'Z') || isBetween(u'a', u'z') || isBetween(u'А', u'я') || c == u'Ё'
-        || c == u'ё';
-}
-
-/// Whether a text looks like a point number: at most one letter, then digits. A line feed at the
-/// very end is overlooked.
-bool isPointDef(const QString& def)
-{
-    auto it = def.cbegin();
-    const auto end = def.endsWith(QLatin1Char('\n')) ? def.cend() - 1 : def.cend();
-    if (it != end && isLatinOrRussianLetter(*it))
-        ++it;
-    return it != end && std::all_of(it, end, isDigit);
-}
-
-/// `text` with every `escape` replaced by `symbol`, at a cost in step with its length.
-QString withSymbol(const QString& text, QLatin1String escape, QChar symbol)
-{
-    QString result;
-    int start = 0;
-    for (int hit = text.indexOf(escape); hit >= 0; hit = text.indexOf(escape, start)) {
-        result.append(QStringView(text).mid(start, hit - start)).append(symbol);
-        start = hit + escape.size();
-    }
-    return start == 0 ? text : result.append(QStringView(text).mid(start));
-}
-
-/// The number of a %%nnn escape at the start of `text`, or -1.
-int escapedByte(QStringView text)
-{
-    constexpr int length = 5;
-    if (text.size() < length || text.at(0) != QLatin1Char('%') || text.at(1) != QLatin1Char('%'))
-        return -1;
-    const QStringView digits = text.mid(2, 3);
-    return std::all_of(digits.begin(), digits.end(), isDigit) ? digits.toString().toInt() : -1;
-}
+constexpr std::array<QLatin1String, 2> pointCodes{ QLatin1String{ "10", 2 },
+    QLatin1String{ "20", 2 } };
+constexpr std::array<QLatin1String, 4> lineCodes{ QLatin1String{ "10", 2 },
+    QLatin1String{ "20", 2 }, QLatin1String{ "11", 2 }, QLatin1String{ "21", 2 } };
 
 /// One coordinate of an entity, as last seen.
 struct Coordinate {
@@ -73,67 +27,6 @@ struct Coordinate {
 
 DxfImport::~DxfImport() = default;
 
-// Pairs
-
-bool DxfImport::readCodeValue()
-{
-    if (unread) {
-        unread = false;
-        return true;
-    }
-    code = in.readLine().trimmed();
-    if (code.isEmpty())
-        return false;
-    value = in.readLine().trimmed();
-    return true;
-}
-
-void DxfImport::keepPair()
-{
-    m_keptCode = code.toString();
-    m_keptValue = value.toString();
-    code = m_keptCode;
-    value = m_keptValue;
-}
-
-bool DxfImport::checkDxfFile()
-{
-    const bool isDxf = readCodeValue() && code == entityCode && value == QLatin1String("SECTION")
-        && readCodeValue() && code == QLatin1String("2") && value == QLatin1String("HEADER");
-    if (!isDxf) {
-        reportFile(QStringLiteral("Ошибка. Файл %1 не соответствует формату DXF"), in.fileName());
-    }
-    return isDxf;
-}
-
-QString DxfImport::decodeText(const QString& text) const
-{
-    if (!text.contains(QLatin1String("%%")))
-        return text;
-
-    QString symbols = withSymbol(text, QLatin1String("%%d"), QChar(0x00B0));
-    symbols = withSymbol(symbols, QLatin1String("%%p"), QChar(0x00B1));
-    symbols = withSymbol(symbols, QLatin1String("%%c"), QChar(0x00D8));
-    if (!symbols.isValidUtf16())
-        return symbols;
-
-    QString result;
-    result.reserve(symbols.size());
-    for (int i = 0; i < symbols.size();) {
-        const int byte = escapedByte(QStringView(symbols).mid(i));
-        if (byte < 0) {
-            result.append(symbols.at(i++));
-            continue;
-        }
-        if (byte <= 255)
-            result.append(codec->toUnicode(QByteArray(1, static_cast<char>(byte))));
-        else
-            result.append(QStringView(symbols).mid(i, 5));
-        i += 5;
-    }
-    return result;
-}
-
 // Entities
 
 template <size_t Count>
@@ -143,13 +36,13 @@ bool DxfImport::readCoordinates(
     std::array<bool, Count> seen{};
     size_t missing = Count;
     while (missing > 0) {
-        if (in.atEnd() || !readCodeValue())
+        if (pairs.atEnd() || !pairs.readCodeValue())
             return false;
         for (size_t i = 0; i < Count; ++i) {
-            if (code != codes[i])
+            if (pairs.code != codes[i])
                 continue;
             bool ok = false;
-            coordinates[i] = toDouble(value, &ok);
+            coordinates[i] = toDouble(pairs.value, &ok);
             if (!ok)
                 return false;
             missing -= seen[i] ? 0 : 1;
@@ -158,11 +51,6 @@ bool DxfImport::readCoordinates(
     }
     return true;
 }
-
-static constexpr std::array<QLatin1String, 2> pointCodes{ QLatin1String("10"),
-    QLatin1String("20") };
-static constexpr std::array<QLatin1String, 4> lineCodes{ QLatin1String("10"), QLatin1String("20"),
-    QLatin1String("11"), QLatin1String("21") };
 
 bool DxfImport::readPoint()
 {
@@ -183,28 +71,28 @@ bool DxfImport::readText()
     Coordinate alignedY;
     int horizontal = 0;
     int vertical = 0;
-    while (!in.atEnd()) {
-        if (!readCodeValue())
+    while (!pairs.atEnd()) {
+        if (!pairs.readCodeValue())
             return false;
-        if (code == entityCode) {
-            unread = true;
+        if (pairs.isEntity()) {
+            pairs.unread = true;
             break;
         }
-        if (code == QLatin1String("1")) {
+        if (pairs.code == QLatin1String("1")) {
             hasText = true;
-            text = value.toString();
-        } else if (code == QLatin1String("10")) {
-            x.read(value);
-        } else if (code == QLatin1String("20")) {
-            y.read(value);
-        } else if (code == QLatin1String("11")) {
-            alignedX.read(value);
-        } else if (code == QLatin1String("21")) {
-            alignedY.read(value);
-        } else if (code == QLatin1String("72")) {
-            horizontal = value.toString().toInt();
-        } else if (code == QLatin1String("73")) {
-            vertical = value.toString().toInt();
+            text = pairs.value.toString();
+        } else if (pairs.code == QLatin1String("10")) {
+            x.read(pairs.value);
+        } else if (pairs.code == QLatin1String("20")) {
+            y.read(pairs.value);
+        } else if (pairs.code == QLatin1String("11")) {
+            alignedX.read(pairs.value);
+        } else if (pairs.code == QLatin1String("21")) {
+            alignedY.read(pairs.value);
+        } else if (pairs.code == QLatin1String("72")) {
+            horizontal = pairs.value.toString().toInt();
+        } else if (pairs.code == QLatin1String("73")) {
+            vertical = pairs.value.toString().toInt();
         }
     }
     if (!hasText || !x.ok || !y.ok)
@@ -215,7 +103,7 @@ bool DxfImport::readText()
         x = alignedX;
         y = alignedY;
     }
-    texts.append(DefPoint{ decodeText(text), x.value, y.value });
+    labels.append(DefPoint{ decodeText(text, codec), x.value, y.value });
     return true;
 }
 
@@ -244,17 +132,16 @@ bool DxfImport::readPolyline()
 {
     appendEmptyPolygon();
     appendEmptyContour();
-    bool closed = false;
-    while (!in.atEnd()) {
-        if (!readCodeValue())
+    while (!pairs.atEnd()) {
+        if (!pairs.readCodeValue())
             return false;
-        if (code == entityCode) {
-            if (value != QLatin1String("VERTEX"))
-                return value == QLatin1String("SEQEND") && closeContour(closed);
+        if (pairs.isEntity()) {
+            if (pairs.value != QLatin1String("VERTEX"))
+                return pairs.value == QLatin1String("SEQEND") && closeContour();
             if (!readVertex())
                 return false;
-        } else if (code == QLatin1String("70") && value == QLatin1String("1")) {
-            closed = true;
+        } else if (pairs.code == QLatin1String("70") && pairs.value == QLatin1String("1")) {
+            m_closed = true;
         }
     }
     return false;
@@ -269,21 +156,20 @@ bool DxfImport::readLwpolyline()
     qint64 count = 0;
     bool ok = true;
     bool first = true;
-    bool closed = false;
     for (;;) {
         // A bad number is noticed here, one step late: after the last vertex it goes unnoticed.
-        if (in.atEnd() || !ok || !readCodeValue() || code == entityCode)
+        if (pairs.atEnd() || !ok || !pairs.readCodeValue() || pairs.isEntity())
             return false;
-        if (code == QLatin1String("10")) {
-            x.read(value);
+        if (pairs.code == QLatin1String("10")) {
+            x.read(pairs.value);
             ok = x.ok;
-        } else if (code == QLatin1String("20")) {
-            y.read(value);
+        } else if (pairs.code == QLatin1String("20")) {
+            y.read(pairs.value);
             ok = y.ok;
-        } else if (code == QLatin1String("70")) {
-            closed = value.toString().toInt() & 1;
-        } else if (code == QLatin1String("90")) {
-            count = value.toString().toInt(&ok);
+        } else if (pairs.code == QLatin1String("70")) {
+            m_closed = pairs.value.toString().toInt() & 1;
+        } else if (pairs.code == QLatin1String("90")) {
+            count = pairs.value.toString().toInt(&ok);
         }
         if (!x.present || !y.present)
             continue;
@@ -291,7 +177,7 @@ bool DxfImport::readLwpolyline()
             return false;
         appendVert(x.value, y.value, false);
         if (count == 1)
-            return closeContour(closed);
+            return closeContour();
         --count;
         first = false;
         x.present = false;
@@ -299,75 +185,96 @@ bool DxfImport::readLwpolyline()
     }
 }
 
-bool DxfImport::closeContour(bool closed)
+bool DxfImport::closeContour()
 {
     QVector<DefPoint>& contour = map->last().contours.last();
     if (contour.size() < 2)
         return false;
-    if (closed && !coincide(contour.first(), contour.last()))
+    if (m_closed && !coincide(contour.first(), contour.last()))
         contour.append(DefPoint(contour.first()));
     return true;
 }
 
 // Passes
 
+bool DxfImport::checkDxfFile()
+{
+    const bool isDxf = pairs.readCodeValue() && pairs.isEntity()
+        && pairs.value == QLatin1String("SECTION") && pairs.readCodeValue()
+        && pairs.code == QLatin1String("2") && pairs.value == QLatin1String("HEADER");
+    return isDxf || failFile(FailureKind::NotDxf, in.fileName());
+}
+
 bool DxfImport::scanEntities(EntityReceiver receive)
 {
     bool inEntities = false;
     bool ok = true;
-    while (ok && !in.atEnd()) {
-        ok = readCodeValue();
-        if (!ok || code != entityCode)
+    while (ok && !pairs.atEnd()) {
+        ok = pairs.readCodeValue();
+        if (!ok || !pairs.isEntity())
             continue;
-        if (value == QLatin1String("SECTION")) {
-            ok = readCodeValue();
-            inEntities = value == QLatin1String("ENTITIES");
+        if (pairs.value == QLatin1String("SECTION")) {
+            ok = pairs.readCodeValue();
+            inEntities = pairs.value == QLatin1String("ENTITIES");
         } else if (inEntities) {
             ok = (this->*receive)();
         }
     }
-    if (unread)
-        keepPair();
-    if (!ok)
-        report(QStringLiteral("Ошибка чтения DXF файла в строке: %1"), in.lineNum());
-    return ok;
+    pairs.keepUnread();
+    return ok || fail(FailureKind::DxfEntity);
 }
 
 bool DxfImport::receivePointOrText()
 {
     for (const char* type : { "POINT", "INSERT", "CIRCLE", "ELLIPSE" }) {
-        if (value == QLatin1String(type))
-            return readPoint();
+        const QLatin1String kind(type);
+        if (pairs.value == kind)
+            return noteRead(kind, readPoint());
     }
     return receiveText();
 }
 
 bool DxfImport::receiveText()
 {
-    return value != QLatin1String("TEXT") || readText();
+    const QLatin1String kind("TEXT");
+    return pairs.value != kind || noteRead(kind, readText());
+}
+
+bool DxfImport::noteRead(QLatin1String kind, bool read)
+{
+    if (read)
+        observer->entityRead(kind);
+    return read;
 }
 
 bool DxfImport::receivePolygon()
 {
-    bool ok = false;
-    if (value == QLatin1String("LWPOLYLINE"))
-        ok = readLwpolyline();
-    else if (value == QLatin1String("LINE"))
-        ok = readLine();
-    else if (value == QLatin1String("POLYLINE"))
-        ok = readPolyline();
-    else
-        return true;
-    if (ok)
+    if (pairs.value == QLatin1String("LWPOLYLINE"))
+        return loadPolygon(QLatin1String("LWPOLYLINE"), &DxfImport::readLwpolyline);
+    if (pairs.value == QLatin1String("LINE"))
+        return loadPolygon(QLatin1String("LINE"), &DxfImport::readLine);
+    if (pairs.value == QLatin1String("POLYLINE"))
+        return loadPolygon(QLatin1String("POLYLINE"), &DxfImport::readPolyline);
+    return true;
+}
+
+bool DxfImport::loadPolygon(QLatin1String kind, EntityReceiver read)
+{
+    const int objectCount = map->size();
+    m_closed = false;
+    const bool complete = (this->*read)();
+    if (complete)
         updateLastPolygonDef();
-    return ok;
+    if (map->size() > objectCount)
+        observer->objectBuilt(kind, m_closed, complete);
+    return complete;
 }
 
 bool DxfImport::loadPoints()
 {
     if (!checkDxfFile())
         return false;
-    texts.clear();
+    labels.clear();
     return scanEntities(&DxfImport::receivePointOrText);
 }
 
@@ -379,58 +286,38 @@ bool DxfImport::loadPolygons()
     if (searchObjectDefs) {
         const bool textsAreOfThisFile = searchPointDefs && pointFileName.isEmpty();
         if (!textsAreOfThisFile) {
-            texts.clear();
+            labels.clear();
             loadTextsOnly();
         }
-        filterObjectDefs();
-        indexTexts();
+        labels.filterObjectDefs();
     }
     return scanEntities(&DxfImport::receivePolygon);
 }
 
 // Labels
 
-void DxfImport::indexTexts()
-{
-    m_textIndex.reset();
-    if (std::is_sorted(texts.cbegin(), texts.cend()))
-        m_textIndex.emplace(texts);
-}
-
-const DefPoint* DxfImport::findText(const QPointF& place) const
-{
-    return m_textIndex ? m_textIndex->find(place) : findNearestPoint(texts, place);
-}
-
 void DxfImport::updatePointsDefs()
 {
-    if (points.isEmpty() || texts.isEmpty())
+    if (points.isEmpty() || labels.isEmpty())
         return;
-    sortPoints(texts);
-    indexTexts();
+    labels.sort();
     for (int i = 0; i < points.size(); ++i) {
         const DefPoint& point = points.at(i);
-        if (const DefPoint* text = findText(QPointF(point.x, point.y)))
+        if (const DefPoint* text = labels.findNearest(QPointF(point.x, point.y)))
             points.setDef(i, text->def);
     }
 }
 
 bool DxfImport::loadTextsOnly()
 {
-    if (!scanEntities(&DxfImport::receiveText))
-        return false;
-    sortPoints(texts);
-    resetInFileStream();
-    return true;
-}
-
-void DxfImport::filterObjectDefs()
-{
-    QVector<DefPoint> objectTexts;
-    std::copy_if(texts.cbegin(), texts.cend(), std::back_inserter(objectTexts),
-        [](const DefPoint& text) { return !isPointDef(text.def); });
-    if (!objectTexts.isEmpty())
-        texts = objectTexts;
+    observer->passStarted(ImportPass::Labels, in.fileName());
+    const bool loaded = scanEntities(&DxfImport::receiveText);
+    if (loaded) {
+        labels.sort();
+        resetInFileStream();
+    }
+    observer->passStarted(ImportPass::Objects, in.fileName());
+    return loaded;
 }
 
 void DxfImport::updateLastPolygonDef()
@@ -440,7 +327,7 @@ void DxfImport::updateLastPolygonDef()
         QPointF centroid = map->last().centroid();
         if (swapXY)
             centroid = centroid.transposed();
-        if (const DefPoint* text = findText(centroid))
+        if (const DefPoint* text = labels.findNearest(centroid))
             def = text->def;
     }
     setLastPolygonDef(def);

@@ -1,13 +1,10 @@
 #pragma once
 
-#include "geometry/nearestindex.h"
+#include "import/dxflabels.h"
+#include "import/dxfpairs.h"
 #include "import/mapimport.h"
 
-#include <QPointF>
-#include <QStringView>
-
 #include <array>
-#include <optional>
 
 /// Reads ASCII DXF drawings: pairs of lines, a group code and its value, as published by Autodesk.
 ///
@@ -25,18 +22,13 @@ protected:
     bool loadPoints() override;
     bool loadPolygons() override;
 
-    /// Reads the next pair into `code` and `value`, or hands back the current one when `unread` is
-    /// set. False when the code line is blank or the file has ended.
-    bool readCodeValue();
-    /// Checks that the file begins with a HEADER section, and reports when it does not.
+    /// Checks that the file begins with a HEADER section, and tells of one that does not.
     bool checkDxfFile();
-    /// `text` with %%d, %%p, %%c and %%nnn replaced; nnn is a byte in the encoding of the file.
-    QString decodeText(const QString& text) const;
 
     // The readers of one entity each, called after the pair that starts it. False when the entity
     // is incomplete or holds a bad number; what was built of it stays.
     bool readPoint(); ///< the first point of any entity: adds to `points`
-    bool readText(); ///< TEXT: adds to `texts`
+    bool readText(); ///< TEXT: adds to `labels`
     bool readLine(); ///< LINE: adds an object
     bool readPolyline(); ///< POLYLINE with its VERTEX entities and SEQEND: adds an object
     bool readVertex(); ///< VERTEX: adds to the current contour
@@ -45,19 +37,15 @@ protected:
     /// Gives each catalogue point the designation of its nearest text.
     void updatePointsDefs();
     /// Reads the texts of the whole file and starts the file again. False, and at the place of the
-    /// failure, when it cannot be read; that has been reported.
+    /// failure, when it cannot be read; the observer has been told.
     bool loadTextsOnly();
-    /// Drops the texts that look like point numbers, unless all do.
-    void filterObjectDefs();
     /// Names the object just read after the text nearest to its centroid.
     void updateLastPolygonDef();
     /// Adds the vertices of all objects to the catalogue, sorted and merged.
     void pointsFromPolygons();
 
-    QStringView code; ///< group code of the current pair, trimmed
-    QStringView value; ///< value of the current pair, trimmed
-    bool unread = false; ///< the next readCodeValue() hands back the current pair
-    QVector<DefPoint> texts; ///< text labels: decoded text and reference point
+    DxfPairs pairs{ in }; ///< the pairs of the current file
+    DxfLabels labels; ///< the texts that name points and objects
 
 private:
     using EntityReceiver = bool (DxfImport::*)();
@@ -65,16 +53,13 @@ private:
     bool scanEntities(EntityReceiver receive);
     bool receivePointOrText();
     bool receiveText();
+    bool noteRead(QLatin1String kind, bool read);
     bool receivePolygon();
+    bool loadPolygon(QLatin1String kind, EntityReceiver read);
     template <size_t Count>
     bool readCoordinates(
         const std::array<QLatin1String, Count>& codes, std::array<double, Count>& coordinates);
-    void keepPair();
-    bool closeContour(bool closed);
-    void indexTexts();
-    const DefPoint* findText(const QPointF& place) const;
+    bool closeContour();
 
-    QString m_keptCode; ///< hold the current pair where it outlives its file
-    QString m_keptValue;
-    std::optional<NearestIndex> m_textIndex; ///< over `texts`, where they are sorted
+    bool m_closed = false; ///< the polyline being read is marked as closed
 };

@@ -19,6 +19,7 @@ bool LineReader::open(const QString& fileName, QTextCodec* codec)
     m_in.setDevice(&m_file);
     m_in.setCodec(codec);
     m_lineNum = 0;
+    m_linesBefore = 0;
     forget();
     // Where the device is read one block at a time, a last block that decodes to nothing makes
     // one more, empty line. Chunks would run over it.
@@ -43,6 +44,7 @@ void LineReader::rewind()
 {
     m_file.seek(0);
     m_in.seek(0);
+    m_linesBefore = m_lineNum;
     forget();
 }
 

@@ -30,6 +30,8 @@ public:
     void rewind();
     /// The number of lines read since open(): the one-based number of the last line.
     int lineNum() const { return m_lineNum; }
+    /// The one-based number of the last line in the file, which rewind() starts again.
+    int lineOfFile() const { return m_lineNum - m_linesBefore; }
 
 private:
     QStringView readLineByLine();
@@ -39,6 +41,7 @@ private:
     QFile m_file;
     QTextStream m_in;
     int m_lineNum = 0;
+    int m_linesBefore = 0; ///< lines read before the file was started again
     bool m_byLine = false;
 
     QString m_chunk; ///< decoded text, read up to m_pos

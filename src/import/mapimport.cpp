@@ -1,18 +1,29 @@
 #include "import/mapimport.h"
 
 #include "geometry/designation.h"
-#include "status.h"
-
-#include <QDir>
 
 #include <utility>
 
+namespace {
+
+/// The observer of imports that were given no other.
+ImportObserver messagesOnly;
+
+} // namespace
+
 MapImport::MapImport()
-    : codec(QTextCodec::codecForLocale())
+    : observer(&messagesOnly)
+    , codec(QTextCodec::codecForLocale())
 {
 }
 
 MapImport::~MapImport() = default;
+
+void MapImport::setOptions(const ImportOptions& options)
+{
+    ImportOptions::operator=(options);
+    setEncoding(options.encoding);
+}
 
 void MapImport::setEncoding(const QByteArray& name)
 {
@@ -25,7 +36,8 @@ bool MapImport::importMap()
 {
     points.clear();
     if (searchPointDefs) {
-        if (openFile(pointFileName.isEmpty() ? objectFileName : pointFileName)) {
+        if (openFile(
+                ImportPass::Points, pointFileName.isEmpty() ? objectFileName : pointFileName)) {
             const bool loaded = loadPoints();
             in.close();
             if (!loaded)
@@ -34,19 +46,17 @@ bool MapImport::importMap()
         points.arrange();
     }
 
-    if (!openFile(objectFileName))
+    if (!openFile(ImportPass::Objects, objectFileName))
         return true;
     const bool loaded = loadPolygons();
     in.close();
     return loaded;
 }
 
-bool MapImport::openFile(const QString& fileName)
+bool MapImport::openFile(ImportPass pass, const QString& fileName)
 {
-    const bool opened = in.open(fileName, codec);
-    if (!opened)
-        reportFile(QStringLiteral("Ошибка открытия файла %1"), fileName);
-    return opened;
+    observer->passStarted(pass, fileName);
+    return in.open(fileName, codec) || failFile(FailureKind::FileNotOpened, fileName);
 }
 
 void MapImport::resetInFileStream()
@@ -87,12 +97,14 @@ void MapImport::setLastPolygonDef(const QString& def)
     map->last().def = def.isEmpty() ? numberedDef(objectPref, objectStartNum++) : def;
 }
 
-void MapImport::report(const QString& text, int number)
+bool MapImport::fail(FailureKind kind)
 {
-    showStatus(text.arg(number));
+    observer->failed({ kind, in.fileName(), in.lineNum(), in.lineOfFile() });
+    return false;
 }
 
-void MapImport::reportFile(const QString& text, const QString& fileName)
+bool MapImport::failFile(FailureKind kind, const QString& fileName)
 {
-    showStatus(text.arg(QDir::toNativeSeparators(fileName)));
+    observer->failed({ kind, fileName });
+    return false;
 }

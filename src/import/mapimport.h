@@ -2,6 +2,8 @@
 
 #include "geometry/defpolygon.h"
 #include "geometry/pointcatalogue.h"
+#include "import/importobserver.h"
+#include "import/importoptions.h"
 #include "import/linereader.h"
 
 #include <QByteArray>
@@ -9,20 +11,21 @@
 #include <QTextCodec>
 #include <QVector>
 
-/// The base of the file readers: options, files, passes, and the operations that build objects.
+/// The base of the file readers: files, passes, and the operations that build objects.
 ///
 /// An importer serves one run of importMap():
-///  1. the caller sets the options, the encoding and the collection to fill;
+///  1. the caller sets the options, the collection to fill and, if it wants to know more than the
+///     messages, the observer;
 ///  2. if point designations are searched, the point file (or, without one, the object file) is
 ///     opened and the reader's loadPoints() collects the catalogue, which is then sorted and
 ///     freed of coincident points;
 ///  3. the object file is opened and the reader's loadPolygons() builds the objects through
 ///     appendEmptyPolygon(), appendEmptyContour(), appendVert() and setLastPolygonDef();
-///  4. a reader that meets an error reports it once through showStatus() and ends its pass with
-///     false; what was built until then stays in the collection.
+///  4. a reader that meets an error tells the observer once and ends its pass with false; what was
+///     built until then stays in the collection.
 ///
 /// The driver opens and closes the file of each pass; readers only read lines from it.
-class MapImport {
+class MapImport : public ImportOptions {
 public:
     MapImport();
     virtual ~MapImport();
@@ -33,19 +36,13 @@ public:
     /// opened is reported and counts as empty.
     bool importMap();
 
+    /// Takes all options, the encoding included.
+    void setOptions(const ImportOptions& options);
     /// Chooses the text codec of the files by name; an unknown name changes nothing.
     void setEncoding(const QByteArray& name);
 
-    bool swapXY = false; ///< store the vertices with x and y exchanged
-    bool searchPointDefs = false; ///< run the point pass
-    QString pointPref; ///< prefix of automatic point designations
-    int pointStartNum = 0; ///< number of the next automatic point designation
-    bool searchObjectDefs = false; ///< look for object designations in the files
-    QString objectPref; ///< prefix of automatic object designations
-    int objectStartNum = 0; ///< number of the next automatic object designation
-    QString objectFileName;
-    QString pointFileName; ///< separate file of the point pass; empty for the object file
     QVector<DefPolygon>* map = nullptr; ///< the collection to fill; not owned
+    ImportObserver* observer; ///< not owned; at first one that shows failures to the user
 
 protected:
     /// The point pass over `in`: fills `points`. False when it was stopped by an error.
@@ -67,17 +64,16 @@ protected:
     /// Names the last object; an empty `def` stands for the next automatic designation.
     void setLastPolygonDef(const QString& def);
 
-    /// Reports `text` with its %1 replaced by a number, for example of a line.
-    static void report(const QString& text, int number);
-    /// Reports `text` with its %1 replaced by a file name in native separators.
-    static void reportFile(const QString& text, const QString& fileName);
+    /// Tells the observer that the current line cannot be read; returns false.
+    bool fail(FailureKind kind);
+    /// Tells the observer that a file as a whole cannot be read; returns false.
+    bool failFile(FailureKind kind, const QString& fileName);
 
     PointCatalogue points; ///< the named points
     LineReader in; ///< the file of the current pass
     QTextCodec* codec; ///< the text codec of all files
-    QByteArray encoding; ///< the codec name last asked for
 
 private:
-    bool openFile(const QString& fileName);
+    bool openFile(ImportPass pass, const QString& fileName);
     QString vertexDef(double x, double y);
 };

@@ -111,71 +111,25 @@ bool MifImport::checkMifFile()
 {
     for (const char* keyword : { "VERSION", "CHARSET", "DELIMITER" }) {
         readTokenizeMifLine(true);
-        if (!isHeaderLine(QLatin1String(keyword))) {
-            reportFile(
-                QStringLiteral("Ошибка. Файл %1 не соответствует формату MIF"), in.fileName());
-            return false;
-        }
+        if (!isHeaderLine(QLatin1String(keyword)))
+            return failFile(FailureKind::NotMif, in.fileName());
     }
     const QString value = tokens.at(1).toString().remove(QLatin1Char('"'));
     if (!value.isEmpty())
-        delimiter = value.front();
+        mid.delimiter = value.front();
     return true;
 }
 
 bool MifImport::openMidFile()
 {
-    QString name = in.fileName();
-    // Only the last letter changes, in lower case whatever the case of the name.
-    name.chop(1);
-    name.append(QLatin1Char('d'));
-    const bool opened = mid.open(name, codec);
-    if (!opened)
-        reportFile(QStringLiteral("Ошибка открытия MID файла %1"), name);
-    return opened;
+    const QString name = midFileName(in.fileName());
+    return mid.open(name, codec) || failFile(FailureKind::MidNotOpened, name);
 }
 
-bool MifImport::readMidLine()
+bool MifImport::failAtMidRow(FailureKind kind)
 {
-    midLine = mid.readLine().trimmed();
-    return !midLine.isEmpty();
-}
-
-bool MifImport::readMidDef(QString* def)
-{
-    if (!mid.isOpen())
-        return true;
-    if (!readMidLine())
-        return false;
-    if (def)
-        *def = extractDef(midLine);
-    return true;
-}
-
-QString MifImport::extractDef(QStringView row) const
-{
-    const QChar space = QLatin1Char(' ');
-    QVarLengthArray<QChar, 128> column;
-    bool atStart = true;
-    bool inQuotes = false;
-    for (const QChar c : row) {
-        if (c == space && atStart)
-            continue;
-        if (c == QLatin1Char('"')) {
-            if (inQuotes)
-                break;
-            inQuotes = true;
-            atStart = true;
-        } else if (c == delimiter && !inQuotes) {
-            break;
-        } else {
-            column.append(c);
-            atStart = false;
-        }
-    }
-    while (!column.isEmpty() && column.last() == space)
-        column.removeLast();
-    return column.isEmpty() ? QString() : QString(column.constData(), column.size());
+    observer->failed({ kind, mid.fileName(), mid.lineNum(), mid.lineNum() });
+    return false;
 }
 
 // Passes
@@ -216,8 +170,7 @@ bool MifImport::scanObjects(ObjectHandler handle)
             continue;
         tokenize();
         if (keyword == Keyword::Collection) {
-            report(QStringLiteral("Ошибка в стоке %1. Коллекции в MIF файлах не поддерживаются."),
-                in.lineNum());
+            fail(FailureKind::Collection);
             return true;
         }
         if (!(this->*handle)(keyword))
@@ -228,62 +181,58 @@ bool MifImport::scanObjects(ObjectHandler handle)
 
 bool MifImport::skipObject()
 {
-    if (readMidDef(nullptr))
-        return true;
-    report(QStringLiteral("Ошибка чтения данных объекта из строки: %1"), mid.lineNum());
-    return false;
+    return mid.readMidDef(nullptr) || failAtMidRow(FailureKind::ObjectData);
 }
 
 bool MifImport::loadPoint(Keyword keyword)
 {
     if (keyword != Keyword::Point)
         return skipObject();
-    if (!readPoint()) {
-        report(QStringLiteral("Ошибка чтения координат точки из строки: %1"), in.lineNum());
-        return false;
-    }
+    if (!readPoint())
+        return fail(FailureKind::PointCoordinates);
     QString def;
-    if (!readMidDef(&def)) {
-        report(QStringLiteral("Ошибка чтения обозначения точки из строки: %1"), mid.lineNum());
-        return false;
-    }
+    if (!mid.readMidDef(&def))
+        return failAtMidRow(FailureKind::PointDesignation);
     points.setDef(points.size() - 1, def);
+    observer->entityRead(QLatin1String("POINT"));
     return true;
 }
 
 bool MifImport::loadPolygon(Keyword keyword)
 {
-    if (keyword == Keyword::Point || keyword == Keyword::Skipped)
+    const auto load = [&](QLatin1String kind, auto read, FailureKind failure, bool closed) {
+        const int objectCount = map->size();
+        const bool complete = ((this->*read)() || fail(failure)) && nameObject();
+        if (map->size() > objectCount)
+            observer->objectBuilt(kind, closed, complete);
+        return complete;
+    };
+    switch (keyword) {
+    case Keyword::Line:
+        return load(QLatin1String("LINE"), &MifImport::readLine, FailureKind::Line, false);
+    case Keyword::Pline:
+        return load(QLatin1String("PLINE"),
+            isMultiple() ? &MifImport::readPlineMultiple : &MifImport::readPline,
+            FailureKind::Polyline, false);
+    case Keyword::Region:
+        return load(QLatin1String("REGION"), &MifImport::readRegion, FailureKind::Region, true);
+    default:
         return skipObject();
-    if (!readPolygon(keyword))
-        return false;
-    QString def;
-    if (!readMidDef(&def)) {
-        report(QStringLiteral("Ошибка чтения обозначения объекта из строки: %1"), mid.lineNum());
-        return false;
     }
-    setLastPolygonDef(def);
-    return true;
 }
 
-bool MifImport::readPolygon(Keyword keyword)
+bool MifImport::isMultiple() const
 {
-    if (keyword == Keyword::Line) {
-        if (readLine())
-            return true;
-        report(QStringLiteral("Ошибка чтения линии из строки: %1"), in.lineNum());
-    } else if (keyword == Keyword::Pline) {
-        const bool multiple =
-            tokens.size() > 1 && isKeyword(tokens.at(1), QLatin1String("MULTIPLE"));
-        if (multiple ? readPlineMultiple() : readPline())
-            return true;
-        report(QStringLiteral("Ошибка чтения полилинии из строки: %1"), in.lineNum());
-    } else {
-        if (readRegion())
-            return true;
-        report(QStringLiteral("Ошибка чтения области из строки: %1"), in.lineNum());
-    }
-    return false;
+    return tokens.size() > 1 && isKeyword(tokens.at(1), QLatin1String("MULTIPLE"));
+}
+
+bool MifImport::nameObject()
+{
+    QString def;
+    if (!mid.readMidDef(&def))
+        return failAtMidRow(FailureKind::ObjectDesignation);
+    setLastPolygonDef(def);
+    return true;
 }
 
 // Objects

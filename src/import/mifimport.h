@@ -1,6 +1,7 @@
 #pragma once
 
 #include "import/mapimport.h"
+#include "import/midfile.h"
 
 #include <QStringView>
 #include <QVarLengthArray>
@@ -21,21 +22,14 @@ protected:
     bool loadPoints() override;
     bool loadPolygons() override;
 
-    /// Checks the three header lines, takes the delimiter from them, and reports a wrong header.
+    /// Checks the three header lines, takes the delimiter from them, and tells of a wrong header.
     bool checkMifFile();
     /// Reads a MIF line into `line`, trimmed; with `split`, also its tokens. False when it is
     /// blank.
     bool readTokenizeMifLine(bool split);
-    /// Opens the MID file that belongs to the MIF file of the pass, and reports one that cannot be
+    /// Opens the MID file that belongs to the MIF file of the pass, and tells of one that cannot be
     /// opened.
     bool openMidFile();
-    /// Reads a MID row. False when it is blank or missing.
-    bool readMidLine();
-    /// Reads a MID row and stores its first column in `def` unless that is null; does nothing and
-    /// returns true when there is no MID file. False when the row is blank or missing.
-    bool readMidDef(QString* def);
-    /// The first column of a MID row, without quotes; null when it is empty.
-    QString extractDef(QStringView row) const;
 
     bool readPoint();
     bool readLine();
@@ -46,11 +40,9 @@ protected:
     bool readSub(int count, bool closed);
     bool readVert(bool closing);
 
-    QChar delimiter = QLatin1Char(','); ///< between the columns of a MID row
     QStringView line; ///< the last MIF line read, trimmed
     QVarLengthArray<QStringView, 8> tokens; ///< the first ones of `line`, parted by white space
-    LineReader mid; ///< the MID file
-    QStringView midLine; ///< the last MID row read, trimmed
+    MidFile mid; ///< the rows of the objects; not open when no designations are wanted
 
 private:
     /// A LINE has the most tokens that are looked at: the keyword and four coordinates.
@@ -74,7 +66,9 @@ private:
     bool loadPoint(Keyword keyword);
     bool loadPolygon(Keyword keyword);
     bool skipObject();
-    bool readPolygon(Keyword keyword);
+    bool isMultiple() const;
+    bool nameObject();
+    bool failAtMidRow(FailureKind kind);
     void tokenize(int maxTokens = mostTokens);
     bool isHeaderLine(QLatin1String keyword) const;
     double tokenToDouble(int index, bool* ok) const;

@@ -1,4 +1,5 @@
 #include "dialog.h"
+#include "import/formats.h"
 #include "samplefiles.h"
 #include "support/dialogdriver.h"
 #include "support/miftext.h"
@@ -150,8 +151,10 @@ void TestDialogWorkflow::cleanup()
 
 void TestDialogWorkflow::useMode(bool isDxf, const GeometryInfo& info)
 {
+    const Format* const format = formatOfId(isDxf ? QStringLiteral("dxf") : QStringLiteral("mif"));
+    QVERIFY(format);
     m_dialog = std::make_unique<Dialog>();
-    m_dialog->setUp(isDxf, QStringLiteral("Контекст"), QStringLiteral("Участки"),
+    m_dialog->setUp(*format, QStringLiteral("Контекст"), QStringLiteral("Участки"),
         QStringLiteral("Координаты"), info);
     m_dialog->resize(900, 600);
     m_dialog->show();

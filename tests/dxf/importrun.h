@@ -7,16 +7,12 @@
 class OpenDxfImport : public DxfImport {
 public:
     using DxfImport::checkDxfFile;
-    using DxfImport::code;
-    using DxfImport::decodeText;
-    using DxfImport::filterObjectDefs;
+    using DxfImport::codec;
+    using DxfImport::labels;
     using DxfImport::loadPoints;
+    using DxfImport::pairs;
     using DxfImport::points;
     using DxfImport::pointsFromPolygons;
-    using DxfImport::readCodeValue;
-    using DxfImport::texts;
-    using DxfImport::unread;
-    using DxfImport::value;
 
     /// Opens a file as the driver does for a pass.
     bool open(const QString& fileName)

@@ -16,7 +16,7 @@ RandomDrawing::RandomDrawing(quint32 seed)
 
 ImportOptions RandomDrawing::options()
 {
-    ImportOptions options;
+    ImportOptions options = numbered();
     options.searchPointDefs = chance(70);
     options.searchObjectDefs = chance(80);
     options.swapXY = chance(30);

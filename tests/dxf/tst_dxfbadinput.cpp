@@ -43,7 +43,7 @@ private:
         const QString fileName = m_folder.write(QStringLiteral("bad.dxf"), content);
         const QString pointFile = m_folder.path(QStringLiteral("points.dxf"));
         for (int bits = 0; bits < 8; ++bits) {
-            ImportOptions options;
+            ImportOptions options = numbered();
             options.encoding = encoding;
             options.searchPointDefs = bits & 1;
             options.searchObjectDefs = bits & 2;
@@ -64,7 +64,7 @@ private:
 
     ImportOutcome importSearching(const QByteArray& content, const QByteArray& encoding = "UTF-8")
     {
-        ImportOptions options;
+        ImportOptions options = numbered();
         options.searchPointDefs = true;
         options.searchObjectDefs = true;
         options.encoding = encoding;
@@ -201,7 +201,7 @@ void TestDxfBadInput::strangeValues()
     QFETCH(QStringList, lines);
     QFETCH(QString, objects);
     QFETCH(int, errorLine);
-    const ImportOutcome outcome = importDrawing(ImportOptions(), lines);
+    const ImportOutcome outcome = importDrawing(numbered(), lines);
     QCOMPARE(describeAll(outcome.objects), objects);
     QCOMPARE(outcome.messages, errorLine ? QStringList{ readError(errorLine) } : QStringList());
     QCOMPARE(outcome.result, errorLine == 0);
@@ -278,8 +278,8 @@ void TestDxfBadInput::longLine()
     QByteArray content = encoded(openDrawing("0 ARC"));
     content += "8\n" + QByteArray(size, 'x') + '\n';
     content += encoded(pairs("0 LINE, 10 0, 20 0, 11 1, 21 1, 0 LINE, 10 x"));
-    const ImportOutcome outcome = importFiles<DxfImport>(
-        ImportOptions(), m_folder.write(QStringLiteral("long.dxf"), content));
+    const ImportOutcome outcome =
+        importFiles<DxfImport>(numbered(), m_folder.write(QStringLiteral("long.dxf"), content));
     QVERIFY(!outcome.result);
     QCOMPARE(outcome.messages, QStringList{ readError(28) });
     QCOMPARE(describeAll(outcome.objects), QStringLiteral("1 [1 0 0; 2 1 1]"));

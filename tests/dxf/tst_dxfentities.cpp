@@ -55,7 +55,7 @@ private:
         return result == (errorLine == 0) && log.messages() == expectedMessages(errorLine);
     }
 
-    void checkObjects(const ImportOptions& options = ImportOptions())
+    void checkObjects(const ImportOptions& options = numbered())
     {
         QFETCH(QStringList, lines);
         QFETCH(QString, expected);
@@ -132,7 +132,7 @@ void TestDxfEntities::point()
     OpenDxfImport import;
     QVERIFY(runPointPass(import));
     QCOMPARE(describeAll(pointsOf(import.points)), expected);
-    QVERIFY(import.texts.isEmpty());
+    QVERIFY(import.labels.isEmpty());
 }
 
 void TestDxfEntities::text_data()
@@ -201,7 +201,7 @@ void TestDxfEntities::text()
     QFETCH(QString, expected);
     OpenDxfImport import;
     QVERIFY(runPointPass(import));
-    QCOMPARE(describeAll(import.texts), expected);
+    QCOMPARE(describeAll(import.labels.texts()), expected);
     QCOMPARE(import.points.size(), 0);
 }
 
@@ -424,7 +424,7 @@ void TestDxfEntities::lwpolyline()
 void TestDxfEntities::closingCopyUsesNoNumberAndNoSearch()
 {
     // The tolerance is wide enough for a second vertex near the first to bear its name.
-    const ImportOutcome outcome = importDrawing(ImportOptions(),
+    const ImportOutcome outcome = importDrawing(numbered(),
         drawing("0 LWPOLYLINE, 90 3, 70 1, 10 0, 20 0, 10 4, 20 0, 10 4, 20 3, "
                 "0 LINE, 10 0.0078125, 20 0, 11 9, 21 9"));
     QVERIFY(outcome.result);
@@ -434,7 +434,7 @@ void TestDxfEntities::closingCopyUsesNoNumberAndNoSearch()
 
 void TestDxfEntities::closingCopyOfExchangedVertices()
 {
-    ImportOptions options;
+    ImportOptions options = numbered();
     options.swapXY = true;
     const ImportOutcome outcome = importDrawing(
         options, drawing("0 LWPOLYLINE, 90 3, 70 1, 10 0, 20 1, 10 4, 20 1, 10 4, 20 3"));
@@ -447,7 +447,7 @@ void TestDxfEntities::largeCountSetsNoMemoryAside()
     for (const char* count : { "100000000", "2000000000" }) {
         const QByteArray entities =
             QByteArray("0 LWPOLYLINE, 90 ") + count + ", 10 0, 20 0, 10 4, 20 0";
-        const ImportOutcome outcome = importDrawing(ImportOptions(), drawing(entities.constData()));
+        const ImportOutcome outcome = importDrawing(numbered(), drawing(entities.constData()));
         QVERIFY(!outcome.result);
         QCOMPARE(outcome.messages, QStringList{ readError(24) });
         QCOMPARE(describeAll(outcome.objects), QStringLiteral("<null> [1 0 0; 2 4 0]"));

@@ -160,7 +160,7 @@ void TestDxfForms::drawing()
     for (const QStringList& form : { lines, rightAligned(lines) }) {
         for (const LineEnd lineEnd : { LineEnd::Lf, LineEnd::CrLf }) {
             const QByteArray file = encoded(form, encoding.constData(), lineEnd);
-            ImportOptions options;
+            ImportOptions options = ::numbered();
             options.encoding = encoding;
             const ImportOutcome plain = importDrawing(options, file);
             QCOMPARE(plain.messages, QStringList());

@@ -1,7 +1,8 @@
 #include "drawing.h"
+#include "import/dxftext.h"
 #include "importrun.h"
-#include "randomdrawing.h"
 #include "literal/literaldxfimport.h"
+#include "randomdrawing.h"
 
 #include <QtTest>
 
@@ -135,7 +136,7 @@ void TestDxfLiteral::linesAcrossBlocks()
     QFETCH(QByteArray, lineEnd);
     constexpr int block = 16384;
     QTextCodec* codec = QTextCodec::codecForName(codecName);
-    ImportOptions options;
+    ImportOptions options = numbered();
     options.encoding = codecName;
     options.searchObjectDefs = true;
     const QStringList body = drawing("0 POINT, 10 1, 20 2, 0 TEXT, 10 1, 20 2, 1 участок А-1, "
@@ -160,7 +161,7 @@ void TestDxfLiteral::linesAcrossBlocks()
 void TestDxfLiteral::tiesBetweenTextsOnACircle()
 {
     Random random(7);
-    ImportOptions options;
+    ImportOptions options = numbered();
     options.searchObjectDefs = true;
     for (quint32 round = 0; round < 300; ++round) {
         options.searchPointDefs = round & 1;
@@ -200,7 +201,7 @@ void TestDxfLiteral::textsAtOnePlace()
                                       "0 LINE, 10 9, 20 0, 11 1, 21 10, "
                                       "0 LINE, 10 9, 20 9, 11 9, 21 9");
     m_folder.write(QStringLiteral("objects.dxf"), encoded(lines));
-    ImportOptions options;
+    ImportOptions options = numbered();
     options.searchObjectDefs = true;
     for (const bool searchPointDefs : { false, true }) {
         options.searchPointDefs = searchPointDefs;
@@ -228,8 +229,6 @@ void TestDxfLiteral::decodedTexts()
         QStringLiteral("\n"), QStringLiteral("\U0001F600"), QString(QChar(0xD800)),
         QString(QChar(0)) };
 
-    OpenDxfImport import;
-    import.setEncoding(codecName);
     QTextCodec* codec = QTextCodec::codecForName(codecName);
     Random random(11);
     int changed = 0;
@@ -240,7 +239,7 @@ void TestDxfLiteral::decodedTexts()
         for (int count = random.below(12); count > 0; --count)
             text += pieces[random.below(kinds)];
         const QString expected = literal::decodeText(text, codec);
-        const QString actual = import.decodeText(text);
+        const QString actual = decodeText(text, codec);
         changed += expected != text ? 1 : 0;
         QCOMPARE(actual, expected);
         QCOMPARE(actual.isNull(), expected.isNull());
@@ -263,12 +262,11 @@ void TestDxfLiteral::pointNumbers()
         QString def;
         for (int count = random.below(5); count > 0; --count)
             def += pieces[random.below(int(std::size(pieces)))];
-        OpenDxfImport import;
-        import.texts = { DefPoint{ def, 0, 0 }, DefPoint { QStringLiteral("ЗУ"), 0, 0 } };
-        import.filterObjectDefs();
+        DxfLabels labels({ { def, 0, 0 }, { QStringLiteral("ЗУ"), 0, 0 } });
+        labels.filterObjectDefs();
         const bool expected = literal::isPointNumber(def);
         pointNumbers += expected ? 1 : 0;
-        QCOMPARE(import.texts.size(), expected ? 1 : 2);
+        QCOMPARE(labels.texts().size(), expected ? 1 : 2);
     }
     QVERIFY(pointNumbers > 1000);
 }

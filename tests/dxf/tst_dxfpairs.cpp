@@ -1,10 +1,11 @@
 #include "drawing.h"
+#include "import/dxftext.h"
 #include "importrun.h"
 
 #include <QDir>
 #include <QtTest>
 
-/// Group codes and values, the test of the file's form, and the decoding of texts.
+/// Group codes and values, the test of the file's form, and its encoding.
 class TestDxfPairs : public QObject {
     Q_OBJECT
 
@@ -19,7 +20,8 @@ private:
 
     QString pair() const
     {
-        return m_import->code.toString() + QLatin1Char('|') + m_import->value.toString();
+        return m_import->pairs.code.toString() + QLatin1Char('|')
+            + m_import->pairs.value.toString();
     }
 
 private slots:
@@ -43,10 +45,6 @@ private slots:
     void refusalShowsAFileNameThatLooksLikeAPlaceholder();
     void refusalWithoutCallbackIsSilent();
 
-    void decodedText_data();
-    void decodedText();
-    void decodedByte_data();
-    void decodedByte();
     void unknownEncodingKeepsTheCodecOfTheEscapes();
     void encodingOfFileGovernsTextsAndEscapes_data();
     void encodingOfFileGovernsTextsAndEscapes();
@@ -54,20 +52,20 @@ private slots:
 
 void TestDxfPairs::newImporterHasNothing()
 {
-    QVERIFY(m_import->code.isEmpty());
-    QVERIFY(m_import->value.isEmpty());
-    QVERIFY(!m_import->unread);
-    QVERIFY(m_import->texts.isEmpty());
+    QVERIFY(m_import->pairs.code.isEmpty());
+    QVERIFY(m_import->pairs.value.isEmpty());
+    QVERIFY(!m_import->pairs.unread);
+    QVERIFY(m_import->labels.isEmpty());
     QCOMPARE(m_import->lineNum(), 0);
 }
 
 void TestDxfPairs::codeAndValueAreTrimmed()
 {
     open("  10 \n 12.5\t\n\t 20\v\n \f-3 4 \n");
-    QVERIFY(m_import->readCodeValue());
+    QVERIFY(m_import->pairs.readCodeValue());
     QCOMPARE(pair(), QStringLiteral("10|12.5"));
     QCOMPARE(m_import->lineNum(), 2);
-    QVERIFY(m_import->readCodeValue());
+    QVERIFY(m_import->pairs.readCodeValue());
     QCOMPARE(pair(), QStringLiteral("20|-3 4"));
     QCOMPARE(m_import->lineNum(), 4);
 }
@@ -75,7 +73,7 @@ void TestDxfPairs::codeAndValueAreTrimmed()
 /// Codes that would be the same numbers are other codes; the names of entities have one spelling.
 void TestDxfPairs::codeStaysText()
 {
-    ImportOptions options;
+    ImportOptions options = numbered();
     const QString line = QStringLiteral("1 [1 1 2; 2 3 4]");
     const ImportOutcome outcome = importDrawing(options,
         drawing("0 LINE, 010 8, 10 1, +20 8, 20 2, 11.0 8, 11 3, 0x15 8, 21 4, "
@@ -95,11 +93,11 @@ void TestDxfPairs::blankCodeLineFailsWithoutReadingTheValue()
 {
     for (const QByteArray blank : { "", "   ", "\t", "\r" }) {
         open("8\nlayer\n" + blank + "\n10\n5\n");
-        QVERIFY(m_import->readCodeValue());
-        QVERIFY(!m_import->readCodeValue());
+        QVERIFY(m_import->pairs.readCodeValue());
+        QVERIFY(!m_import->pairs.readCodeValue());
         QCOMPARE(m_import->lineNum(), 3);
-        QVERIFY(m_import->code.isEmpty());
-        QVERIFY(m_import->readCodeValue());
+        QVERIFY(m_import->pairs.code.isEmpty());
+        QVERIFY(m_import->pairs.readCodeValue());
         QCOMPARE(pair(), QStringLiteral("10|5"));
         QCOMPARE(m_import->lineNum(), 5);
     }
@@ -108,29 +106,29 @@ void TestDxfPairs::blankCodeLineFailsWithoutReadingTheValue()
 void TestDxfPairs::endOfFileFails()
 {
     open("10\n5");
-    QVERIFY(m_import->readCodeValue());
-    QVERIFY(!m_import->readCodeValue());
+    QVERIFY(m_import->pairs.readCodeValue());
+    QVERIFY(!m_import->pairs.readCodeValue());
     QCOMPARE(m_import->lineNum(), 3);
-    QVERIFY(!m_import->readCodeValue());
+    QVERIFY(!m_import->pairs.readCodeValue());
     QCOMPARE(m_import->lineNum(), 4);
 }
 
 void TestDxfPairs::blankValueIsAccepted()
 {
     open("1\n\n1\n  \t\n8\nlayer\n");
-    QVERIFY(m_import->readCodeValue());
+    QVERIFY(m_import->pairs.readCodeValue());
     QCOMPARE(pair(), QStringLiteral("1|"));
-    QVERIFY(m_import->readCodeValue());
+    QVERIFY(m_import->pairs.readCodeValue());
     QCOMPARE(pair(), QStringLiteral("1|"));
-    QVERIFY(m_import->readCodeValue());
+    QVERIFY(m_import->pairs.readCodeValue());
     QCOMPARE(pair(), QStringLiteral("8|layer"));
 }
 
 void TestDxfPairs::missingValueLineIsAnEmptyValue()
 {
     open("8\nlayer\n1\n");
-    QVERIFY(m_import->readCodeValue());
-    QVERIFY(m_import->readCodeValue());
+    QVERIFY(m_import->pairs.readCodeValue());
+    QVERIFY(m_import->pairs.readCodeValue());
     QCOMPARE(pair(), QStringLiteral("1|"));
     QCOMPARE(m_import->lineNum(), 4);
 }
@@ -138,13 +136,13 @@ void TestDxfPairs::missingValueLineIsAnEmptyValue()
 void TestDxfPairs::unreadHandsBackTheSamePairOnce()
 {
     open("10\n5\n20\n6\n");
-    QVERIFY(m_import->readCodeValue());
-    m_import->unread = true;
-    QVERIFY(m_import->readCodeValue());
-    QVERIFY(!m_import->unread);
+    QVERIFY(m_import->pairs.readCodeValue());
+    m_import->pairs.unread = true;
+    QVERIFY(m_import->pairs.readCodeValue());
+    QVERIFY(!m_import->pairs.unread);
     QCOMPARE(pair(), QStringLiteral("10|5"));
     QCOMPARE(m_import->lineNum(), 2);
-    QVERIFY(m_import->readCodeValue());
+    QVERIFY(m_import->pairs.readCodeValue());
     QCOMPARE(pair(), QStringLiteral("20|6"));
     QCOMPARE(m_import->lineNum(), 4);
 }
@@ -155,7 +153,7 @@ void TestDxfPairs::headerSectionIsAccepted()
     open("  0 \n SECTION\n\t2\nHEADER  \n9\n$ACADVER\n");
     QVERIFY(m_import->checkDxfFile());
     QCOMPARE(m_import->lineNum(), 4);
-    QVERIFY(m_import->readCodeValue());
+    QVERIFY(m_import->pairs.readCodeValue());
     QCOMPARE(pair(), QStringLiteral("9|$ACADVER"));
     QVERIFY(log.messages().isEmpty());
 }
@@ -186,7 +184,7 @@ void TestDxfPairs::otherBeginningIsRefused()
     QFETCH(QByteArray, content);
     const QString fileName = m_folder.write(QStringLiteral("refused.dxf"), content);
     for (const bool searchPointDefs : { false, true }) {
-        ImportOptions options;
+        ImportOptions options = numbered();
         options.searchPointDefs = searchPointDefs;
         options.searchObjectDefs = true;
         const ImportOutcome outcome = importFiles<DxfImport>(options, fileName);
@@ -201,7 +199,7 @@ void TestDxfPairs::refusedPointFileIsNamed()
     const QString objectFile = m_folder.write(
         QStringLiteral("good.dxf"), encoded(drawing("0 LINE, 10 0, 20 0, 11 1, 21 1")));
     const QString pointFile = m_folder.write(QStringLiteral("bad.dxf"), "0\nEOF\n");
-    ImportOptions options;
+    ImportOptions options = numbered();
     options.searchPointDefs = true;
     const ImportOutcome outcome = importFiles<DxfImport>(options, objectFile, pointFile);
     QVERIFY(!outcome.result);
@@ -212,7 +210,7 @@ void TestDxfPairs::refusedPointFileIsNamed()
 void TestDxfPairs::refusalShowsAFileNameThatLooksLikeAPlaceholder()
 {
     const QString fileName = m_folder.write(QStringLiteral("план %1.dxf"), "0\nEOF\n");
-    const ImportOutcome outcome = importFiles<DxfImport>(ImportOptions(), fileName);
+    const ImportOutcome outcome = importFiles<DxfImport>(numbered(), fileName);
     QCOMPARE(outcome.messages,
         QStringList{ QStringLiteral("Ошибка. Файл %1 не соответствует формату DXF")
                          .replace(QStringLiteral("%1"), QDir::toNativeSeparators(fileName)) });
@@ -226,103 +224,11 @@ void TestDxfPairs::refusalWithoutCallbackIsSilent()
     QVERIFY(m_import->checkDxfFile());
 }
 
-void TestDxfPairs::decodedText_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("decoded");
-    const auto row = [](const char* text, const char* decoded) {
-        QTest::newRow(text) << QString::fromUtf8(text) << QString::fromUtf8(decoded);
-    };
-    row("ЗУ1", "ЗУ1");
-    row("10%%d", "10°");
-    row("%%p0.5", "±0.5");
-    row("%%c50", "Ø50");
-    row("%%d%%p%%c", "°±Ø");
-    row("%%C50", "%%C50");
-    row("10%%D %%P1", "10%%D %%P1");
-    row("%%%d", "%°");
-    row("%%%%c", "%%Ø");
-    row("%%065%%066", "AB");
-    row("A%%065%%066", "AAB");
-    row("%%0650", "A0");
-    row("%%065B%%067", "ABC");
-    row("%%12", "%%12");
-    row("%%1 2", "%%1 2");
-    row("%%", "%%");
-    row("%065", "%065");
-    row("%%%065", "%A");
-    row("%%%%065", "%%A");
-    row("%%126", "~");
-    row("%%256", "%%256");
-    row("%%300", "%%300");
-    row("%%999", "%%999");
-    row("%%999065", "%%999065");
-    row("%%300%%065", "%%300A");
-    row("%%-65", "%%-65");
-    row("%%٠٦٥", "%%٠٦٥");
-    row("%%o%%u%%%\\P\\U+0410", "%%o%%u%%%\\P\\U+0410");
-    // What a replacement yields is not looked at again.
-    row("%%037%%037065", "%%065");
-    row("%%037%%037d", "%%d");
-    row("%%0%%d37", "%%0°37");
-}
-
-void TestDxfPairs::decodedText()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, decoded);
-    for (const char* codecName : { "Windows-1251", "IBM866", "UTF-8" }) {
-        m_import->setEncoding(codecName);
-        QCOMPARE(m_import->decodeText(text), decoded);
-    }
-    QVERIFY(m_import->decodeText(QString()).isNull());
-    QVERIFY(!m_import->decodeText(QStringLiteral("")).isNull());
-}
-
-void TestDxfPairs::decodedByte_data()
-{
-    QTest::addColumn<QByteArray>("codecName");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("decoded");
-    const auto row = [](const char* codecName, const char* text, const QString& decoded) {
-        QTest::addRow("%s in %s", text, codecName)
-            << QByteArray(codecName) << QString::fromLatin1(text) << decoded;
-    };
-    const QString nul = QString(QChar(0));
-    const QString replacement = QString(QChar(QChar::ReplacementCharacter));
-    row("Windows-1251", "%%000", nul);
-    row("Windows-1251", "%%128", QStringLiteral("Ђ"));
-    row("Windows-1251", "%%176", QStringLiteral("°"));
-    row("Windows-1251", "%%168%%184", QStringLiteral("Ёё"));
-    row("Windows-1251", "%%199%%2111", QStringLiteral("ЗУ1"));
-    row("Windows-1251", "%%255", QStringLiteral("я"));
-    row("IBM866", "%%000", nul);
-    row("IBM866", "%%128", QStringLiteral("А"));
-    row("IBM866", "%%135%%1471", QStringLiteral("ЗУ1"));
-    row("IBM866", "%%240%%241", QStringLiteral("Ёё"));
-    row("IBM866", "%%248", QStringLiteral("°"));
-    row("IBM866", "%%239", QStringLiteral("я"));
-    row("UTF-8", "%%000", nul);
-    row("UTF-8", "%%127", QString(QChar(127)));
-    // Each escape is a byte of its own: no sequence of two makes a letter.
-    row("UTF-8", "%%208%%151", replacement + replacement);
-    row("UTF-8", "%%255", replacement);
-}
-
-void TestDxfPairs::decodedByte()
-{
-    QFETCH(QByteArray, codecName);
-    QFETCH(QString, text);
-    QFETCH(QString, decoded);
-    m_import->setEncoding(codecName);
-    QCOMPARE(m_import->decodeText(text), decoded);
-}
-
 void TestDxfPairs::unknownEncodingKeepsTheCodecOfTheEscapes()
 {
     m_import->setEncoding("IBM866");
     m_import->setEncoding("no such encoding");
-    QCOMPARE(m_import->decodeText(QStringLiteral("%%128")), QStringLiteral("А"));
+    QCOMPARE(decodeText(QStringLiteral("%%128"), m_import->codec), QStringLiteral("А"));
 }
 
 void TestDxfPairs::encodingOfFileGovernsTextsAndEscapes_data()
@@ -338,7 +244,7 @@ void TestDxfPairs::encodingOfFileGovernsTextsAndEscapes()
 {
     QFETCH(QByteArray, codecName);
     QFETCH(QString, def);
-    ImportOptions options;
+    ImportOptions options = numbered();
     options.searchObjectDefs = true;
     options.encoding = codecName;
     const QStringList lines =

@@ -18,7 +18,7 @@ const char* const square =
 
 ImportOptions searching(bool pointDefs, bool objectDefs)
 {
-    ImportOptions options;
+    ImportOptions options = numbered();
     options.searchPointDefs = pointDefs;
     options.searchObjectDefs = objectDefs;
     return options;
@@ -83,10 +83,7 @@ private slots:
     void emptyTextGivesAnAutomaticObjectDesignation();
     void lineIsNamedAtItsMiddle();
     void textsInFileOrderWhenThePointPassFoundNoPoint();
-    void filterDropsPointNumbers_data();
-    void filterDropsPointNumbers();
-    void filterThatLeavesNothingLeavesEverything();
-    void filterKeepsTheOrder();
+    void objectsTakePointNumbersWhereThereIsNothingElse();
     void filterIsNotRunWithoutObjectDesignations();
 
     void separatePointFile();
@@ -199,15 +196,15 @@ void TestDxfPasses::pointPassOfWorkedExample()
     const QByteArray entities = QByteArray(cornerPoints) + squareTexts + square;
     OpenDxfImport import;
     import.setEncoding("UTF-8");
-    import.texts = { DefPoint { QStringLiteral("old"), 0, 0 } };
+    import.labels.append({ QStringLiteral("old"), 0, 0 });
     QVERIFY(import.open(
         folder.write(QStringLiteral("points.dxf"), encoded(drawing(entities.constData())))));
     QVERIFY(import.loadPoints());
     QCOMPARE(describeAll(pointsOf(import.points)),
         QStringLiteral("<null> 0 0; <null> 100 0; <null> 100 100; <null> 0 100"));
-    QCOMPARE(describeAll(import.texts),
+    QCOMPARE(describeAll(import.labels.texts()),
         QStringLiteral("1 0.2 0.3; 2 100.1 0.2; 3 100.2 100.1; 4 0.1 100.3; ЗУ1 50 50"));
-    QVERIFY(!import.unread);
+    QVERIFY(!import.pairs.unread);
 }
 
 void TestDxfPasses::headerOnlyGivesNothing()
@@ -386,61 +383,12 @@ void TestDxfPasses::textsInFileOrderWhenThePointPassFoundNoPoint()
         importDrawing(searching(true, true), drawing(withPoint.constData())), "Б [1 0 0; 2 10 0]");
 }
 
-void TestDxfPasses::filterDropsPointNumbers_data()
+void TestDxfPasses::objectsTakePointNumbersWhereThereIsNothingElse()
 {
-    QTest::addColumn<QString>("def");
-    QTest::addColumn<bool>("isPointNumber");
-    const auto rowName = [](QByteArray def) { return def.replace('\n', "<LF>"); };
-    for (const char* def : { "1", "12", "0", "т5", "A07", "z9", "Ё1", "ё1", "А1", "я77",
-             "99999999999999999999", "12\n" })
-        QTest::newRow(rowName(def).constData()) << QString::fromUtf8(def) << true;
-    for (const char* def : { "ЗУ1", "12а", "A-7", ":123", "50:21:0101", "", "A", "AB1", " 1", "1 ",
-             "-1", "1.5", "Ђ1", "é1", "1\n\n", "\n1", "1A1", "٣", "A٣" })
-        QTest::newRow(rowName(def).constData()) << QString::fromUtf8(def) << false;
-}
-
-void TestDxfPasses::filterDropsPointNumbers()
-{
-    QFETCH(QString, def);
-    QFETCH(bool, isPointNumber);
-    OpenDxfImport import;
-    import.texts = { DefPoint{ def, 1, 2 }, DefPoint { QStringLiteral("ЗУ"), 3, 4 } };
-    import.filterObjectDefs();
-    QCOMPARE(import.texts.size(), isPointNumber ? 1 : 2);
-    QCOMPARE(import.texts.last().def, QStringLiteral("ЗУ"));
-}
-
-void TestDxfPasses::filterThatLeavesNothingLeavesEverything()
-{
-    OpenDxfImport import;
-    import.texts = { DefPoint{ QStringLiteral("2"), 9, 0 }, DefPoint {
-                        QStringLiteral("т1"),
-                        1,
-                        2
-                    } };
-    import.filterObjectDefs();
-    QCOMPARE(describeAll(import.texts), QStringLiteral("2 9 0; т1 1 2"));
-    import.texts.clear();
-    import.filterObjectDefs();
-    QVERIFY(import.texts.isEmpty());
-
     compare(importDrawing(searching(false, true),
                 drawing("0 TEXT, 10 0, 20 0, 1 1, 0 TEXT, 10 9, 20 9, 1 2, "
                         "0 LINE, 10 8, 20 8, 11 9, 21 9")),
         "2 [1 8 8; 2 9 9]");
-}
-
-void TestDxfPasses::filterKeepsTheOrder()
-{
-    OpenDxfImport import;
-    import.texts = { DefPoint{ QStringLiteral("В"), 9, 0 }, DefPoint{ QStringLiteral("7"), 1, 2 },
-        DefPoint{ QStringLiteral("А"), 5, 0 }, DefPoint{ QStringLiteral(""), 3, 0 }, DefPoint {
-            QStringLiteral("н8"),
-            1,
-            2
-        } };
-    import.filterObjectDefs();
-    QCOMPARE(describeAll(import.texts), QStringLiteral("В 9 0; А 5 0;  3 0"));
 }
 
 void TestDxfPasses::filterIsNotRunWithoutObjectDesignations()
@@ -454,7 +402,7 @@ void TestDxfPasses::filterIsNotRunWithoutObjectDesignations()
         encoded(drawing("0 TEXT, 10 0, 20 0, 1 7, 0 TEXT, 10 9, 20 9, 1 ЗУ1")));
     import.map = &objects;
     QVERIFY(import.importMap());
-    QCOMPARE(describeAll(import.texts), QStringLiteral("7 0 0; ЗУ1 9 9"));
+    QCOMPARE(describeAll(import.labels.texts()), QStringLiteral("7 0 0; ЗУ1 9 9"));
 }
 
 void TestDxfPasses::separatePointFile()

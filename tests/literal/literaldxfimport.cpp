@@ -1,7 +1,7 @@
 #include "literal/literaldxfimport.h"
 
-#include "status.h"
 #include "literal/literalgeometry.h"
+#include "status.h"
 
 #include <QRegularExpression>
 

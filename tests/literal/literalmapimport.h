@@ -1,6 +1,7 @@
 #pragma once
 
 #include "geometry/defpolygon.h"
+#include "import/importoptions.h"
 #include "literal/literalcatalogue.h"
 
 #include <QFile>
@@ -9,24 +10,15 @@
 
 namespace literal {
 
-/// What the plain importers of both formats share: the options, the order of the passes, and the
+/// What the plain importers of both formats share: the order of the passes, and the
 /// naming of vertices and objects.
-class MapImport {
+class MapImport : public ImportOptions {
 public:
     virtual ~MapImport() = default;
 
     bool importMap();
     void setEncoding(const QByteArray& name);
 
-    bool swapXY = false;
-    bool searchPointDefs = false;
-    QString pointPref;
-    int pointStartNum = 0;
-    bool searchObjectDefs = false;
-    QString objectPref;
-    int objectStartNum = 0;
-    QString objectFileName;
-    QString pointFileName;
     QVector<DefPolygon>* map = nullptr;
 
 protected:

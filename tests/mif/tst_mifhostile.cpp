@@ -1,7 +1,7 @@
 #include "import/mifimport.h"
 
-#include "support/importing.h"
 #include "literal/literalmifimport.h"
+#include "support/importing.h"
 #include "support/miftext.h"
 
 #include <QtTest>

@@ -18,12 +18,9 @@ public:
     using MifImport::appendEmptyContour;
     using MifImport::appendEmptyPolygon;
     using MifImport::checkMifFile;
-    using MifImport::delimiter;
-    using MifImport::extractDef;
     using MifImport::in;
     using MifImport::mid;
     using MifImport::openMidFile;
-    using MifImport::readMidDef;
     using MifImport::readVert;
 
 protected:
@@ -302,7 +299,7 @@ void TestMifPasses::firstColumns()
     QFETCH(QString, row);
     QFETCH(QString, expected);
     const ProbedMif reader;
-    QCOMPARE(reader.extractDef(row), expected);
+    QCOMPARE(reader.mid.extractDef(row), expected);
 }
 
 void TestMifPasses::midNames_data()
@@ -392,21 +389,21 @@ void TestMifPasses::readsAMidDef()
     prepare(reader, prefixed(), files, plan);
     reader.pass = [](ProbedMif& r) {
         QString def = QStringLiteral("untouched");
-        QVERIFY(r.readMidDef(&def));
-        QVERIFY(r.readMidDef(nullptr));
+        QVERIFY(r.mid.readMidDef(&def));
+        QVERIFY(r.mid.readMidDef(nullptr));
         QCOMPARE(def, QStringLiteral("untouched"));
         QCOMPARE(r.mid.lineNum(), 0);
 
         QVERIFY(r.openMidFile());
-        QVERIFY(r.readMidDef(&def));
+        QVERIFY(r.mid.readMidDef(&def));
         QCOMPARE(def, QStringLiteral("A"));
-        QVERIFY(r.readMidDef(nullptr));
+        QVERIFY(r.mid.readMidDef(nullptr));
         QCOMPARE(def, QStringLiteral("A"));
-        QVERIFY(!r.readMidDef(&def));
+        QVERIFY(!r.mid.readMidDef(&def));
         QCOMPARE(def, QStringLiteral("A"));
-        QVERIFY(r.readMidDef(&def));
+        QVERIFY(r.mid.readMidDef(&def));
         QCOMPARE(def, QStringLiteral("B"));
-        QVERIFY(!r.readMidDef(&def));
+        QVERIFY(!r.mid.readMidDef(&def));
         QCOMPARE(r.mid.lineNum(), 5);
     };
     QCOMPARE(outcomeOf(reader, files), lines("true"));

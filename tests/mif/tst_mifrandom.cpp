@@ -1,7 +1,7 @@
 #include "import/mifimport.h"
 
-#include "support/importing.h"
 #include "literal/literalmifimport.h"
+#include "support/importing.h"
 #include "support/random.h"
 
 #include <QtTest>
@@ -204,7 +204,7 @@ QByteArray fileOf(Random& random, const QStringList& lines, const QByteArray& en
 
 ImportOptions anyOptions(Random& random)
 {
-    ImportOptions options;
+    ImportOptions options = numbered();
     options.searchPointDefs = random.oneIn(2);
     options.searchObjectDefs = random.oneIn(2);
     options.swapXY = random.oneIn(4);

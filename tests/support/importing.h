@@ -1,25 +1,24 @@
 #pragma once
 
+#include "import/importoptions.h"
 #include "support/records.h"
 #include "support/statuslog.h"
 #include "support/tempfiles.h"
 
-/// What the user sets for an import, apart from the files.
-struct ImportOptions {
-    bool searchPointDefs = false;
-    QString pointPref;
-    int pointStartNum = 1;
-    bool searchObjectDefs = false;
-    QString objectPref;
-    int objectStartNum = 1;
-    bool swapXY = false;
-    QByteArray encoding = "UTF-8";
-};
+/// Options under which new points and objects are 1, 2 and so on, and nothing is searched.
+inline ImportOptions numbered()
+{
+    ImportOptions options;
+    options.pointStartNum = 1;
+    options.objectStartNum = 1;
+    options.encoding = "UTF-8";
+    return options;
+}
 
 /// Options under which new points are т1, т2 and so on, and new objects об1.
 inline ImportOptions prefixed()
 {
-    ImportOptions options;
+    ImportOptions options = numbered();
     options.pointPref = QStringLiteral("т");
     options.objectPref = QStringLiteral("об");
     return options;
@@ -37,13 +36,7 @@ template <typename Importer>
 void prepare(Importer& importer, const ImportOptions& options, const QString& objectFile,
     const QString& pointFile = {})
 {
-    importer.searchPointDefs = options.searchPointDefs;
-    importer.pointPref = options.pointPref;
-    importer.pointStartNum = options.pointStartNum;
-    importer.searchObjectDefs = options.searchObjectDefs;
-    importer.objectPref = options.objectPref;
-    importer.objectStartNum = options.objectStartNum;
-    importer.swapXY = options.swapXY;
+    static_cast<ImportOptions&>(importer) = options;
     importer.setEncoding(options.encoding);
     importer.objectFileName = objectFile;
     importer.pointFileName = pointFile;

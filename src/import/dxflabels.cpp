@@ -1,0 +1,81 @@
+#include "import/dxflabels.h"
+
+#include "geometry/nearestpoint.h"
+#include "geometry/pointcatalogue.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+bool isDigit(QChar c)
+{
+    return c >= QLatin1Char('0') && c <= QLatin1Char('9');
+}
+
+bool isLatinOrRussianLetter(QChar c)
+{
+    const auto isBetween = [c](char16_t first, char16_t last) {
+        return c.unicode() >= first && c.unicode() <= last;
+    };
+    return isBetween(u'A', u'Z') || isBetween(u'a', u'z') || isBetween(u'А', u'я') || c == u'Ё'
+        || c == u'ё';
+}
+
+/// Whether a text looks like a point number: at most one letter, then digits. A line feed at the
+/// very end is overlooked.
+bool isPointDef(const QString& def)
+{
+    auto it = def.cbegin();
+    const auto end = def.endsWith(QLatin1Char('\n')) ? def.cend() - 1 : def.cend();
+    if (it != end && isLatinOrRussianLetter(*it))
+        ++it;
+    return it != end && std::all_of(it, end, isDigit);
+}
+
+} // namespace
+
+void DxfLabels::clear()
+{
+    m_texts.clear();
+    m_index.reset();
+}
+
+void DxfLabels::append(const DefPoint& text)
+{
+    m_texts.append(text);
+    m_index.reset();
+}
+
+void DxfLabels::sort()
+{
+    sortPoints(m_texts);
+    m_index.reset();
+}
+
+void DxfLabels::filterObjectDefs()
+{
+    QVector<DefPoint> objectTexts;
+    std::copy_if(m_texts.cbegin(), m_texts.cend(), std::back_inserter(objectTexts),
+        [](const DefPoint& text) { return !isPointDef(text.def); });
+    if (objectTexts.isEmpty())
+        return;
+    m_texts = objectTexts;
+    m_index.reset();
+}
+
+const DxfLabels::Index& DxfLabels::index() const
+{
+    if (!m_index) {
+        m_index.emplace();
+        if (std::is_sorted(m_texts.cbegin(), m_texts.cend()))
+            m_index->sorted.emplace(m_texts);
+    }
+    return *m_index;
+}
+
+const DefPoint* DxfLabels::findNearest(const QPointF& place) const
+{
+    const Index& searched = index();
+    return searched.sorted ? searched.sorted->find(place) : findNearestPoint(m_texts, place);
+}

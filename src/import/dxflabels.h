@@ -1,0 +1,43 @@
+#pragma once
+
+#include "geometry/nearestindex.h"
+
+#include <QPointF>
+#include <QVector>
+
+#include <optional>
+
+/// The text labels of a drawing, and the search for the one that names a point or an object.
+class DxfLabels {
+public:
+    DxfLabels() = default;
+    explicit DxfLabels(const QVector<DefPoint>& texts)
+        : m_texts(texts)
+    {
+    }
+
+    void clear();
+    /// Adds a label: a decoded text and its reference point, in the units of the file.
+    void append(const DefPoint& text);
+    bool isEmpty() const { return m_texts.isEmpty(); }
+    /// The labels in their present order.
+    const QVector<DefPoint>& texts() const { return m_texts; }
+
+    /// Puts the labels into the order of DefPoint.
+    void sort();
+    /// Drops the labels that look like point numbers, unless all do.
+    void filterObjectDefs();
+    /// The label that findNearestPoint() gives over texts(), sorted or not; null when there is
+    /// none. The pointer holds until the labels change.
+    const DefPoint* findNearest(const QPointF& place) const;
+
+private:
+    /// What is searched through, made when the first search asks for it.
+    struct Index {
+        std::optional<NearestIndex> sorted; ///< none where the labels are not sorted
+    };
+    const Index& index() const;
+
+    QVector<DefPoint> m_texts;
+    mutable std::optional<Index> m_index;
+};

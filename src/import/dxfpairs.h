@@ -1,0 +1,42 @@
+#pragma once
+
+#include "import/linereader.h"
+
+#include <QLatin1String>
+#include <QString>
+#include <QStringView>
+
+/// A cursor over the pairs of lines that a DXF drawing consists of, as published by Autodesk:
+/// a group code and its value. Codes stay text and are compared as such.
+class DxfPairs {
+public:
+    /// The code of the pair that starts an entity or a section.
+    static constexpr QLatin1String entityCode{ "0", 1 };
+
+    /// Reads through `in`, which its owner opens and closes.
+    explicit DxfPairs(LineReader& in)
+        : m_in(in)
+    {
+    }
+    DxfPairs(const DxfPairs&) = delete;
+    DxfPairs& operator=(const DxfPairs&) = delete;
+
+    /// Reads the next pair into `code` and `value`, or hands back the current one when `unread` is
+    /// set. False when the code line is blank or the file has ended.
+    bool readCodeValue();
+    /// Whether all lines have been read; a pair that is handed back does not count.
+    bool atEnd() const { return m_in.atEnd(); }
+    /// Whether the current pair starts an entity or a section.
+    bool isEntity() const { return code == entityCode; }
+    /// Makes the current pair outlive its file, if it is to be handed back.
+    void keepUnread();
+
+    QStringView code; ///< group code of the current pair, trimmed
+    QStringView value; ///< value of the current pair, trimmed
+    bool unread = false; ///< the next readCodeValue() hands back the current pair
+
+private:
+    LineReader& m_in;
+    QString m_keptCode;
+    QString m_keptValue;
+};
