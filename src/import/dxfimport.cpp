@@ -16,7 +16,7 @@ struct Coordinate {
     bool ok = false;
     double value = 0;
 
-    void read(QStringView text)
+    void read(TextView text)
     {
         present = true;
         value = toDouble(text, &ok);
@@ -90,9 +90,9 @@ bool DxfImport::readText()
         } else if (pairs.code == QLatin1String("21")) {
             alignedY.read(pairs.value);
         } else if (pairs.code == QLatin1String("72")) {
-            horizontal = pairs.value.toString().toInt();
+            horizontal = toInt(pairs.value);
         } else if (pairs.code == QLatin1String("73")) {
-            vertical = pairs.value.toString().toInt();
+            vertical = toInt(pairs.value);
         }
     }
     if (!hasText || !x.ok || !y.ok)
@@ -167,9 +167,9 @@ bool DxfImport::readLwpolyline()
             y.read(pairs.value);
             ok = y.ok;
         } else if (pairs.code == QLatin1String("70")) {
-            m_closed = pairs.value.toString().toInt() & 1;
+            m_closed = toInt(pairs.value) & 1;
         } else if (pairs.code == QLatin1String("90")) {
-            count = pairs.value.toString().toInt(&ok);
+            count = toInt(pairs.value, &ok);
         }
         if (!x.present || !y.present)
             continue;
@@ -210,7 +210,7 @@ bool DxfImport::scanEntities(EntityReceiver receive)
     bool inEntities = false;
     bool ok = true;
     while (ok && !pairs.atEnd()) {
-        ok = pairs.readCodeValue();
+        ok = pairs.skipToEntity();
         if (!ok || !pairs.isEntity())
             continue;
         if (pairs.value == QLatin1String("SECTION")) {

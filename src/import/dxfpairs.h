@@ -4,7 +4,6 @@
 
 #include <QLatin1String>
 #include <QString>
-#include <QStringView>
 
 /// A cursor over the pairs of lines that a DXF drawing consists of, as published by Autodesk:
 /// a group code and its value. Codes stay text and are compared as such.
@@ -24,6 +23,9 @@ public:
     /// Reads the next pair into `code` and `value`, or hands back the current one when `unread` is
     /// set. False when the code line is blank or the file has ended.
     bool readCodeValue();
+    /// Reads on to the next pair that starts an entity or a section, from the current one where
+    /// that is handed back. True at the end of the file, too; false where a code line is blank.
+    bool skipToEntity();
     /// Whether all lines have been read; a pair that is handed back does not count.
     bool atEnd() const { return m_in.atEnd(); }
     /// Whether the current pair starts an entity or a section.
@@ -31,8 +33,8 @@ public:
     /// Makes the current pair outlive its file, if it is to be handed back.
     void keepUnread();
 
-    QStringView code; ///< group code of the current pair, trimmed
-    QStringView value; ///< value of the current pair, trimmed
+    TextView code; ///< group code of the current pair, trimmed
+    TextView value; ///< value of the current pair, trimmed
     bool unread = false; ///< the next readCodeValue() hands back the current pair
 
 private:

@@ -1,17 +1,25 @@
 #pragma once
 
+#include "import/textview.h"
+
+#include <QByteArray>
 #include <QFile>
 #include <QString>
-#include <QStringView>
-#include <QTextStream>
+#include <QTextCodec>
 
-class QTextCodec;
+#include <array>
+#include <memory>
 
 /// Reads a text file line by line: the lines and ends that QTextStream::readLine() and atEnd()
 /// give, without a string per line. Owns the position in the file and the line number.
 ///
 /// Lines end with a line feed; carriage returns do not count. A byte-order mark overrides the
-/// codec. Both are QTextStream's ways with text.
+/// codec. Both are QTextStream's ways with text. Like the stream, the reader takes the file in
+/// blocks of 16,384 bytes, and has reached its end when all characters of the blocks are used up
+/// and the file has no more bytes.
+///
+/// Where the encoding keeps ASCII as it is and has no state, lines are found in the bytes, and only
+/// those with other bytes are decoded.
 class LineReader {
 public:
     /// Opens a file for reading as text. False when it cannot be opened; nothing is reported.
@@ -25,7 +33,9 @@ public:
     bool atEnd() const;
     /// Reads the next line, without its end, and counts it. At the end of the file the line is
     /// null. The last two lines read stay valid.
-    QStringView readLine();
+    TextView readLine();
+    /// Reads a line like readLine() without looking at what it says.
+    void skipLine();
     /// Starts the file again; the count of lines runs on.
     void rewind();
     /// The number of lines read since open(): the one-based number of the last line.
@@ -34,19 +44,53 @@ public:
     int lineOfFile() const { return m_lineNum - m_linesBefore; }
 
 private:
-    QStringView readLineByLine();
-    QStringView readLineAcrossChunks();
-    void forget();
+    /// A block of the file: its bytes or, where lines are not found in them, its characters.
+    struct Block {
+        QByteArray bytes;
+        QString characters;
+    };
+    /// A line that is put together from pieces, or decoded.
+    struct Line {
+        QByteArray bytes; ///< as long as all of them are ASCII
+        QString characters;
+        bool isDecoded = false;
+
+        bool isUntouched() const { return !isDecoded && bytes.isEmpty(); }
+        bool isEmpty() const { return isDecoded ? characters.isEmpty() : bytes.isEmpty(); }
+        TextView view() const;
+    };
+
+    void start();
+    void chooseCodec(const QByteArray& firstBlock);
+    bool fill();
+    bool readBlock();
+    template <typename Unit>
+    void setRest(const Unit* begin, const Unit* end);
+    TextView takePiece();
+    TextView completeLine(TextView piece);
+    void stashRest();
+    void append(TextView piece, bool endsLine);
+    QString decode(TextView piece, bool endsLine);
+    void nextLine();
+    bool isPlainLine(TextView piece) const;
 
     QFile m_file;
-    QTextStream m_in;
+    QTextCodec* m_codec = nullptr;
+    std::unique_ptr<QTextCodec::ConverterState> m_state;
+    bool m_codecIsChosen = false;
+    bool m_findsInBytes = false;
+    bool m_isAtStart = true; ///< the next block is the first one of the file
+    bool m_fileHasEnded = false;
     int m_lineNum = 0;
     int m_linesBefore = 0; ///< lines read before the file was started again
-    bool m_byLine = false;
 
-    QString m_chunk; ///< decoded text, read up to m_pos
-    int m_pos = 0;
-    QString m_line; ///< the last line that did not lie within a chunk
-    QString m_previousChunk; ///< holds, like the next one, the line before the last
-    QString m_previousLine;
+    std::array<Block, 2> m_blocks; ///< the one being read, and the one that holds earlier lines
+    size_t m_block = 0;
+    bool m_blockIsPlain = false; ///< only ASCII, and carriage returns only before line feeds
+    TextView m_rest; ///< what is left of the block; empty, or with a line feed in it
+    const void* m_lastLineFeed = nullptr; ///< in the block
+
+    // One holds the start of a line that goes on in the next block, the others earlier lines.
+    std::array<Line, 4> m_lines;
+    size_t m_line = 0;
 };

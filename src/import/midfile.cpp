@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+static constexpr QChar space(QChar::Space);
+
 QString midFileName(const QString& mifFileName)
 {
     return mifFileName.chopped(std::min(mifFileName.size(), 1)) + QLatin1Char('d');
@@ -26,28 +28,30 @@ bool MidFile::readMidDef(QString* def)
     return true;
 }
 
-QString MidFile::extractDef(QStringView row) const
+QString MidFile::extractDef(TextView row) const
 {
-    const QChar space = QLatin1Char(' ');
-    QVarLengthArray<QChar, 128> column;
-    bool atStart = true;
-    bool inQuotes = false;
-    for (const QChar c : row) {
-        if (c == space && atStart)
-            continue;
-        if (c == QLatin1Char('"')) {
-            if (inQuotes)
+    return row.visit([this](auto begin, auto end) {
+        QVarLengthArray<QChar, 128> column;
+        bool atStart = true;
+        bool inQuotes = false;
+        for (auto it = begin; it != end; ++it) {
+            const QChar c(static_cast<char16_t>(*it));
+            if (c == space && atStart)
+                continue;
+            if (c == QLatin1Char('"')) {
+                if (inQuotes)
+                    break;
+                inQuotes = true;
+                atStart = true;
+            } else if (c == delimiter && !inQuotes) {
                 break;
-            inQuotes = true;
-            atStart = true;
-        } else if (c == delimiter && !inQuotes) {
-            break;
-        } else {
-            column.append(c);
-            atStart = false;
+            } else {
+                column.append(c);
+                atStart = false;
+            }
         }
-    }
-    while (!column.isEmpty() && column.last() == space)
-        column.removeLast();
-    return column.isEmpty() ? QString() : QString(column.constData(), column.size());
+        while (!column.isEmpty() && column.last() == space)
+            column.removeLast();
+        return column.isEmpty() ? QString() : QString(column.constData(), column.size());
+    });
 }

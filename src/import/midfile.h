@@ -4,7 +4,6 @@
 
 #include <QChar>
 #include <QString>
-#include <QStringView>
 
 /// The name of the MID file that belongs to a MIF file: the last letter changes, in lower case
 /// whatever the case of the name.
@@ -27,10 +26,10 @@ public:
     /// returns true when there is no file. False when the row is blank or missing.
     bool readMidDef(QString* def);
     /// The first column of a row, without quotes; null when it is empty.
-    QString extractDef(QStringView row) const;
+    QString extractDef(TextView row) const;
 
     QChar delimiter = QLatin1Char(','); ///< between the columns
-    QStringView line; ///< the last row read, trimmed
+    TextView line; ///< the last row read, trimmed
 
 private:
     LineReader m_in;

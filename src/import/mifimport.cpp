@@ -9,26 +9,20 @@ namespace {
 /// A count is only a claim: room for more vertices than this is made as they come.
 constexpr int maxReserved = 64;
 
-bool isAscii(QStringView text)
-{
-    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x80; });
-}
-
 /// Whether `token` in upper case equals the upper-case `keyword`.
-bool isKeyword(QStringView token, QLatin1String keyword)
+bool isKeyword(TextView token, QLatin1String keyword)
 {
-    if (isAscii(token))
-        return token.compare(keyword, Qt::CaseInsensitive) == 0;
-    return token.toString().toUpper() == keyword;
+    return token.isAscii() ? token.equalsIgnoringCase(keyword)
+                           : token.toString().toUpper() == keyword;
 }
 
 } // namespace
 
 MifImport::~MifImport() = default;
 
-MifImport::Keyword MifImport::keywordOf(QStringView token)
+MifImport::Keyword MifImport::keywordOf(TextView token)
 {
-    static constexpr struct {
+    static const struct {
         QLatin1String name;
         Keyword keyword;
     } objects[] = {
@@ -45,13 +39,9 @@ MifImport::Keyword MifImport::keywordOf(QStringView token)
         { QLatin1String("MULTIPOINT"), Keyword::Skipped },
         { QLatin1String("COLLECTION"), Keyword::Collection },
     };
-    const QChar first = token.front().toUpper();
-    for (const auto& object : objects) {
-        if (first == object.name.front() && token.size() == object.name.size()
-            && isKeyword(token, object.name))
-            return object.keyword;
-    }
-    return Keyword::None;
+    const auto found = std::find_if(std::begin(objects), std::end(objects),
+        [token](const auto& object) { return isKeyword(token, object.name); });
+    return found == std::end(objects) ? Keyword::None : found->keyword;
 }
 
 // Lines
@@ -67,17 +57,17 @@ bool MifImport::readTokenizeMifLine(bool split)
 void MifImport::tokenize(int maxTokens)
 {
     tokens.clear();
-    const QChar* it = line.cbegin();
-    const QChar* const end = line.cend();
-    const auto isSpace = [](QChar c) { return c.isSpace(); };
-    while (tokens.size() < maxTokens) {
-        it = std::find_if_not(it, end, isSpace);
-        if (it == end)
-            return;
-        const QChar* const tokenEnd = std::find_if(it, end, isSpace);
-        tokens.append(QStringView(it, tokenEnd));
-        it = tokenEnd;
-    }
+    line.visit([&](auto it, auto end) {
+        const auto isSpace = [](auto unit) { return TextView::isSpace(unit); };
+        while (tokens.size() < maxTokens) {
+            it = std::find_if_not(it, end, isSpace);
+            if (it == end)
+                return;
+            const auto tokenEnd = std::find_if(it, end, isSpace);
+            tokens.append(TextView::between(it, tokenEnd));
+            it = tokenEnd;
+        }
+    });
 }
 
 double MifImport::tokenToDouble(int index, bool* ok) const
@@ -89,14 +79,14 @@ double MifImport::tokenToDouble(int index, bool* ok) const
 int MifImport::tokenToInt(int index, bool* ok) const
 {
     *ok = false;
-    return index < tokens.size() ? tokens.at(index).toString().toInt(ok) : 0;
+    return index < tokens.size() ? toInt(tokens.at(index), ok) : 0;
 }
 
 bool MifImport::readCount(int least, int* count)
 {
     readTokenizeMifLine(false);
     bool ok = false;
-    *count = line.toString().toInt(&ok);
+    *count = toInt(line, &ok);
     return ok && *count >= least;
 }
 
@@ -160,7 +150,7 @@ bool MifImport::scanObjects(ObjectHandler handle)
     bool inData = false;
     while (!in.atEnd() && !inData) {
         readTokenizeMifLine(false);
-        inData = line.compare(QLatin1String("DATA"), Qt::CaseInsensitive) == 0;
+        inData = line.equalsIgnoringCase(QLatin1String("DATA"));
     }
     while (!in.atEnd()) {
         line = in.readLine();

@@ -3,7 +3,6 @@
 #include "import/mapimport.h"
 #include "import/midfile.h"
 
-#include <QStringView>
 #include <QVarLengthArray>
 
 /// Reads the MapInfo interchange pair: the MIF file with the geometry and the MID file with one
@@ -40,8 +39,8 @@ protected:
     bool readSub(int count, bool closed);
     bool readVert(bool closing);
 
-    QStringView line; ///< the last MIF line read, trimmed
-    QVarLengthArray<QStringView, 8> tokens; ///< the first ones of `line`, parted by white space
+    TextView line; ///< the last MIF line read, trimmed
+    QVarLengthArray<TextView, 8> tokens; ///< the first ones of `line`, parted by white space
     MidFile mid; ///< the rows of the objects; not open when no designations are wanted
 
 private:
@@ -74,5 +73,5 @@ private:
     double tokenToDouble(int index, bool* ok) const;
     int tokenToInt(int index, bool* ok) const;
     bool readCount(int least, int* count);
-    static Keyword keywordOf(QStringView token);
+    static Keyword keywordOf(TextView token);
 };

@@ -14,10 +14,11 @@ constexpr int exactDigits = 15;
 
 /// Reads decimal digits at `it`, appends them to `value` (which wraps when there are too many) and
 /// returns their end.
-const QChar* scanDigits(const QChar* it, const QChar* end, quint64* value)
+template <typename Unit>
+const Unit* scanDigits(const Unit* it, const Unit* end, quint64* value)
 {
     for (; it != end; ++it) {
-        const uint digit = it->unicode() - uint('0');
+        const uint digit = uint(*it) - uint('0');
         if (digit > 9)
             break;
         *value = *value * 10 + digit;
@@ -28,17 +29,18 @@ const QChar* scanDigits(const QChar* it, const QChar* end, quint64* value)
 /// Converts a plain decimal number at `it` when both its digits and the power of ten are exact
 /// doubles: one division then rounds correctly. Returns the end of the number, or null where
 /// there is none of this form.
-const QChar* scanPlain(const QChar* it, const QChar* end, double* value)
+template <typename Unit>
+const Unit* scanPlain(const Unit* it, const Unit* end, double* value)
 {
-    const bool negative = it != end && *it == QLatin1Char('-');
+    const bool negative = it != end && *it == '-';
     if (negative)
         ++it;
     quint64 digits = 0;
-    const QChar* const pointOrEnd = scanDigits(it, end, &digits);
+    const Unit* const pointOrEnd = scanDigits(it, end, &digits);
     const auto wholes = pointOrEnd - it;
     it = pointOrEnd;
     std::ptrdiff_t decimals = 0;
-    if (it != end && *it == QLatin1Char('.')) {
+    if (it != end && *it == '.') {
         it = scanDigits(pointOrEnd + 1, end, &digits);
         decimals = it - pointOrEnd - 1;
         if (decimals == 0)
@@ -55,20 +57,27 @@ const QChar* scanPlain(const QChar* it, const QChar* end, double* value)
 
 } // namespace
 
-double toDouble(QStringView text, bool* ok)
+double toDouble(TextView text, bool* ok)
 {
     double value = 0;
-    const QChar* const end = scanPlain(text.cbegin(), text.cend(), &value);
-    if (!end || end != text.cend())
+    const bool isPlain = text.visit(
+        [&](auto begin, auto end) { return end == scanPlain(begin, end, &value) && begin != end; });
+    if (!isPlain)
         return text.toString().toDouble(ok);
     *ok = true;
     return value;
 }
 
-bool toPlainPair(QStringView text, double* first, double* second)
+int toInt(TextView text, bool* ok)
 {
-    const QChar* const end = text.cend();
-    const QChar* const middle = scanPlain(text.cbegin(), end, first);
-    return middle && middle != end && *middle == QLatin1Char(' ')
-        && scanPlain(middle + 1, end, second) == end;
+    return text.toString().toInt(ok);
+}
+
+bool toPlainPair(TextView text, double* first, double* second)
+{
+    return text.visit([&](auto begin, auto end) {
+        const auto middle = scanPlain(begin, end, first);
+        return middle && middle != end && *middle == ' '
+            && scanPlain(middle + 1, end, second) == end;
+    });
 }

@@ -146,8 +146,7 @@ void TestImportObserver::dxf()
         (QStringList{ QStringLiteral("pass points a.dxf"), QStringLiteral("read INSERT"),
             QStringLiteral("read TEXT"), QStringLiteral("pass objects a.dxf"),
             QStringLiteral("built LINE"), QStringLiteral("built LWPOLYLINE closed"),
-            QStringLiteral("built POLYLINE closed"),
-            QStringLiteral("built LWPOLYLINE in part"),
+            QStringLiteral("built POLYLINE closed"), QStringLiteral("built LWPOLYLINE in part"),
             QStringLiteral("failed a.dxf at 78 in line 78") }));
 }
 

@@ -62,8 +62,8 @@ Reading readWithReader(LineReader& reader)
 QByteArray randomText(Random& random, int size)
 {
     static const QByteArray pieces[] = { "\n", "\r\n", "\r", "\r\r\n", "\n\n", "0", " 10", "12.5",
-        "\t", "\xD0\x97\xD0\xA3", "\xD0", "\xE2\x82", "\xFF", QByteArray(1, '\0'),
-        QByteArray(300, 'x') };
+        "\t", "\xD0\x97\xD0\xA3", "\xD0", "\xE2\x82", "\xF0\x90", "\xEF\xBB\xBF", "\x0E", "\x0F",
+        "\x1B$B", "+", "~{", "\xFF", QByteArray(1, '\0'), QByteArray(300, 'x') };
     QByteArray text;
     while (text.size() < size)
         text += pieces[random.below(int(std::size(pieces)))];
@@ -79,6 +79,8 @@ private slots:
     void sameLinesAsStream_data();
     void sameLinesAsStream();
     void randomFiles();
+    void tailsBehindABlock();
+    void skippedLinesChangeNothing();
     void lastTwoLinesStayValid();
     void rewindsAndCountsOn();
     void reportsMissingFile();
@@ -151,13 +153,53 @@ void TestLineReader::sameLinesAsStream()
 void TestLineReader::randomFiles()
 {
     Random random(20);
-    const char* const codecs[] = { "UTF-8", "windows-1251", "IBM866", "UTF-16LE", "GB18030" };
-    for (int i = 0; i < 600; ++i) {
+    const char* const codecs[] = { "UTF-8", "windows-1251", "IBM866", "KOI8-R", "UTF-16LE",
+        "UTF-16", "UTF-32", "GB18030", "Shift_JIS", "ISO-2022-JP", "UTF-7", "US-ASCII" };
+    for (int i = 0; i < 3000; ++i) {
+        QTextCodec* const codec = QTextCodec::codecForName(codecs[i % std::size(codecs)]);
+        if (!codec)
+            continue;
         const int blocks = random.below(4) * 16384;
-        const int size = std::max(0, blocks + random.below(41) - 20) + random.below(2) * 500;
-        compare(randomText(random, size), codecs[random.below(int(std::size(codecs)))]);
+        const int size = std::max(0, blocks + random.below(61) - 30) + random.below(2) * 500;
+        compare(randomText(random, size), codec->name().constData());
         if (QTest::currentTestFailed())
-            qFatal("file %d of %d bytes", i, size);
+            qFatal("file %d of %d bytes in %s", i, size, codec->name().constData());
+    }
+}
+
+/// What a block ends with, and a last block that may come to no character at all.
+void TestLineReader::tailsBehindABlock()
+{
+    static const QByteArray tails[] = { "\r", "\r\r\r\r\r\r\r\r\r\r\r\r", "\xD0", "\xF0\x90\x90",
+        "\x0E\x0F\x0E\x0F\x0E\x0F\x0E\x0F\x0E\x0F", "\n", "\r\n", "A", "\x97\n", "\x90\x90\nB" };
+    static const QByteArray ends[] = { "\n", "a", "\r", "\xD0", "\xF0", "\xF0\x90", "\r\n",
+        "\n\r" };
+    for (const char* codec : { "UTF-8", "windows-1251", "ISO-2022-JP", "UTF-16LE" }) {
+        for (const QByteArray& end : ends) {
+            for (const QByteArray& tail : tails)
+                compare(QByteArray(16384 - end.size(), 'x') + end + tail, codec);
+        }
+    }
+}
+
+void TestLineReader::skippedLinesChangeNothing()
+{
+    Random random(21);
+    for (int i = 0; i < 300; ++i) {
+        const QString name = write(randomText(random, random.below(50000)));
+        QTextCodec* const codec =
+            QTextCodec::codecForName(random.below(2) ? "UTF-8" : "windows-1251");
+        const Reading expected = readWithStream(name, codec);
+        LineReader reader;
+        QVERIFY(reader.open(name, codec));
+        for (int line = 0; line < expected.lines.size(); ++line) {
+            if (random.below(2))
+                reader.skipLine();
+            else
+                QCOMPARE(reader.readLine().toString(), expected.lines.at(line));
+            QCOMPARE(reader.atEnd(), expected.ends.at(line));
+            QCOMPARE(reader.lineNum(), line + 1);
+        }
     }
 }
 
@@ -174,9 +216,9 @@ void TestLineReader::lastTwoLinesStayValid()
     }
     LineReader reader;
     QVERIFY(reader.open(write(content), QTextCodec::codecForName("UTF-8")));
-    QStringView previous = reader.readLine();
+    TextView previous = reader.readLine();
     for (int i = 1; i < lines.size(); ++i) {
-        const QStringView line = reader.readLine();
+        const TextView line = reader.readLine();
         QCOMPARE(previous.toString(), lines.at(i - 1));
         QCOMPARE(line.toString(), lines.at(i));
         previous = line;

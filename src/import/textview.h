@@ -1,0 +1,102 @@
+#pragma once
+
+#include <QChar>
+#include <QLatin1String>
+#include <QString>
+#include <QStringView>
+
+#include <cstring>
+
+/// A piece of a file's text, which somebody else holds: ASCII bytes as they stand in the file, or
+/// decoded characters. Which of the two it is makes no difference to what it means.
+class TextView {
+public:
+    constexpr TextView() = default;
+    constexpr TextView(const char* ascii, qsizetype size)
+        : m_data(ascii)
+        , m_size(size)
+    {
+    }
+    TextView(QStringView characters)
+        : m_data(characters.data())
+        , m_size(characters.size())
+        , m_isAscii(false)
+    {
+    }
+
+    constexpr bool isNull() const { return !m_data; }
+    constexpr bool isEmpty() const { return m_size == 0; }
+    constexpr qsizetype size() const { return m_size; }
+    constexpr bool isAscii() const { return m_isAscii; }
+    const void* data() const { return m_data; }
+    /// The bytes of an ASCII text.
+    const char* ascii() const { return static_cast<const char*>(m_data); }
+    /// The characters of a text that is not ASCII.
+    const char16_t* characters() const { return static_cast<const char16_t*>(m_data); }
+
+    /// Calls `function` with pointers to the first unit of the text and behind its last one.
+    template <typename Function>
+    auto visit(Function&& function) const
+    {
+        return m_isAscii ? function(ascii(), ascii() + m_size)
+                         : function(characters(), characters() + m_size);
+    }
+
+    /// The part between two of the pointers that visit() hands out.
+    template <typename Unit>
+    static TextView between(const Unit* begin, const Unit* end)
+    {
+        if constexpr (sizeof(Unit) == 1)
+            return { begin, end - begin };
+        else
+            return QStringView(begin, end);
+    }
+
+    /// The text as a string; null for a null one.
+    QString toString() const
+    {
+        return m_isAscii
+            ? QString::fromLatin1(ascii(), static_cast<int>(m_size))
+            : QString(reinterpret_cast<const QChar*>(m_data), static_cast<int>(m_size));
+    }
+
+    /// The text without white space around it, as QString::trimmed gives it.
+    TextView trimmed() const
+    {
+        return visit([](auto begin, auto end) {
+            while (begin != end && isSpace(*begin))
+                ++begin;
+            while (begin != end && isSpace(end[-1]))
+                --end;
+            return between(begin, end);
+        });
+    }
+
+    static bool isSpace(char ascii) { return ascii == ' ' || (ascii >= '\t' && ascii <= '\r'); }
+    static bool isSpace(char16_t unit) { return QChar::isSpace(unit); }
+
+    /// Whether the text is this ASCII one.
+    friend bool operator==(TextView text, QLatin1String ascii)
+    {
+        if (text.m_size != ascii.size())
+            return false;
+        if (text.m_isAscii)
+            return std::memcmp(text.m_data, ascii.data(), static_cast<size_t>(ascii.size())) == 0;
+        return QStringView(text.characters(), text.m_size) == ascii;
+    }
+    friend bool operator!=(TextView text, QLatin1String ascii) { return !(text == ascii); }
+
+    /// Whether the text is this ASCII one, ignoring case.
+    bool equalsIgnoringCase(QLatin1String other) const
+    {
+        if (!m_isAscii)
+            return QStringView(characters(), m_size).compare(other, Qt::CaseInsensitive) == 0;
+        return m_size == other.size()
+            && qstrnicmp(ascii(), other.data(), static_cast<uint>(m_size)) == 0;
+    }
+
+private:
+    const void* m_data = nullptr;
+    qsizetype m_size = 0; ///< in bytes or characters
+    bool m_isAscii = true;
+};
