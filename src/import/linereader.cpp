@@ -1,6 +1,7 @@
 #include "import/linereader.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <string_view>
 
@@ -17,21 +18,42 @@ bool isHigh(char c)
     return static_cast<signed char>(c) < 0;
 }
 
-/// Whether bytes are nothing but ASCII with no carriage return but those before a line feed.
-bool isPlain(const char* begin, const char* end)
+/// The first byte that is no ASCII, or a carriage return that is not before a line feed; `end`
+/// where there is none.
+const char* findSpecial(const char* begin, const char* end)
 {
-    char all = 0;
-    for (const char* it = begin; it != end; ++it)
-        all = static_cast<char>(all | *it);
-    if (isHigh(all))
-        return false;
-    const auto isStray = [end](const char* it) { return it + 1 == end || it[1] != '\n'; };
-    for (const char* it = std::find(begin, end, '\r'); it != end;
-         it = std::find(it + 1, end, '\r')) {
-        if (isStray(it))
-            return false;
+    constexpr quint64 ones = 0x0101010101010101ull;
+    constexpr quint64 highBits = ones * 0x80;
+    constexpr quint64 carriageReturns = ones * '\r';
+    const auto isSpecial = [end](const char* it) {
+        return isHigh(*it) || (*it == '\r' && (it + 1 == end || it[1] != '\n'));
+    };
+    const char* it = begin;
+    for (; end - it >= 8; it += 8) {
+        quint64 word;
+        std::memcpy(&word, it, sizeof word);
+        // Marks the bytes that are carriage returns; where one is high, the mark does not matter.
+        const quint64 returns = ((word ^ carriageReturns) - ones) & ~(word ^ carriageReturns);
+        if (((word | returns) & highBits) == 0)
+            continue;
+        const char* const found =
+            std::find_if(it, it + 8, [&](const char& c) { return isSpecial(&c); });
+        if (found != it + 8)
+            return found;
     }
-    return true;
+    while (it != end && !isSpecial(it))
+        ++it;
+    return it;
+}
+
+const char* findLineFeed(const char* begin, const char* end)
+{
+    return static_cast<const char*>(std::memchr(begin, '\n', static_cast<size_t>(end - begin)));
+}
+
+const char16_t* findLineFeed(const char16_t* begin, const char16_t* end)
+{
+    return std::find(begin, end, u'\n');
 }
 
 /// Whether a text in the encoding is one character a byte, and ASCII where the byte is.
@@ -57,6 +79,13 @@ TextView withoutCarriageReturn(TextView line)
 {
     const bool ends = !line.isEmpty() && line.ascii()[line.size() - 1] == '\r';
     return ends ? TextView(line.ascii(), line.size() - 1) : line;
+}
+
+/// Whether a piece of the block, or one with the line feed behind it, is the same when decoded.
+bool isPlain(TextView piece, bool endsLine)
+{
+    const char* const end = piece.ascii() + piece.size() + (endsLine ? 1 : 0);
+    return findSpecial(piece.ascii(), end) == end;
 }
 
 } // namespace
@@ -97,15 +126,16 @@ void LineReader::start()
     m_isAtStart = true;
     m_fileHasEnded = false;
     m_rest = TextView();
+    m_plainSize = 0;
     nextLine();
 }
 
-bool LineReader::atEnd() const
+bool LineReader::isAtEndOfFile() const
 {
-    return m_rest.isEmpty() && m_lines[m_line].isEmpty() && (m_fileHasEnded || m_file.atEnd());
+    return m_lines[m_line].isEmpty() && (m_fileHasEnded || m_file.atEnd());
 }
 
-TextView LineReader::readLine()
+TextView LineReader::readAnyLine()
 {
     ++m_lineNum;
     if (!m_rest.isEmpty() || fill())
@@ -115,10 +145,10 @@ TextView LineReader::readLine()
     return last.isEmpty() ? TextView() : last.view();
 }
 
-void LineReader::skipLine()
+void LineReader::skipAnyLine()
 {
     if (m_rest.isEmpty() || !m_lines[m_line].isUntouched()) {
-        readLine();
+        readAnyLine();
         return;
     }
     ++m_lineNum;
@@ -130,7 +160,7 @@ void LineReader::skipLine()
 TextView LineReader::takePiece()
 {
     return m_rest.visit([this](auto begin, auto end) {
-        const auto lineFeed = std::find(begin, end, '\n');
+        const auto lineFeed = findLineFeed(begin, end);
         m_rest = TextView::between(lineFeed + 1, end);
         return TextView::between(begin, lineFeed);
     });
@@ -139,7 +169,7 @@ TextView LineReader::takePiece()
 TextView LineReader::completeLine(TextView piece)
 {
     Line& line = m_lines[m_line];
-    if (line.isUntouched() && (!piece.isAscii() || isPlainLine(piece))) {
+    if (line.isUntouched() && (!piece.isAscii() || isPlain(piece, true))) {
         stashRest();
         return piece.isAscii() ? withoutCarriageReturn(piece) : piece;
     }
@@ -149,20 +179,34 @@ TextView LineReader::completeLine(TextView piece)
     return line.view();
 }
 
-/// Keeps the start of a line that goes on in the next block, so that nothing is left of this one.
+/// Keeps the start of a line that goes on in the next block, so that nothing is left of this one;
+/// where whole lines are left, finds those that can be handed out as they are.
 void LineReader::stashRest()
 {
-    if (m_rest.isEmpty() || m_rest.data() <= m_lastLineFeed)
+    m_plainSize = 0;
+    if (m_rest.isEmpty())
         return;
+    if (m_rest.data() <= m_lastLineFeed) {
+        findPlainLines();
+        return;
+    }
     append(m_rest, false);
     m_rest = TextView();
+}
+
+void LineReader::findPlainLines()
+{
+    if (!m_rest.isAscii() || !m_lines[m_line].isUntouched())
+        return;
+    // The last line is left out: what is behind it must be kept when it has been read.
+    const char* const end = static_cast<const char*>(m_lastLineFeed);
+    m_plainSize = findSpecial(m_rest.ascii(), end) - m_rest.ascii();
 }
 
 void LineReader::append(TextView piece, bool endsLine)
 {
     Line& line = m_lines[m_line];
-    const bool staysAscii = !line.isDecoded && piece.isAscii()
-        && (endsLine ? isPlainLine(piece) : isPlain(piece.ascii(), piece.ascii() + piece.size()));
+    const bool staysAscii = !line.isDecoded && piece.isAscii() && isPlain(piece, endsLine);
     if (staysAscii) {
         const TextView ascii = endsLine ? withoutCarriageReturn(piece) : piece;
         line.bytes.append(ascii.ascii(), static_cast<int>(ascii.size()));
@@ -230,7 +274,6 @@ bool LineReader::readBlock()
     if (m_isAtStart && m_codec->mibEnum() == utf8Mib && block.bytes.startsWith(utf8Mark.data()))
         begin += utf8Mark.size();
     m_isAtStart = false;
-    m_blockIsPlain = isPlain(begin, end);
     setRest(begin, end);
     return true;
 }
@@ -254,10 +297,4 @@ void LineReader::chooseCodec(const QByteArray& firstBlock)
     // A mark is passed over here, at the start of the file; behind it, it would be a character.
     if (m_isAtStart && m_findsInBytes)
         m_state->flags |= QTextCodec::IgnoreHeader;
-}
-
-bool LineReader::isPlainLine(TextView piece) const
-{
-    // The line feed stands behind the piece.
-    return m_blockIsPlain || isPlain(piece.ascii(), piece.ascii() + piece.size() + 1);
 }

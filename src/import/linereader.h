@@ -8,6 +8,7 @@
 #include <QTextCodec>
 
 #include <array>
+#include <cstring>
 #include <memory>
 
 /// Reads a text file line by line: the lines and ends that QTextStream::readLine() and atEnd()
@@ -30,12 +31,20 @@ public:
     /// The name last given to open().
     QString fileName() const { return m_file.fileName(); }
 
-    bool atEnd() const;
+    bool atEnd() const { return m_rest.isEmpty() && isAtEndOfFile(); }
     /// Reads the next line, without its end, and counts it. At the end of the file the line is
     /// null. The last two lines read stay valid.
-    TextView readLine();
-    /// Reads a line like readLine() without looking at what it says.
-    void skipLine();
+    TextView readLine()
+    {
+        const TextView line = takePlainLine();
+        return line.isNull() ? readAnyLine() : line;
+    }
+    /// Reads a line like readLine() without making it ready to be looked at.
+    void skipLine()
+    {
+        if (takePlainLine().isNull())
+            skipAnyLine();
+    }
     /// Starts the file again; the count of lines runs on.
     void rewind();
     /// The number of lines read since open(): the one-based number of the last line.
@@ -60,7 +69,27 @@ private:
         TextView view() const;
     };
 
+    /// Takes a line that can be handed out as it stands in the block; null where none is known.
+    TextView takePlainLine()
+    {
+        if (m_plainSize == 0)
+            return {};
+        const char* const begin = m_rest.ascii();
+        const auto* const end =
+            static_cast<const char*>(std::memchr(begin, '\n', static_cast<size_t>(m_plainSize)));
+        if (!end)
+            return {};
+        const qsizetype size = end - begin;
+        m_rest = TextView(end + 1, m_rest.size() - size - 1);
+        m_plainSize -= size + 1;
+        ++m_lineNum;
+        return TextView(begin, size > 0 && end[-1] == '\r' ? size - 1 : size);
+    }
+
     void start();
+    bool isAtEndOfFile() const;
+    TextView readAnyLine();
+    void skipAnyLine();
     void chooseCodec(const QByteArray& firstBlock);
     bool fill();
     bool readBlock();
@@ -72,7 +101,7 @@ private:
     void append(TextView piece, bool endsLine);
     QString decode(TextView piece, bool endsLine);
     void nextLine();
-    bool isPlainLine(TextView piece) const;
+    void findPlainLines();
 
     QFile m_file;
     QTextCodec* m_codec = nullptr;
@@ -86,9 +115,10 @@ private:
 
     std::array<Block, 2> m_blocks; ///< the one being read, and the one that holds earlier lines
     size_t m_block = 0;
-    bool m_blockIsPlain = false; ///< only ASCII, and carriage returns only before line feeds
     TextView m_rest; ///< what is left of the block; empty, or with a line feed in it
     const void* m_lastLineFeed = nullptr; ///< in the block
+    /// So many bytes of the rest hold nothing that needs to be decoded or put together.
+    qsizetype m_plainSize = 0;
 
     // One holds the start of a line that goes on in the next block, the others earlier lines.
     std::array<Line, 4> m_lines;

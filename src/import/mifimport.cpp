@@ -39,8 +39,11 @@ MifImport::Keyword MifImport::keywordOf(TextView token)
         { QLatin1String("MULTIPOINT"), Keyword::Skipped },
         { QLatin1String("COLLECTION"), Keyword::Collection },
     };
-    const auto found = std::find_if(std::begin(objects), std::end(objects),
-        [token](const auto& object) { return isKeyword(token, object.name); });
+    const auto found =
+        std::find_if(std::begin(objects), std::end(objects), [token](const auto& object) {
+            const bool mayBe = !token.isAscii() || token.size() == object.name.size();
+            return mayBe && isKeyword(token, object.name);
+        });
     return found == std::end(objects) ? Keyword::None : found->keyword;
 }
 

@@ -100,3 +100,4 @@ private:
     qsizetype m_size = 0; ///< in bytes or characters
     bool m_isAscii = true;
 };
+Q_DECLARE_TYPEINFO(TextView, Q_PRIMITIVE_TYPE);
