@@ -15,6 +15,8 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 add_library(project_options INTERFACE)
 target_compile_options(project_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    # Qt's QSKIP is such a macro.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
     # Ties between equal distances are decided on exact doubles: no fused multiply-add.
     -ffp-contract=off)
 if(IMPORTGEOMETRY_WERROR)
