@@ -26,6 +26,15 @@ if(IMPORTGEOMETRY_SANITIZE)
     target_compile_options(project_options INTERFACE
         -fsanitize=${IMPORTGEOMETRY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(project_options INTERFACE -fsanitize=${IMPORTGEOMETRY_SANITIZE})
+    target_compile_definitions(project_options INTERFACE _GLIBCXX_ASSERTIONS)
+else()
+    # The plug-in reads files from anywhere inside somebody else's process. Fortification wants an
+    # optimized build; the sanitizers look closer than either.
+    set(optimized $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+    target_compile_options(project_options INTERFACE
+        -fstack-protector-strong $<${optimized}:-U_FORTIFY_SOURCE>)
+    target_compile_definitions(project_options INTERFACE $<${optimized}:_FORTIFY_SOURCE=2>)
+    target_link_options(project_options INTERFACE "LINKER:-z,relro" "LINKER:-z,now")
 endif()
 target_compile_definitions(project_options INTERFACE
     QT_NO_CAST_FROM_ASCII
