@@ -36,6 +36,13 @@ else()
     target_compile_definitions(project_options INTERFACE $<${optimized}:_FORTIFY_SOURCE=2>)
     target_link_options(project_options INTERFACE "LINKER:-z,relro" "LINKER:-z,now")
 endif()
+if(IMPORTGEOMETRY_FUZZ)
+    target_compile_options(project_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+if(IMPORTGEOMETRY_COVERAGE)
+    target_compile_options(project_options INTERFACE --coverage)
+    target_link_options(project_options INTERFACE --coverage)
+endif()
 target_compile_definitions(project_options INTERFACE
     QT_NO_CAST_FROM_ASCII
     QT_NO_CAST_TO_ASCII
