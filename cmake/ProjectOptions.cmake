@@ -15,6 +15,8 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 add_library(project_options INTERFACE)
 target_compile_options(project_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    # Qt's QSKIP is such a macro.
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>
     # Ties between equal distances are decided on exact doubles: no fused multiply-add.
     -ffp-contract=off)
 if(IMPORTGEOMETRY_WERROR)
@@ -24,6 +26,22 @@ if(IMPORTGEOMETRY_SANITIZE)
     target_compile_options(project_options INTERFACE
         -fsanitize=${IMPORTGEOMETRY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(project_options INTERFACE -fsanitize=${IMPORTGEOMETRY_SANITIZE})
+    target_compile_definitions(project_options INTERFACE _GLIBCXX_ASSERTIONS)
+else()
+    # The plug-in reads files from anywhere inside somebody else's process. Fortification wants an
+    # optimized build; the sanitizers look closer than either.
+    set(optimized $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+    target_compile_options(project_options INTERFACE
+        -fstack-protector-strong $<${optimized}:-U_FORTIFY_SOURCE>)
+    target_compile_definitions(project_options INTERFACE $<${optimized}:_FORTIFY_SOURCE=2>)
+    target_link_options(project_options INTERFACE "LINKER:-z,relro" "LINKER:-z,now")
+endif()
+if(IMPORTGEOMETRY_FUZZ)
+    target_compile_options(project_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+if(IMPORTGEOMETRY_COVERAGE)
+    target_compile_options(project_options INTERFACE --coverage)
+    target_link_options(project_options INTERFACE --coverage)
 endif()
 target_compile_definitions(project_options INTERFACE
     QT_NO_CAST_FROM_ASCII

@@ -8,21 +8,31 @@ function(importgeometry_library name)
     target_link_libraries(${name} PUBLIC ${arg_LINK} PRIVATE project_options)
 endfunction()
 
-# importgeometry_test(NAME SOURCES... [OFFSCREEN] LINK libraries...)
+# importgeometry_label(TESTS...)
+#
+# Labels tests with the name of their folder, so that `ctest --label-regex` runs one folder.
+function(importgeometry_label)
+    get_filename_component(label "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
+    set_tests_properties(${ARGV} PROPERTIES LABELS "${label}")
+endfunction()
+
+# importgeometry_test(NAME SOURCES... [OFFSCREEN] [PLUGIN] LINK libraries...)
 #
 # A QtTest program, run under the C and under the ru_RU locale, each run with a home and settings of
 # its own. OFFSCREEN: it, or a program that it runs, opens Qt's offscreen platform; the leak
-# sanitizer then passes over what that platform leaves behind.
+# sanitizer then passes over what that platform leaves behind. PLUGIN: it loads the plug-in, from
+# PLUGIN_PATH.
 function(importgeometry_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "OFFSCREEN" "" "LINK")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "OFFSCREEN;PLUGIN" "" "LINK")
     add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
     set_target_properties(${name} PROPERTIES
         AUTOMOC ON
         RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
-    target_compile_definitions(${name} PRIVATE
-        SAMPLES_DIR="${PROJECT_SOURCE_DIR}/samples"
-        PLUGIN_PATH="$<TARGET_FILE:importgeometry>")
     target_link_libraries(${name} PRIVATE ${arg_LINK} Qt5::Test project_options)
+    if(arg_PLUGIN)
+        target_compile_definitions(${name} PRIVATE PLUGIN_PATH="$<TARGET_FILE:importgeometry>")
+        add_dependencies(${name} importgeometry)
+    endif()
     set(leaks "")
     if(arg_OFFSCREEN)
         # Only whole stacks, which cost time, show that a leak is the platform's.
@@ -38,6 +48,6 @@ function(importgeometry_test name)
         set_tests_properties(${name}.${locale} PROPERTIES
             WORKING_DIRECTORY "${home}"
             ENVIRONMENT "LC_ALL=${locale};QT_QPA_PLATFORM=offscreen;HOME=${home};XDG_CONFIG_HOME=${home}/config;${leaks}")
+        importgeometry_label(${name}.${locale})
     endforeach()
-    add_dependencies(${name} importgeometry)
 endfunction()

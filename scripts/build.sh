@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Builds the release preset, after installing what is missing for it.
+# Builds the release preset, all of it or the targets given, from what scripts/setup.sh installs.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-scripts/setup.sh
+targets=()
+[ $# -eq 0 ] || targets=(--target "$@")
 cmake --preset release
-cmake --build --preset release --parallel "$(nproc)"
+cmake --build --preset release --parallel "$(nproc)" "${targets[@]}"

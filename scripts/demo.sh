@@ -5,7 +5,9 @@
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-scripts/build.sh
+scripts/setup.sh demo
+# With it the plug-in, and no test: in the folder of the tests' build, which goes on from there.
+scripts/build.sh importgeometry-host
 
 demo=build/demo
 host=build/release/bin/importgeometry-host

@@ -1,17 +1,31 @@
 #!/usr/bin/env bash
-# Installs with apt what the build, the tests and the demo need; does nothing when all is there.
+# Installs with apt what is missing; does nothing when all is there.
+#
+#   scripts/setup.sh         for the build and the tests
+#   scripts/setup.sh demo    for the build and the demo
 set -euo pipefail
 
 packages=(
     g++ make cmake qtbase5-dev
-    binutils           # readelf and nm look at the plug-in's symbols
-    xvfb xauth         # one test shows the dialog on a real window system
-    man-db             # a test formats the manual page
-    locales            # the tests run under the Russian locale, too
+    locales            # the demo is Russian, and the tests run under the Russian locale, too
     fonts-dejavu-core  # the screenshots need Cyrillic letters
     qttranslations5-l10n  # the buttons that Qt letters itself
 )
+test_packages=(
+    binutils           # readelf and nm look at the plug-in
+    xvfb xauth         # one test shows the dialog on a real window system
+    man-db             # a test formats the manual page
+)
 locale=ru_RU.UTF-8
+
+case ${1-tests} in
+demo) ;;
+tests) packages+=("${test_packages[@]}") ;;
+*)
+    echo "usage: scripts/setup.sh [demo|tests]" >&2
+    exit 2
+    ;;
+esac
 
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then

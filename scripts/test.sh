@@ -3,5 +3,6 @@
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+scripts/setup.sh
 scripts/build.sh
 ctest --preset release "$@"

@@ -26,18 +26,18 @@ MifImport::Keyword MifImport::keywordOf(TextView token)
         QLatin1String name;
         Keyword keyword;
     } objects[] = {
-        { QLatin1String("REGION"), Keyword::Region },
-        { QLatin1String("PLINE"), Keyword::Pline },
-        { QLatin1String("LINE"), Keyword::Line },
-        { QLatin1String("POINT"), Keyword::Point },
-        { QLatin1String("NONE"), Keyword::Skipped },
-        { QLatin1String("ARC"), Keyword::Skipped },
-        { QLatin1String("TEXT"), Keyword::Skipped },
-        { QLatin1String("RECT"), Keyword::Skipped },
-        { QLatin1String("ROUNDRECT"), Keyword::Skipped },
-        { QLatin1String("ELLIPSE"), Keyword::Skipped },
-        { QLatin1String("MULTIPOINT"), Keyword::Skipped },
-        { QLatin1String("COLLECTION"), Keyword::Collection },
+        { QLatin1String("REGION", 6), Keyword::Region },
+        { QLatin1String("PLINE", 5), Keyword::Pline },
+        { QLatin1String("LINE", 4), Keyword::Line },
+        { QLatin1String("POINT", 5), Keyword::Point },
+        { QLatin1String("NONE", 4), Keyword::Skipped },
+        { QLatin1String("ARC", 3), Keyword::Skipped },
+        { QLatin1String("TEXT", 4), Keyword::Skipped },
+        { QLatin1String("RECT", 4), Keyword::Skipped },
+        { QLatin1String("ROUNDRECT", 9), Keyword::Skipped },
+        { QLatin1String("ELLIPSE", 7), Keyword::Skipped },
+        { QLatin1String("MULTIPOINT", 10), Keyword::Skipped },
+        { QLatin1String("COLLECTION", 10), Keyword::Collection },
     };
     const auto found =
         std::find_if(std::begin(objects), std::end(objects), [token](const auto& object) {

@@ -29,6 +29,7 @@ QStringList pages()
     const QDir docs(root().filePath(QStringLiteral("docs")));
     for (const QString& name : docs.entryList({ QStringLiteral("*.md") }, QDir::Files))
         result.append(QStringLiteral("docs/") + name);
+    result.append(QStringLiteral("fuzz/README.md"));
     return result;
 }
 
@@ -39,7 +40,7 @@ QSet<QString> targets()
         R"((?:(?:add_executable|add_library|importgeometry_\w+)\(|OUTPUT_NAME)\s*([\w-]+))"));
     QSet<QString> result;
     const QStringList folders{ QStringLiteral("src"), QStringLiteral("apps"),
-        QStringLiteral("tests"), QStringLiteral("bench") };
+        QStringLiteral("tests"), QStringLiteral("bench"), QStringLiteral("fuzz") };
     for (const QString& folder : folders) {
         QDirIterator it(root().filePath(folder), { QStringLiteral("CMakeLists.txt") }, QDir::Files,
             QDirIterator::Subdirectories);
@@ -132,7 +133,7 @@ void TestDocs::links()
 void TestDocs::paths_data()
 {
     addReferences(QStringLiteral(
-        R"((?<![\w/.…-])((?:\.ci|apps|bench|cmake|docs|samples|scripts|src|tests)/(?:[\w./-]*[\w/])?))"));
+        R"((?<![\w/.…-])((?:\.ci|apps|bench|cmake|docs|fuzz|samples|scripts|src|tests)/(?:[\w./-]*[\w/])?))"));
 }
 
 void TestDocs::paths()
@@ -174,7 +175,7 @@ void TestDocs::presetNames()
 
 void TestDocs::buildResults_data()
 {
-    addReferences(QStringLiteral(R"(build/([\w-]+)/(bin|lib)/(?:lib)?([\w-]+))"));
+    addReferences(QStringLiteral(R"(build/([\w-]+)/(bin|lib)/(?:lib|fuzz_|replay_)?([\w-]+))"));
 }
 
 void TestDocs::buildResults()

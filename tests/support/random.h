@@ -34,9 +34,9 @@ public:
     }
 
     template <typename Container>
-    auto pick(const Container& from) -> decltype(from[0])
+    auto pick(const Container& from) -> decltype(from.begin()[0])
     {
-        return from[below(static_cast<int>(from.size()))];
+        return from.begin()[below(static_cast<int>(from.size()))];
     }
 
     /// A text of up to `longest` of the given characters.
