@@ -210,6 +210,7 @@ bool DxfImport::scanEntities(EntityReceiver receive)
     bool inEntities = false;
     bool ok = true;
     while (ok && !pairs.atEnd()) {
+        pairs.passOver(m_stretches);
         ok = pairs.skipToEntity();
         if (!ok || !pairs.isEntity())
             continue;
@@ -275,7 +276,15 @@ bool DxfImport::loadPoints()
     if (!checkDxfFile())
         return false;
     labels.clear();
-    return scanEntities(&DxfImport::receivePointOrText);
+    m_stretches.clear();
+    if (!pointFileName.isEmpty() || in.position() < 0)
+        return scanEntities(&DxfImport::receivePointOrText);
+
+    pairs.noteStretches(&m_stretches);
+    const bool loaded = scanEntities(&DxfImport::receivePointOrText);
+    pairs.noteStretches(nullptr);
+    m_stretches.finish({ in.position(), in.lineOfFile() });
+    return loaded;
 }
 
 bool DxfImport::loadPolygons()
@@ -291,6 +300,8 @@ bool DxfImport::loadPolygons()
         }
         labels.filterObjectDefs();
     }
+    if (!m_stretches.fit(in.size()))
+        m_stretches.clear();
     return scanEntities(&DxfImport::receivePolygon);
 }
 

@@ -61,5 +61,6 @@ private:
         const std::array<QLatin1String, Count>& codes, std::array<double, Count>& coordinates);
     bool closeContour();
 
+    DxfStretches m_stretches; ///< of the object file, as the point pass has seen it
     bool m_closed = false; ///< the polyline being read is marked as closed
 };

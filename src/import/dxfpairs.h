@@ -1,5 +1,6 @@
 #pragma once
 
+#include "import/dxfstretches.h"
 #include "import/linereader.h"
 
 #include <QLatin1String>
@@ -33,12 +34,21 @@ public:
     /// Makes the current pair outlive its file, if it is to be handed back.
     void keepUnread();
 
+    /// Notes in `stretches`, from now on, where entities start; null for no more.
+    void noteStretches(DxfStretches* stretches) { m_noted = stretches; }
+    /// Goes on behind the stretch that the cursor is in, if it is in one.
+    void passOver(const DxfStretches& stretches);
+
     TextView code; ///< group code of the current pair, trimmed
     TextView value; ///< value of the current pair, trimmed
     bool unread = false; ///< the next readCodeValue() hands back the current pair
 
 private:
+    DxfStretches::Place here() const;
+    void noteEntity(const DxfStretches::Place& place) const;
+
     LineReader& m_in;
+    DxfStretches* m_noted = nullptr;
     QString m_keptCode;
     QString m_keptValue;
 };

@@ -119,9 +119,30 @@ void LineReader::rewind()
     start();
 }
 
+void LineReader::seek(qint64 position, int linesBefore)
+{
+    const qint64 inBlock = position % blockSize;
+    const int linesOfEarlierRuns = m_linesBefore;
+    m_file.seek(position - inBlock);
+    start();
+    m_isAtStart = position == inBlock;
+    m_blockEnd = position - inBlock;
+    m_lineStart = position;
+    m_linesBefore = linesOfEarlierRuns;
+    m_lineNum = linesOfEarlierRuns + linesBefore;
+    m_block = 1 - m_block;
+    if (!readBlock())
+        return;
+    const QByteArray& bytes = m_blocks[m_block].bytes;
+    m_rest = TextView(bytes.constData() + inBlock, bytes.size() - inBlock);
+    stashRest();
+}
+
 void LineReader::start()
 {
     m_linesBefore = m_lineNum;
+    m_blockEnd = 0;
+    m_lineStart = 0;
     m_state = std::make_unique<QTextCodec::ConverterState>();
     m_isAtStart = true;
     m_fileHasEnded = false;
@@ -141,6 +162,7 @@ TextView LineReader::readAnyLine()
     if (!m_rest.isEmpty() || fill())
         return completeLine(takePiece());
     const Line& last = m_lines[m_line];
+    m_lineStart = m_blockEnd;
     nextLine();
     return last.isEmpty() ? TextView() : last.view();
 }
@@ -184,12 +206,16 @@ TextView LineReader::completeLine(TextView piece)
 void LineReader::stashRest()
 {
     m_plainSize = 0;
-    if (m_rest.isEmpty())
+    if (m_rest.isEmpty()) {
+        m_lineStart = m_blockEnd;
         return;
+    }
     if (m_rest.data() <= m_lastLineFeed) {
         findPlainLines();
         return;
     }
+    if (m_lines[m_line].isUntouched())
+        m_lineStart = m_blockEnd - m_rest.size();
     append(m_rest, false);
     m_rest = TextView();
 }
@@ -259,6 +285,7 @@ bool LineReader::readBlock()
         return false;
     }
     block.bytes.resize(static_cast<int>(size));
+    m_blockEnd += size;
     chooseCodec(block.bytes);
 
     if (!m_findsInBytes) {

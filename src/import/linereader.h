@@ -45,6 +45,15 @@ public:
         if (takePlainLine().isNull())
             skipAnyLine();
     }
+    /// The place of the next line in the file, in bytes; -1 where lines are not found in bytes.
+    qint64 position() const
+    {
+        return m_findsInBytes ? (m_rest.isEmpty() ? m_lineStart : m_blockEnd - m_rest.size()) : -1;
+    }
+    /// The size of the file, in bytes.
+    qint64 size() const { return m_file.size(); }
+    /// Goes on at a place that position() has given, with so many lines of the file before it.
+    void seek(qint64 position, int linesBefore);
     /// Starts the file again; the count of lines runs on.
     void rewind();
     /// The number of lines read since open(): the one-based number of the last line.
@@ -117,6 +126,8 @@ private:
     size_t m_block = 0;
     TextView m_rest; ///< what is left of the block; empty, or with a line feed in it
     const void* m_lastLineFeed = nullptr; ///< in the block
+    qint64 m_blockEnd = 0; ///< place of the end of the block in the file
+    qint64 m_lineStart = 0; ///< place of the line that goes on in the next block
     /// So many bytes of the rest hold nothing that needs to be decoded or put together.
     qsizetype m_plainSize = 0;
 
