@@ -22,7 +22,7 @@ void requireLines(const QString& fileName, QTextCodec* codec)
     while (!stream.atEnd()) {
         require(!reader.atEnd(), "the reader ends no sooner than the stream");
         const QString line = stream.readLine();
-        require(reader.readLine() == line, "the lines are the stream's");
+        require(reader.readLine().toString() == line, "the lines are the stream's");
         const QString decoded = decodeText(line, codec);
         require(decoded == literal::decodeText(line, codec), "the text is decoded literally");
     }
