@@ -4,10 +4,13 @@
 #include "geometry/conflicts.h"
 #include "geometry/designation.h"
 #include "geometry/nearestindex.h"
-#include "geometry/nearestpoint.h"
 #include "geometry/pointcatalogue.h"
+#include "geometry/sequenceindex.h"
+#include "hostileplaces.h"
 #include "import/number.h"
 #include "layouts.h"
+#include "literal/literalcatalogue.h"
+#include "literal/literalgeometry.h"
 #include "models/coordformat.h"
 #include "resultwriter.h"
 
@@ -18,6 +21,7 @@
 
 #include <algorithm>
 #include <map>
+#include <type_traits>
 
 namespace {
 
@@ -25,6 +29,7 @@ const char* const placeLayouts[] = { "city", "grid", "column", "random" };
 constexpr int literalSizes[] = { 1000, 10000 };
 constexpr int sizes[] = { 1000, 10000, 100000, 1000000 };
 constexpr int defaultSize = 100000;
+constexpr int hostileSizes[] = { 10000, 20000, 100000 };
 
 struct Input {
     std::vector<Shape> shapes;
@@ -102,7 +107,7 @@ void literalFind(benchmark::State& state, const char* layout, int size)
     for (auto _ : state) {
         for (const DefPoint& point : input.points)
             benchmark::DoNotOptimize(
-                findNearestPoint(input.sortedPoints, QPointF(point.x, point.y)));
+                literal::findNearestPoint(input.sortedPoints, QPointF(point.x, point.y)));
     }
     countItems(state, input.points.size());
 }
@@ -125,13 +130,12 @@ void literalInsert(benchmark::State& state, const char* layout, int size)
 {
     const Input& input = inputOf(layout, size);
     for (auto _ : state) {
-        QVector<DefPoint> sorted;
+        literal::Catalogue catalogue;
         for (const DefPoint& point : input.points) {
-            const DefPoint* nearest = findNearestPoint(sorted, QPointF(point.x, point.y));
-            if (!nearest || !coincide(*nearest, point))
-                sorted.insert(std::lower_bound(sorted.begin(), sorted.end(), point), point);
+            if (catalogue.findCoincident(point.x, point.y) < 0)
+                catalogue.insert(point);
         }
-        benchmark::DoNotOptimize(sorted.size());
+        benchmark::DoNotOptimize(catalogue.points.size());
     }
     countItems(state, input.points.size());
 }
@@ -159,6 +163,52 @@ void indexFind(benchmark::State& state, const char* layout, int size)
             benchmark::DoNotOptimize(index.find(QPointF(shape.label.x, shape.label.y)));
     }
     countItems(state, static_cast<int>(input.shapes.size()));
+}
+
+// Hostile places
+
+void hostileInsert(benchmark::State& state, const HostilePlaces& places, int size)
+{
+    const QVector<DefPoint> points = places.make(size);
+    for (auto _ : state) {
+        PointCatalogue catalogue;
+        for (const DefPoint& point : points) {
+            if (!catalogue.findCoincident(point.x, point.y))
+                catalogue.insert(point);
+        }
+        benchmark::DoNotOptimize(catalogue.size());
+    }
+    countItems(state, size);
+}
+
+/// Arranges the points and looks each of them up.
+void hostileArrange(benchmark::State& state, const HostilePlaces& places, int size)
+{
+    const QVector<DefPoint> points = places.make(size);
+    for (auto _ : state) {
+        PointCatalogue catalogue;
+        for (const DefPoint& point : points)
+            catalogue.append(point);
+        catalogue.arrange();
+        for (const DefPoint& point : points)
+            benchmark::DoNotOptimize(catalogue.findCoincident(point.x, point.y));
+    }
+    countItems(state, size);
+}
+
+/// Makes an index over as many labels as there are questions.
+template <typename Index>
+void hostileFind(benchmark::State& state, const HostileLabels& labels, int size)
+{
+    QVector<DefPoint> points = labels.make(size);
+    if (std::is_same_v<Index, NearestIndex>)
+        sortPoints(points);
+    for (auto _ : state) {
+        const Index index(points);
+        for (int i = 0; i < size; ++i)
+            benchmark::DoNotOptimize(index.find(labels.query(i)));
+    }
+    countItems(state, size);
 }
 
 // Numbers
@@ -288,6 +338,20 @@ void registerSizes(const char* name, void (*run)(benchmark::State&, int size))
     }
 }
 
+template <typename Places>
+void registerHostile(const char* name, const QVector<Places>& places,
+    void (*run)(benchmark::State&, const Places& places, int size))
+{
+    for (const Places& each : places) {
+        for (const int size : hostileSizes) {
+            const std::string title =
+                std::string(name) + '/' + each.name + '/' + std::to_string(size);
+            benchmark::RegisterBenchmark(title.c_str(), run, each, size)
+                ->Unit(benchmark::kMillisecond);
+        }
+    }
+}
+
 void registerAll()
 {
     registerPlaces("PointCatalogue find", sizes, catalogueFind);
@@ -296,6 +360,10 @@ void registerAll()
     registerPlaces("literal insert", literalSizes, literalInsert);
     registerPlaces("NearestIndex build", sizes, indexBuild);
     registerPlaces("NearestIndex find", sizes, indexFind);
+    registerHostile("hostile insert", hostileInserted(), hostileInsert);
+    registerHostile("hostile arrange", hostileArranged(), hostileArrange);
+    registerHostile("hostile NearestIndex", hostileSorted(), hostileFind<NearestIndex>);
+    registerHostile("hostile SequenceIndex", hostileUnsorted(), hostileFind<SequenceIndex>);
     benchmark::RegisterBenchmark(
         "toDouble", parseNumbers, [](const QString& text, bool* ok) { return toDouble(text, ok); });
     benchmark::RegisterBenchmark("QString::toDouble", parseNumbers,

@@ -1,7 +1,6 @@
 #include "import/dxflabels.h"
 
-#include "geometry/nearestpoint.h"
-#include "geometry/pointcatalogue.h"
+#include "geometry/pointorder.h"
 
 #include <algorithm>
 #include <iterator>
@@ -38,19 +37,19 @@ bool isPointDef(const QString& def)
 void DxfLabels::clear()
 {
     m_texts.clear();
-    m_index.reset();
+    m_index = std::monostate();
 }
 
 void DxfLabels::append(const DefPoint& text)
 {
     m_texts.append(text);
-    m_index.reset();
+    m_index = std::monostate();
 }
 
 void DxfLabels::sort()
 {
     sortPoints(m_texts);
-    m_index.reset();
+    m_index = std::monostate();
 }
 
 void DxfLabels::filterObjectDefs()
@@ -61,21 +60,22 @@ void DxfLabels::filterObjectDefs()
     if (objectTexts.isEmpty())
         return;
     m_texts = objectTexts;
-    m_index.reset();
+    m_index = std::monostate();
 }
 
-const DxfLabels::Index& DxfLabels::index() const
+void DxfLabels::makeIndex() const
 {
-    if (!m_index) {
-        m_index.emplace();
-        if (std::is_sorted(m_texts.cbegin(), m_texts.cend()))
-            m_index->sorted.emplace(m_texts);
-    }
-    return *m_index;
+    if (arePointsSorted(m_texts))
+        m_index = NearestIndex(m_texts);
+    else
+        m_index = SequenceIndex(m_texts);
 }
 
 const DefPoint* DxfLabels::findNearest(const QPointF& place) const
 {
-    const Index& searched = index();
-    return searched.sorted ? searched.sorted->find(place) : findNearestPoint(m_texts, place);
+    if (std::holds_alternative<std::monostate>(m_index))
+        makeIndex();
+    if (const auto* sorted = std::get_if<NearestIndex>(&m_index))
+        return sorted->find(place);
+    return std::get<SequenceIndex>(m_index).find(place);
 }

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "geometry/nearestindex.h"
+#include "geometry/sequenceindex.h"
 
 #include <QPointF>
 #include <QVector>
 
-#include <optional>
+#include <variant>
 
 /// The text labels of a drawing, and the search for the one that names a point or an object.
 class DxfLabels {
@@ -27,17 +28,15 @@ public:
     void sort();
     /// Drops the labels that look like point numbers, unless all do.
     void filterObjectDefs();
-    /// The label that findNearestPoint() gives over texts(), sorted or not; null when there is
-    /// none. The pointer holds until the labels change.
+    /// The label nearest to `place`: the one that NearestIndex gives where the labels are sorted,
+    /// else that of SequenceIndex; null when there is none. The pointer holds until the labels
+    /// change.
     const DefPoint* findNearest(const QPointF& place) const;
 
 private:
-    /// What is searched through, made when the first search asks for it.
-    struct Index {
-        std::optional<NearestIndex> sorted; ///< none where the labels are not sorted
-    };
-    const Index& index() const;
+    void makeIndex() const;
 
     QVector<DefPoint> m_texts;
-    mutable std::optional<Index> m_index;
+    /// What is searched through, made when the first search asks for it.
+    mutable std::variant<std::monostate, NearestIndex, SequenceIndex> m_index;
 };

@@ -69,22 +69,14 @@ public:
 
     bool sameArrangement() const
     {
-        if (m_catalogue.size() != m_literal.points.size())
+        const QVector<DefPoint> expected = m_literal.points + m_literal.undefinedPoints;
+        if (m_catalogue.size() != expected.size())
             return false;
         for (int i = 0; i < m_catalogue.size(); ++i) {
-            if (describe(m_catalogue.at(i)) != describe(m_literal.points.at(i)))
+            if (describe(m_catalogue.at(i)) != describe(expected.at(i)))
                 return false;
         }
         return true;
-    }
-
-    /// Takes over the product's arrangement where that is not determined.
-    void adoptArrangement()
-    {
-        m_catalogue.arrange();
-        m_literal.points.clear();
-        for (int i = 0; i < m_catalogue.size(); ++i)
-            m_literal.points.append(m_catalogue.at(i));
     }
 
     /// Searches both; where neither knows the place, inserts it. False when the answers differ.
@@ -106,7 +98,7 @@ public:
             m_catalogue.insert(point);
             m_literal.insert(point);
         }
-        return m_catalogue.size() == m_literal.points.size();
+        return m_catalogue.size() == m_literal.points.size() + m_literal.undefinedPoints.size();
     }
 
     int size() const { return m_catalogue.size(); }
@@ -164,7 +156,8 @@ private slots:
     void findsTheNearest();
     void likeTheSortedVector_data();
     void likeTheSortedVector();
-    void undefinedAmongMany();
+    void undefinedAmongOthers_data();
+    void undefinedAmongOthers();
 };
 
 void TestCatalogue::sortsAndMerges_data()
@@ -303,6 +296,9 @@ void TestCatalogue::likeTheSortedVector_data()
         { lattice(1.0 / 128, 64, -0.25), lattice(0.005, 100, -0.25), 1000, 6000 });
     row("small lattices", { lattice(1.0 / 128, 5), lattice(0.0125, 5), 12, 60, 400 });
     row("crowded cells", { crowded, rows, 9000, 6000 });
+    row("crowded smallest cells",
+        { lattice(1.0 / 65536, 900), sometimes({ 5 }, 2, always(0)), 9000, 6000 });
+    row("on the borders of cells", { lattice(1.0 / 32, 40, -0.5), lattice(1.0 / 64, 80), 0, 9000 });
     row("crowded cells at random", { anywhere(0, 0.25), anywhere(0, 0.25), 5000, 5000 });
     row("crowded cells and far points",
         { sometimes({ 1000, -1000 }, 3, crowded), sometimes({ 77 }, 3, rows), 6000, 5000 });
@@ -322,22 +318,31 @@ void TestCatalogue::likeTheSortedVector_data()
     row("infinite x on a column",
         { sometimes({ infinite, -infinite }, 4, always(5)), binary, 200, 1500 });
     row("undefined from the start",
-        { sometimes({ undefined }, 6, binary), sometimes({ undefined }, 6, binary), 16, 300, 150 });
+        { sometimes({ undefined }, 6, binary), sometimes({ undefined }, 6, binary), 600, 3000 });
     row("undefined and infinite from the start",
         { sometimes({ undefined, infinite, -infinite }, 4, decimal),
-            sometimes({ undefined }, 9, decimal), 16, 200, 150 });
+            sometimes({ undefined }, 9, decimal), 600, 2000 });
     row("undefined later", { binary, sometimes({ undefined }, 2000, binary), 12, 4000, 4 });
-    row("undefined now and then",
-        { sometimes({ undefined }, 60, decimal), sometimes({ undefined, infinite }, 60, decimal), 0,
-            1500, 8 });
+    row("undefined among crowded cells",
+        { sometimes({ undefined }, 60, crowded), sometimes({ undefined }, 60, rows), 9000, 4000 });
+    row("only undefined", { always(undefined), binary, 12, 200, 5 });
     row("huge",
         { sometimes({ 1e300, -1e300, 1e308 }, 3, binary), sometimes({ 1e300, 1e155 }, 3, decimal),
             300, 2500 });
     row("around 1e12", { lattice(1.0 / 128, 64, 1e12), lattice(1.0 / 128, 64, -1e12), 800, 4000 });
     row("around 1e13", { lattice(1.0 / 128, 64, 1e13), lattice(1.0 / 256, 64, 1e13), 800, 4000 });
     row("around 1e14", { lattice(1.0 / 64, 64, 1e14), lattice(1.0 / 64, 64, 1e14), 800, 3000 });
+    row("around 2^47",
+        { lattice(1.0 / 64, 60, std::exp2(47) - 0.5), lattice(1.0 / 32, 60, -std::exp2(47) - 0.5),
+            800, 3000 });
+    row("around 2^48, where the smallest cells end",
+        { lattice(1.0 / 32, 60, std::exp2(48) - 1), lattice(1.0 / 16, 60, -std::exp2(48) - 1), 800,
+            3000 });
+    row("around 2^59, where the coarsest cells end",
+        { lattice(64, 60, std::exp2(59) - 2000), lattice(128, 60, -std::exp2(59) - 2000), 800,
+            3000 });
     row("around 1e15", { lattice(0.125, 40, 1e15), lattice(0.125, 40, -1e15), 800, 3000 });
-    row("around 2^50, where cells end",
+    row("around 2^50",
         { lattice(0.25, 40, std::exp2(50) - 5), lattice(0.25, 40, -std::exp2(50) - 5), 800, 3000 });
     row("around 1e16", { lattice(2, 40, 1e16), lattice(2, 40, 1e16), 800, 3000 });
     row("mixed scales",
@@ -365,23 +370,57 @@ void TestCatalogue::likeTheSortedVector()
         QVERIFY(searchAlike(pair, layout, random));
         found += pair.found();
     }
-    const bool onlyInfinite = qstrcmp(QTest::currentDataTag(), "only infinite") == 0;
-    QCOMPARE(found > 0, !onlyInfinite);
+    QCOMPARE(found > 0, !QByteArray(QTest::currentDataTag()).startsWith("only "));
 }
 
-void TestCatalogue::undefinedAmongMany()
+void TestCatalogue::undefinedAmongOthers_data()
 {
-    // The order of the given points is then open, but later answers follow from it.
-    Random random(10);
-    const Coordinate coordinate = sometimes({ undefined }, 40, lattice(1.0 / 128, 100));
-    for (int round = 0; round < 20; ++round) {
-        Pair pair;
-        for (int i = 0; i < 400; ++i)
-            pair.append(DefPoint{ QString::number(i), coordinate(random), coordinate(random) });
-        pair.adoptArrangement();
-        QVERIFY(pair.size() > 0 && pair.size() <= 400);
-        QVERIFY(searchAlike(pair, { coordinate, coordinate, 0, 500 }, random));
-    }
+    using Points = QVector<DefPoint>;
+    QTest::addColumn<Points>("arranged");
+    QTest::addColumn<Points>("inserted");
+    QTest::addColumn<QPointF>("query");
+    QTest::addColumn<QString>("expected");
+
+    const DefPoint left{ QStringLiteral("left"), 1, 0 };
+    const DefPoint right{ QStringLiteral("right"), 1.015625, 0 };
+    const DefPoint noX{ QStringLiteral("no x"), undefined, 0 };
+    const DefPoint noY{ QStringLiteral("no y"), 1.0078125, undefined };
+    const QPointF between(1.0078125, 0);
+    const QString nothing;
+
+    QTest::newRow("only one") << Points{ noX } << Points{} << between << nothing;
+    QTest::newRow("found beside it")
+        << Points{ noX, left, noY } << Points{} << QPointF(1, 0) << left.def;
+    // Were it in the order, it would be the point next to the place.
+    QTest::newRow("it wins no tie")
+        << Points{ left, noY, right } << Points{} << between << right.def;
+    QTest::newRow("inserted, it wins no tie")
+        << Points{ left, right } << Points{ noY, noX } << between << right.def;
+    QTest::newRow("it merges with nothing")
+        << Points{ left, { QStringLiteral("near"), 1.005, 0 }, noY } << Points{}
+        << QPointF(1.005, 0) << left.def;
+    QTest::newRow("all inserted") << Points{} << Points{ noX, right, noY, left } << between
+                                  << right.def;
+    QTest::newRow("one next to the place decides for the left")
+        << Points{ left, right } << Points{ { QStringLiteral("far"), 1.0078125, 7 }, noX }
+        << between << left.def;
+}
+
+void TestCatalogue::undefinedAmongOthers()
+{
+    QFETCH(QVector<DefPoint>, arranged);
+    QFETCH(QVector<DefPoint>, inserted);
+    QFETCH(QPointF, query);
+    QFETCH(QString, expected);
+    PointCatalogue catalogue;
+    for (const DefPoint& point : arranged)
+        catalogue.append(point);
+    catalogue.arrange();
+    for (const DefPoint& point : inserted)
+        catalogue.insert(point);
+    QVERIFY(!catalogue.isEmpty());
+    const DefPoint* found = catalogue.findCoincident(query.x(), query.y());
+    QCOMPARE(found ? found->def : QString(), expected);
 }
 
 QTEST_APPLESS_MAIN(TestCatalogue)

@@ -1,5 +1,6 @@
 #include "geometry/nearestindex.h"
-#include "geometry/nearestpoint.h"
+#include "geometry/pointorder.h"
+#include "geometry/sequenceindex.h"
 
 #include "literal/literalgeometry.h"
 #include "support/random.h"
@@ -18,10 +19,15 @@ class TestNearest : public QObject {
 private slots:
     void finds_data();
     void finds();
-    void followsTheStepsOnUnsortedPoints();
-    void indexLikeTheSearch_data();
-    void indexLikeTheSearch();
-    void indexOfManyInAColumn();
+    void findsInAnyOrder_data();
+    void findsInAnyOrder();
+    void likeTheSearch_data();
+    void likeTheSearch();
+    void manyInAColumn();
+    void manyAtOneDistance_data();
+    void manyAtOneDistance();
+    void knowsSorted_data();
+    void knowsSorted();
 };
 
 namespace {
@@ -40,6 +46,32 @@ Points pointsAt(const QVector<QPointF>& places)
     for (const QPointF& place : places)
         points.append(DefPoint{ QString(), place.x(), place.y() });
     return points;
+}
+
+/// Points in one of the orders in which a file may hold them.
+void putInOrder(Points& points, int order)
+{
+    const auto byX = [](const DefPoint& a, const DefPoint& b) { return a.x < b.x; };
+    switch (order) {
+    case 0:
+        sortPoints(points);
+        return;
+    case 1:
+        sortPoints(points);
+        std::reverse(points.begin(), points.end());
+        return;
+    case 2:
+        literal::sortPoints(points);
+        std::stable_sort(points.begin(), points.begin() + points.size() / 2,
+            [](const DefPoint& a, const DefPoint& b) { return a.y > b.y; });
+        return;
+    case 3:
+        points = literal::definedPoints(points);
+        std::stable_sort(points.begin(), points.end(), byX);
+        return;
+    default:
+        return; // as they came
+    }
 }
 
 } // namespace
@@ -80,10 +112,27 @@ void TestNearest::finds_data()
         << Places{ { 0, 0 }, { 1, 0 } } << QPointF(undefined, 0) << -1;
     QTest::newRow("query at infinity")
         << Places{ { 0, 0 }, { 1, 0 } } << QPointF(infinite, 0) << -1;
-    // The first of these three is met in the backward scan, which a coordinate that is not
-    // a number does not stop.
-    QTest::newRow("past a point that is not a number")
-        << Places{ { 0, 0 }, { 1, undefined }, { 2, undefined } } << QPointF(1.5, 0) << 0;
+    QTest::newRow("one that is not a number is none")
+        << Places{ { undefined, 0 }, { 0, undefined } } << QPointF(0, 0) << -1;
+    // The expected index counts the points that are numbers.
+    QTest::newRow("behind one that is not a number")
+        << Places{ { 0, 0 }, { 1, undefined }, { 2, 0 } } << QPointF(1.5, 0) << 1;
+    QTest::newRow("one that is not a number is not the lower bound")
+        << Places{ { -1, 0 }, { 0, undefined }, { 1, 0 } } << QPointF(0, 0) << 1;
+    QTest::newRow("one that is not a number is not the predecessor")
+        << Places{ { -1, 0 }, { -0.5, undefined }, { 0, 9 }, { 1, 0 } } << QPointF(0, 0) << 0;
+    QTest::newRow("an infinite one is the lower bound")
+        << Places{ { -1, 0 }, { 0, infinite }, { 1, 0 } } << QPointF(0, 0) << 0;
+    QTest::newRow("all squares underflow: the lower bound")
+        << Places{ { -2e-170, 0 }, { -1e-170, 0 }, { 1e-170, 0 }, { 2e-170, 0 } } << QPointF(0, 0)
+        << 2;
+    QTest::newRow("all differences are absorbed: the last, left of the query")
+        << Places{ { 0, 5 }, { 1, 0 }, { 1, 7 }, { 2, -3 } } << QPointF(1e20, 0) << 3;
+    // The second and the third are equally near, in the order of y.
+    QTest::newRow("the first of those right of the query")
+        << Places{ { 0, 9 }, { 1, -1 }, { 1, 1 } } << QPointF(0, 0) << 1;
+    QTest::newRow("the last of those left of the query")
+        << Places{ { -2, 9 }, { -1, -1 }, { -1, 1 }, { -0.5, 9 } } << QPointF(0, 0) << 2;
 }
 
 void TestNearest::finds()
@@ -92,27 +141,47 @@ void TestNearest::finds()
     QFETCH(QPointF, query);
     QFETCH(int, expected);
     const Points points = pointsAt(places);
-    QCOMPARE(indexOf(points, findNearestPoint(points, query)), expected);
-    QCOMPARE(literal::findNearestPoint(points, query), expected);
+    QCOMPARE(literal::findNearestPoint(literal::definedPoints(points), query), expected);
 
-    const NearestIndex index(points);
+    const NearestIndex sorted(points);
+    QCOMPARE(indexOf(sorted.points(), sorted.find(query)), expected);
+    const SequenceIndex any(points);
+    QCOMPARE(indexOf(any.points(), any.find(query)), expected);
+}
+
+void TestNearest::findsInAnyOrder_data()
+{
+    using Places = QVector<QPointF>;
+    QTest::addColumn<Places>("places");
+    QTest::addColumn<QPointF>("query");
+    QTest::addColumn<int>("expected");
+
+    // Halving asks 80 and 90 and ends between 4 and 90. At 80 the way forward ends.
+    QTest::newRow("the search ends before it comes to the nearest")
+        << Places{ { 4, 0 }, { 90, 0 }, { 80, 0 }, { 5, 0 } } << QPointF(5, 0) << 0;
+    QTest::newRow("falling: the nearest is met on the way back")
+        << Places{ { 9, 0 }, { 5, 0 }, { 1, 0 } } << QPointF(10, 0) << 0;
+    QTest::newRow("one x, equal distances: the first is met first")
+        << Places{ { 3, 9 }, { 3, 1 }, { 3, -1 } } << QPointF(3, 0) << 1;
+    QTest::newRow("left of the query: met backward")
+        << Places{ { 3, 1 }, { 3, -1 }, { 3, 9 } } << QPointF(4, 0) << 1;
+    QTest::newRow("not a number does not count in halving")
+        << Places{ { 4, 0 }, { undefined, 0 }, { 90, 0 }, { 80, 0 }, { 0, undefined }, { 5, 0 } }
+        << QPointF(5, 0) << 0;
+}
+
+void TestNearest::findsInAnyOrder()
+{
+    QFETCH(QVector<QPointF>, places);
+    QFETCH(QPointF, query);
+    QFETCH(int, expected);
+    const Points points = pointsAt(places);
+    QCOMPARE(literal::findNearestPoint(literal::definedPoints(points), query), expected);
+    const SequenceIndex index(points);
     QCOMPARE(indexOf(index.points(), index.find(query)), expected);
 }
 
-void TestNearest::followsTheStepsOnUnsortedPoints()
-{
-    Random random(7);
-    for (int round = 0; round < 20000; ++round) {
-        Points points;
-        for (int i = random.below(12); i > 0; --i)
-            points.append(DefPoint{ QString(), double(random.below(6)), double(random.below(6)) });
-        const QPointF query(random.below(6), random.below(6));
-        QCOMPARE(indexOf(points, findNearestPoint(points, query)),
-            literal::findNearestPoint(points, query));
-    }
-}
-
-void TestNearest::indexLikeTheSearch_data()
+void TestNearest::likeTheSearch_data()
 {
     QTest::addColumn<Coordinate>("x");
     QTest::addColumn<Coordinate>("y");
@@ -135,6 +204,9 @@ void TestNearest::indexLikeTheSearch_data()
     const Coordinate someNan = [coarse](Random& r) { return r.oneIn(9) ? undefined : coarse(r); };
     const Coordinate anything = [](Random& r) { return r.anyDouble(); };
     const Coordinate far = [](Random& r) { return 1e15 + r.below(16) * 0.125; };
+    const Coordinate tinier = [](Random& r) { return (r.below(401) - 200) * 1e-170; };
+    const Coordinate someBig = [coarse](Random& r) { return r.oneIn(9) ? 1e20 : coarse(r); };
+    const Coordinate largest = [](Random& r) { return (r.below(3) - 1) * 1e308; };
 
     QTest::newRow("random") << anywhere << anywhere << 400;
     QTest::newRow("coarse grid: many exact ties") << coarse << coarse << 300;
@@ -153,52 +225,125 @@ void TestNearest::indexLikeTheSearch_data()
     QTest::newRow("underflow against a grid") << small << coarse << 200;
     QTest::newRow("infinite here and there") << someInfinite << someInfinite << 80;
     QTest::newRow("not a number here and there") << someNan << someNan << 12;
+    QTest::newRow("not a number among many") << someNan << anywhere << 1200;
+    QTest::newRow("squares that are nothing") << tinier << tinier << 1500;
+    QTest::newRow("squares that are nothing, in columns") << coarse << tinier << 1500;
+    QTest::newRow("squares that are nothing, in rows") << tinier << coarse << 1500;
+    QTest::newRow("far queries absorb all differences") << someBig << someBig << 900;
+    QTest::newRow("close to the largest double") << largest << largest << 200;
+    QTest::newRow("many in a row") << anywhere << same << 3000;
+    QTest::newRow("many in a column") << same << anywhere << 3000;
+    QTest::newRow("many in some columns") << coarse << anywhere << 3000;
+    QTest::newRow("many on a grid") << fine << fine << 3000;
     QTest::newRow("any double") << anything << anything << 60;
     QTest::newRow("far from the origin") << far << far << 200;
 }
 
-void TestNearest::indexLikeTheSearch()
+void TestNearest::likeTheSearch()
 {
     QFETCH(Coordinate, x);
     QFETCH(Coordinate, y);
     QFETCH(int, most);
     Random random(8);
     const QVector<double> odd{ undefined, infinite, -infinite, 0.0, -0.0, 1e300, -1e300, 5e-324,
-        0.5, 3.5 };
+        0.5, 3.5, 1e20, -1e20, 1e-170 };
     for (int round = 0; round < 150; ++round) {
         Points points;
         for (int i = random.below(most); i > 0; --i)
             points.append(DefPoint{ QString::number(i), x(random), y(random) });
-        if (std::none_of(points.cbegin(), points.cend(), hasNan))
-            std::sort(points.begin(), points.end());
-        const NearestIndex index(points);
+        putInOrder(points, round % 6);
+        const bool isSorted = arePointsSorted(points);
+        QVERIFY(isSorted || round % 6 != 0);
+        const Points defined = literal::definedPoints(points);
+        const NearestIndex sorted(isSorted ? points : Points());
+        const SequenceIndex any(points);
         for (int i = 0; i < 60; ++i) {
             const QPointF query(random.oneIn(5) ? random.pick(odd) : x(random),
                 random.oneIn(5) ? random.pick(odd) : y(random));
-            const int expected = literal::findNearestPoint(points, query);
-            const int found = indexOf(index.points(), index.find(query));
-            const bool alike =
-                found == expected && indexOf(points, findNearestPoint(points, query)) == expected;
-            if (!alike) {
-                QFAIL(qPrintable(QStringLiteral("%1 %2 in %3: index %4, expected %5")
+            const int expected = literal::findNearestPoint(defined, query);
+            const int inAny = indexOf(any.points(), any.find(query));
+            const int inSorted = isSorted ? indexOf(sorted.points(), sorted.find(query)) : expected;
+            if (inAny != expected || inSorted != expected) {
+                QFAIL(qPrintable(QStringLiteral("%1 %2 in %3: %4 and %5, expected %6")
                                      .arg(describe(query.x()), describe(query.y()),
                                          describe(DefPolygon{ QString(), { points } }))
-                                     .arg(found)
+                                     .arg(inSorted)
+                                     .arg(inAny)
                                      .arg(expected)));
             }
         }
     }
 }
 
-void TestNearest::indexOfManyInAColumn()
+void TestNearest::manyInAColumn()
 {
     constexpr int count = 200000;
     Points points;
     for (int i = 0; i < count; ++i)
         points.append(DefPoint{ QString(), 7, double(i) });
-    const NearestIndex index(points);
-    for (int i = 0; i < count; ++i)
-        QCOMPARE(indexOf(index.points(), index.find(QPointF(i % 2 ? 7.25 : 6.75, i + 0.25))), i);
+    const NearestIndex sorted(points);
+    const SequenceIndex any(points);
+    for (int i = 0; i < count; ++i) {
+        const QPointF query(i % 2 ? 7.25 : 6.75, i + 0.25);
+        QCOMPARE(indexOf(sorted.points(), sorted.find(query)), i);
+        QCOMPARE(indexOf(any.points(), any.find(query)), i);
+    }
+}
+
+void TestNearest::manyAtOneDistance_data()
+{
+    QTest::addColumn<double>("step");
+    QTest::addColumn<QPointF>("query");
+    QTest::addColumn<int>("expected");
+
+    constexpr int half = 100000;
+    QTest::newRow("squares underflow") << 1e-170 << QPointF(0, 0) << half;
+    QTest::newRow("squares underflow, right of all") << 1e-170 << QPointF(1e-160, 0) << 2 * half;
+    QTest::newRow("differences are absorbed, left") << 1.0 << QPointF(-1e25, 0) << 0;
+    QTest::newRow("differences are absorbed, right") << 1.0 << QPointF(1e25, 0) << 2 * half;
+    QTest::newRow("differences are absorbed, above") << 1.0 << QPointF(0.5, 1e25) << half + 1;
+}
+
+void TestNearest::manyAtOneDistance()
+{
+    QFETCH(double, step);
+    QFETCH(QPointF, query);
+    QFETCH(int, expected);
+    constexpr int half = 100000;
+    Points points;
+    for (int i = -half; i <= half; ++i)
+        points.append(DefPoint{ QString(), i * step, (i % 7) * step });
+    const NearestIndex sorted(points);
+    const SequenceIndex any(points);
+    for (int i = 0; i < half; ++i) {
+        QCOMPARE(indexOf(sorted.points(), sorted.find(query)), expected);
+        QCOMPARE(indexOf(any.points(), any.find(query)), expected);
+    }
+}
+
+void TestNearest::knowsSorted_data()
+{
+    using Places = QVector<QPointF>;
+    QTest::addColumn<Places>("places");
+    QTest::addColumn<bool>("expected");
+
+    QTest::newRow("none") << Places{} << true;
+    QTest::newRow("by x, then by y") << Places{ { 0, 5 }, { 1, 2 }, { 1, 3 } } << true;
+    QTest::newRow("equal places") << Places{ { 1, 2 }, { 1, 2 } } << true;
+    QTest::newRow("y falls") << Places{ { 1, 3 }, { 1, 2 } } << false;
+    QTest::newRow("x falls") << Places{ { 2, 0 }, { 1, 3 } } << false;
+    QTest::newRow("not a number in between")
+        << Places{ { 5, undefined }, { 1, 0 }, { undefined, 0 }, { 2, 0 }, { 0, undefined } }
+        << true;
+    QTest::newRow("x falls across one that is not a number")
+        << Places{ { 2, 0 }, { undefined, 0 }, { 1, 0 } } << false;
+}
+
+void TestNearest::knowsSorted()
+{
+    QFETCH(QVector<QPointF>, places);
+    QFETCH(bool, expected);
+    QCOMPARE(arePointsSorted(pointsAt(places)), expected);
 }
 
 QTEST_APPLESS_MAIN(TestNearest)

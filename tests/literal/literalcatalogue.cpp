@@ -8,15 +8,15 @@ namespace literal {
 
 void Catalogue::arrange()
 {
-    if (points.isEmpty())
-        return;
-    std::sort(points.begin(), points.end(), standsBefore);
-    QVector<DefPoint> kept{ points.first() };
-    for (int i = 1; i < points.size(); ++i) {
-        if (!samePlace(kept.last(), points[i]))
-            kept.append(points[i]);
+    QVector<DefPoint> sorted;
+    for (const DefPoint& point : qAsConst(points))
+        (isDefined(point) ? sorted : undefinedPoints).append(point);
+    std::sort(sorted.begin(), sorted.end(), standsBefore);
+    points.clear();
+    for (const DefPoint& point : qAsConst(sorted)) {
+        if (points.isEmpty() || !samePlace(points.last(), point))
+            points.append(point);
     }
-    points = kept;
 }
 
 int Catalogue::findCoincident(double x, double y) const
@@ -27,7 +27,10 @@ int Catalogue::findCoincident(double x, double y) const
 
 void Catalogue::insert(const DefPoint& point)
 {
-    points.insert(std::lower_bound(points.begin(), points.end(), point, standsBefore), point);
+    if (!isDefined(point))
+        undefinedPoints.append(point);
+    else
+        points.insert(std::lower_bound(points.begin(), points.end(), point, standsBefore), point);
 }
 
 } // namespace literal

@@ -291,13 +291,14 @@ bool DxfImport::loadPolygons()
 
 void DxfImport::updatePointsDefs()
 {
-    if (catalogue.points.isEmpty() || texts.isEmpty())
+    if (catalogue.isEmpty() || texts.isEmpty())
         return;
-    std::sort(texts.begin(), texts.end(), standsBefore);
+    sortPoints(texts);
+    const QVector<DefPoint> places = definedPoints(texts);
     for (DefPoint& point : catalogue.points) {
-        const int text = findNearestPoint(texts, QPointF(point.x, point.y));
+        const int text = findNearestPoint(places, QPointF(point.x, point.y));
         if (text >= 0)
-            point.def = texts[text].def;
+            point.def = places[text].def;
     }
 }
 
@@ -320,7 +321,7 @@ bool DxfImport::loadTextsOnly()
     }
     if (!ok)
         return failAtLine();
-    std::sort(texts.begin(), texts.end(), standsBefore);
+    sortPoints(texts);
     file.seek(0);
     in.seek(0);
     return true;
@@ -342,9 +343,10 @@ void DxfImport::updateLastPolygonDef()
     QString def;
     if (searchObjectDefs) {
         const QPointF centroid = map->last().centroid();
-        const int text = findNearestPoint(texts, swapXY ? centroid.transposed() : centroid);
+        const QVector<DefPoint> places = definedPoints(texts);
+        const int text = findNearestPoint(places, swapXY ? centroid.transposed() : centroid);
         if (text >= 0)
-            def = texts[text].def;
+            def = places[text].def;
     }
     setLastPolygonDef(def);
 }

@@ -18,6 +18,32 @@ bool standsBefore(const DefPoint& a, const DefPoint& b)
     return a.x < b.x || (a.x == b.x && a.y < b.y);
 }
 
+bool isDefined(const DefPoint& point)
+{
+    return !std::isnan(point.x) && !std::isnan(point.y);
+}
+
+QVector<DefPoint> definedPoints(const QVector<DefPoint>& points)
+{
+    QVector<DefPoint> result;
+    for (const DefPoint& point : points) {
+        if (isDefined(point))
+            result.append(point);
+    }
+    return result;
+}
+
+void sortPoints(QVector<DefPoint>& points)
+{
+    QVector<DefPoint> sorted = definedPoints(points);
+    std::sort(sorted.begin(), sorted.end(), standsBefore);
+    for (const DefPoint& point : qAsConst(points)) {
+        if (!isDefined(point))
+            sorted.append(point);
+    }
+    points = sorted;
+}
+
 void splitDef(const QString& def, QString& prefix, int& number)
 {
     static const QRegularExpression pattern(QStringLiteral("^(.*?)(\\d+)$"));

@@ -16,7 +16,13 @@ bool samePlace(const DefPoint& a, const DefPoint& b);
 bool standsBefore(const DefPoint& a, const DefPoint& b);
 void splitDef(const QString& def, QString& prefix, int& number);
 void sortObjects(QVector<DefPolygon>& objects);
-/// The index of the nearest point, or -1.
+/// Whether both coordinates of a point are numbers.
+bool isDefined(const DefPoint& point);
+/// The points whose coordinates are numbers, in their order.
+QVector<DefPoint> definedPoints(const QVector<DefPoint>& points);
+/// Sorts the points whose coordinates are numbers; the others follow them.
+void sortPoints(QVector<DefPoint>& points);
+/// The index of the nearest point, or -1; all coordinates must be numbers.
 int findNearestPoint(const QVector<DefPoint>& points, const QPointF& query);
 QBitArray duplicateDefs(const QVector<DefPolygon>& objects);
 QBitArray conflictingPoints(const DefPolygon& polygon);

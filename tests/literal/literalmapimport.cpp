@@ -13,7 +13,7 @@ void reportFile(const QString& text, const QString& name)
 
 bool MapImport::importMap()
 {
-    catalogue.points.clear();
+    catalogue = Catalogue();
     if (searchPointDefs) {
         if (openPass(pointFileName.isEmpty() ? objectFileName : pointFileName)) {
             const bool loaded = loadPoints();

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "geometry/defpoint.h"
+
+#include <QVector>
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+/// A hash of square cells that gives the points near a place.
+///
+/// It holds the points of the caller's vector from an index on, by their indices; a coordinate
+/// that is not finite is near no place. Cells are coarse at first, so that neighbouring vertices
+/// share one that is at hand, and become finer when points crowd one. The hash is keyed at random,
+/// so that no file can be written to make cells collide; what is found does not depend on the key.
+class PointCells {
+public:
+    /// All points are found that are within this distance of a place in both coordinates.
+    static constexpr double reach = 0.0145;
+
+    PointCells();
+
+    /// Drops all points; the next one to be added is `points[index]`.
+    void startAt(int index);
+    /// Adds the points before `points[end]` that are not held yet; those that are must be at their
+    /// places. False, and nothing is held for sure, when too many share one of the smallest cells.
+    bool add(const QVector<DefPoint>& points, int end);
+
+    /// Calls `visit` with the index of each point within reach of (x, y), and with some others.
+    template <typename Visit>
+    void visitNear(double x, double y, Visit visit) const
+    {
+        if (m_slots.empty())
+            return;
+        const CellSpan rows(y, m_cellsPerUnit);
+        for (const quint64 cellX : CellSpan(x, m_cellsPerUnit)) {
+            for (const quint64 cellY : rows)
+                visitChain(m_slots[slotOf(hashOf(cellX, cellY))], visit);
+        }
+    }
+
+private:
+    /// An entry of the hash table: the points of a cell as a chain through m_next.
+    struct Slot {
+        quint32 tag : 24;
+        quint32 length : 8; ///< number of points, or the most that fits
+        int head; ///< the point added last, or -1
+    };
+
+    /// The cell coordinates that a search around a value touches: one or two, for a cell is wider
+    /// than the search.
+    class CellSpan {
+    public:
+        CellSpan(double value, double cellsPerUnit)
+            : m_cells{ cellCoordinate(value - reach, cellsPerUnit),
+                cellCoordinate(value + reach, cellsPerUnit) }
+        {
+        }
+        const quint64* begin() const { return m_cells.data(); }
+        const quint64* end() const { return begin() + (m_cells.front() == m_cells.back() ? 1 : 2); }
+
+    private:
+        std::array<quint64, 2> m_cells;
+    };
+
+    template <typename Visit>
+    void visitChain(const Slot& slot, Visit visit) const
+    {
+        if (slot.head < 0)
+            return;
+        visit(slot.head);
+        if (slot.length < 2)
+            return;
+        for (int i = next(slot.head); i >= 0; i = next(i))
+            visit(i);
+    }
+
+    static quint64 cellCoordinate(double value, double cellsPerUnit);
+    quint64 hashOf(quint64 cellX, quint64 cellY) const;
+    /// The part of a hash that tells cells in the same neighbourhood of the table apart; two that
+    /// share it only share their chain.
+    static quint32 tagOf(quint64 hash) { return static_cast<quint32>(hash >> 40); }
+    size_t slotOf(quint64 hash) const;
+    bool isHalfFull() const { return m_usedSlots * 2 >= m_slots.size(); }
+    int& next(int index) { return m_next[static_cast<size_t>(index - m_first)]; }
+    int next(int index) const { return m_next[static_cast<size_t>(index - m_first)]; }
+    int link(const QVector<DefPoint>& points, int index);
+    void relink(const QVector<DefPoint>& points, size_t slotCount);
+
+    std::array<quint64, 5> m_key;
+    double m_cellsPerUnit;
+    std::vector<Slot> m_slots; ///< open addressing; the size is a power of two
+    size_t m_usedSlots = 0;
+    std::vector<int> m_next; ///< for each point the next one of its cell, or -1
+    int m_first = 0; ///< the points from here on are held
+    int m_end = 0; ///< so many points are held, or before the first that is
+};

@@ -1,0 +1,44 @@
+#include "geometry/pointorder.h"
+
+#include <algorithm>
+#include <utility>
+
+void sortPoints(QVector<DefPoint>& points)
+{
+    const auto end = std::stable_partition(
+        points.begin(), points.end(), [](const DefPoint& point) { return !hasNan(point); });
+    std::sort(points.begin(), end);
+}
+
+bool arePointsSorted(const QVector<DefPoint>& points)
+{
+    const DefPoint* previous = nullptr;
+    for (const DefPoint& point : points) {
+        if (hasNan(point))
+            continue;
+        if (previous && point < *previous)
+            return false;
+        previous = &point;
+    }
+    return true;
+}
+
+void removeNan(QVector<DefPoint>& points)
+{
+    // Points that are shared and sound stay shared.
+    if (std::none_of(points.cbegin(), points.cend(), hasNan))
+        return;
+    points.erase(std::remove_if(points.begin(), points.end(), hasNan), points.end());
+}
+
+void mergeCoincident(QVector<DefPoint>& points)
+{
+    if (points.isEmpty())
+        return;
+    auto kept = points.begin();
+    for (auto it = kept + 1; it != points.end(); ++it) {
+        if (!coincide(*kept, *it) && ++kept != it)
+            *kept = std::move(*it);
+    }
+    points.erase(kept + 1, points.end());
+}
