@@ -1,6 +1,7 @@
 // The hot pieces one by one, each beside the plain way to the same answers.
 
 #include "bareresult.h"
+#include "catalogue/coordformat.h"
 #include "geometry/conflicts.h"
 #include "geometry/designation.h"
 #include "geometry/nearestindex.h"
@@ -11,7 +12,6 @@
 #include "layouts.h"
 #include "literal/literalcatalogue.h"
 #include "literal/literalgeometry.h"
-#include "models/coordformat.h"
 #include "resultwriter.h"
 
 #include <QLocale>
@@ -288,7 +288,7 @@ void markConflicts(benchmark::State& state, int size)
 
 // Result
 
-QString resultText(QVector<DefPolygon>& objects)
+QString resultText(const QVector<DefPolygon>& objects)
 {
     QString text;
     QXmlStreamWriter writer(&text);
@@ -299,7 +299,7 @@ QString resultText(QVector<DefPolygon>& objects)
 
 void writeObjects(benchmark::State& state)
 {
-    QVector<DefPolygon> objects = inputOf("city", defaultSize).objects;
+    const QVector<DefPolygon>& objects = inputOf("city", defaultSize).objects;
     for (auto _ : state)
         benchmark::DoNotOptimize(resultText(objects));
     countItems(state, defaultSize);
@@ -307,7 +307,7 @@ void writeObjects(benchmark::State& state)
 
 void writeSameElements(benchmark::State& state)
 {
-    QVector<DefPolygon> objects = inputOf("city", defaultSize).objects;
+    const QVector<DefPolygon>& objects = inputOf("city", defaultSize).objects;
     const QString text = resultText(objects);
     const BareResult bare(text);
     if (bare.write() != text)

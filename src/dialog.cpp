@@ -1,5 +1,7 @@
 #include "dialog.h"
 
+#include "dialogsettings.h"
+#include "fieldrows.h"
 #include "geometry/designation.h"
 #include "import/formats.h"
 #include "import/mapimport.h"
@@ -7,10 +9,10 @@
 #include "sizecachingdelegate.h"
 #include "status.h"
 #include "ui_dialog.h"
+#include "waitcursor.h"
 
 #include <QDir>
 #include <QFileDialog>
-#include <QGuiApplication>
 #include <QScopedValueRollback>
 #include <QSettings>
 #include <QXmlStreamWriter>
@@ -19,15 +21,17 @@
 
 namespace {
 
-constexpr int maxFieldCount = 5;
 const QString settingsGroup = QStringLiteral("ImportObjects");
 
-/// Shows the wait cursor as long as it lives.
-class WaitCursor {
+/// Shows failures to the user as they happen. The host may open a window for them, which wants the
+/// usual pointer.
+class ShownFailures : public ImportObserver {
 public:
-    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
-    Q_DISABLE_COPY(WaitCursor)
+    void failed(const ImportFailure& failure) override
+    {
+        const WaitCursorPause pause;
+        ImportObserver::failed(failure);
+    }
 };
 
 } // namespace
@@ -136,24 +140,21 @@ void Dialog::on_startButton_clicked()
     if (m_importing)
         return;
     const QScopedValueRollback<bool> importing(m_importing, true);
-    guarded([this] {
-        const WaitCursor waitCursor;
-        // What a failed import has built is shown like any other result.
-        guarded([this] { importObjects(); });
-        showObjects();
-    });
+    // A message may let events in: until the import is over, the views keep the earlier objects.
+    QVector<DefPolygon> objects;
+    guarded([&] { importObjects(objects); });
+    // What a failed import has built is shown like any other result.
+    guarded([&] { showImported(objects); });
 }
 
-void Dialog::importObjects()
+void Dialog::importObjects(QVector<DefPolygon>& objects)
 {
-    // The models must not look at objects while they come and go.
-    m_polygonModel.setPolygon(nullptr);
-    m_mapModel.setMap(nullptr);
-    m_objects.clear();
-    m_fieldNumValueMap.clear();
+    const WaitCursor waitCursor;
+    ShownFailures failures;
     const std::unique_ptr<MapImport> importer = m_format->makeImporter();
     importer->setOptions(importOptions());
-    importer->map = &m_objects;
+    importer->observer = &failures;
+    importer->map = &objects;
     importer->importMap();
 }
 
@@ -173,29 +174,35 @@ ImportOptions Dialog::importOptions() const
     return options;
 }
 
-void Dialog::showObjects()
+void Dialog::showImported(QVector<DefPolygon>& objects)
 {
-    if (m_objects.isEmpty()) {
-        m_mapModel.setMap(&m_objects);
+    const WaitCursor waitCursor;
+    m_fieldNumValueMap.clear();
+    if (!objects.isEmpty())
+        readFields();
+    exchangeObjects(objects);
+    if (m_objects.isEmpty())
         return;
-    }
-    readFields();
-    showPolygon(&m_objects.first());
-    m_mapModel.setMap(&m_objects);
     m_ui->listView->setModel(&m_mapModel);
     m_ui->tableView->setModel(&m_polygonModel);
     connect(m_ui->listView->selectionModel(), &QItemSelectionModel::currentChanged, this,
         &Dialog::procCurrentChanged, Qt::UniqueConnection);
 }
 
+void Dialog::exchangeObjects(QVector<DefPolygon>& objects)
+{
+    // One reset takes a model from objects that are still there to others: on the way through an
+    // empty table the headers would forget the sizes that the user gave to rows.
+    m_objects.swap(objects);
+    showPolygon(m_objects.isEmpty() ? nullptr : &m_objects.first());
+    m_mapModel.setMap(&m_objects);
+}
+
 void Dialog::showPolygon(DefPolygon* polygon)
 {
-    const int columnCount = m_polygonModel.columnCount();
-    m_polygonModel.setPolygon(polygon);
+    // The fields may widen the table, without a signal: the reset shows the new columns too.
     m_polygonModel.setFieldNumValueMap(m_fieldNumValueMap);
-    // The extra fields widen the table without a signal: only a reset shows the new columns.
-    if (m_polygonModel.columnCount() != columnCount)
-        m_polygonModel.setPolygon(polygon);
+    m_polygonModel.setPolygon(polygon);
 }
 
 void Dialog::procCurrentChanged(const QModelIndex& current, const QModelIndex& previous)
@@ -211,35 +218,17 @@ void Dialog::on_sortButton_clicked()
     if (m_importing)
         return;
     guarded([this] {
-        m_polygonModel.setPolygon(nullptr);
-        m_mapModel.setMap(nullptr);
-        sortObjects(m_objects);
-    });
-    guarded([this] {
-        m_mapModel.setMap(&m_objects);
-        if (!m_objects.isEmpty())
-            showPolygon(&m_objects.first());
+        QVector<DefPolygon> objects = m_objects;
+        sortObjects(objects);
+        exchangeObjects(objects);
     });
 }
 
 // Extra fields
 
-Dialog::FieldRow Dialog::fieldRow(int row) const
-{
-    return { findChild<QSpinBox*>(QStringLiteral("fieldSpin_%1").arg(row)),
-        findChild<QLineEdit*>(QStringLiteral("fieldEdit_%1").arg(row)) };
-}
-
 void Dialog::readFields()
 {
-    m_fieldNumValueMap.clear();
-    for (int i = 0; i < maxFieldCount; ++i) {
-        const FieldRow row = fieldRow(i);
-        if (!row)
-            return;
-        if (!row.edit->text().isEmpty())
-            m_fieldNumValueMap.insert(row.spin->value() - 1, row.edit->text());
-    }
+    m_fieldNumValueMap = shownFields(*this);
 }
 
 void Dialog::writeFields()
@@ -247,9 +236,9 @@ void Dialog::writeFields()
     int i = 0;
     for (auto it = m_fieldNumValueMap.cbegin();
          it != m_fieldNumValueMap.cend() && i < maxFieldCount; ++it, ++i) {
-        if (!fieldRow(i))
+        if (!fieldRow(*this, i))
             on_plusToolButton_clicked();
-        const FieldRow row = fieldRow(i);
+        const FieldRow row = fieldRow(*this, i);
         if (!row)
             return;
         row.spin->setValue(std::min(it.key(), row.spin->maximum() - 1) + 1);
@@ -260,84 +249,64 @@ void Dialog::writeFields()
 void Dialog::on_plusToolButton_clicked()
 {
     guarded([this] {
-        if (m_fieldCount >= maxFieldCount)
-            return;
-        const QSpinBox* last = fieldRow(m_fieldCount - 1).spin;
-        if (!last)
-            return;
-
-        auto* spin = new QSpinBox(this);
-        spin->setObjectName(QStringLiteral("fieldSpin_%1").arg(m_fieldCount));
-        spin->setValue(last->value() + 1);
-        spin->setMaximum(last->maximum());
-        spin->setMinimum(last->minimum());
-        m_ui->horizontalLayout_7->addWidget(spin);
-
-        auto* edit = new QLineEdit(this);
-        edit->setObjectName(QStringLiteral("fieldEdit_%1").arg(m_fieldCount));
-        m_ui->horizontalLayout_7->addWidget(edit);
-        ++m_fieldCount;
+        if (m_fieldCount < maxFieldCount
+            && addFieldRow(*this, *m_ui->horizontalLayout_7, m_fieldCount))
+            ++m_fieldCount;
     });
 }
 
 void Dialog::on_minusToolButton_clicked()
 {
     guarded([this] {
-        if (m_fieldCount <= 1)
-            return;
-        const FieldRow row = fieldRow(m_fieldCount - 1);
-        --m_fieldCount;
-        delete row.spin;
-        delete row.edit;
+        if (m_fieldCount > 1)
+            removeFieldRow(*this, --m_fieldCount);
     });
 }
 
 // Settings
 
+std::vector<Setting> Dialog::settings()
+{
+    const ImportOptions offered = ImportOptions::offered();
+    const auto setSplitter = [this](const QVariant& value) {
+        const QByteArray state = value.toByteArray();
+        if (!state.isEmpty())
+            m_ui->splitter->restoreState(state);
+    };
+    return {
+        { "size", QSize(400, 600), [this](const QVariant& value) { resize(value.toSize()); },
+            [this] { return QVariant(size()); } },
+        { "splitterSizes", QByteArray(), setSplitter,
+            [this] { return QVariant(m_ui->splitter->saveState()); } },
+        { "lastPath", QString(), [this](const QVariant& value) { m_lastPath = value.toString(); },
+            [this] { return QVariant(m_lastPath); } },
+        widgetSetting("searchPointDefs", m_ui->searchPointDefsCheck, offered.searchPointDefs),
+        widgetSetting("pointPref", m_ui->pointPrefEdit, offered.pointPref),
+        widgetSetting("pointStartNum", m_ui->pointStartNumSpin, offered.pointStartNum),
+        widgetSetting("searchObjectDefs", m_ui->searchObjectDefsCheck, offered.searchObjectDefs),
+        widgetSetting("objectPref", m_ui->objectPrefEdit, offered.objectPref),
+        widgetSetting("objectStartNum", m_ui->objectStartNumSpin, offered.objectStartNum),
+        widgetSetting("usePointFile", m_ui->usePointFileCheck, false),
+        widgetSetting("update", m_ui->updateCheck, false),
+    };
+}
+
 void Dialog::readSettings()
 {
-    QSettings settings;
-    settings.beginGroup(settingsGroup);
-    const auto value = [&settings](const char* key, const QVariant& absent) {
-        return settings.value(QLatin1String(key), absent);
-    };
-    resize(value("size", QSize(400, 600)).toSize());
-    const QByteArray splitterSizes = value("splitterSizes", QByteArray()).toByteArray();
-    if (!splitterSizes.isEmpty())
-        m_ui->splitter->restoreState(splitterSizes);
-    m_lastPath = value("lastPath", QString()).toString();
-    m_ui->searchPointDefsCheck->setChecked(value("searchPointDefs", true).toBool());
-    m_ui->pointPrefEdit->setText(value("pointPref", QStringLiteral("н")).toString());
-    m_ui->pointStartNumSpin->setValue(value("pointStartNum", 1).toInt());
-    m_ui->searchObjectDefsCheck->setChecked(value("searchObjectDefs", true).toBool());
-    m_ui->objectPrefEdit->setText(value("objectPref", QStringLiteral(":ЗУ")).toString());
-    m_ui->objectStartNumSpin->setValue(value("objectStartNum", 1).toInt());
-    m_ui->usePointFileCheck->setChecked(value("usePointFile", false).toBool());
-    m_ui->updateCheck->setChecked(value("update", false).toBool());
-    loadFieldMap(settings, m_fieldNumValueMap);
+    QSettings store;
+    store.beginGroup(settingsGroup);
+    loadSettings(store, settings());
+    loadFieldMap(store, m_fieldNumValueMap);
     writeFields();
-    settings.endGroup();
+    store.endGroup();
 }
 
 void Dialog::writeSettings()
 {
-    QSettings settings;
-    settings.beginGroup(settingsGroup);
-    const auto setValue = [&settings](const char* key, const QVariant& value) {
-        settings.setValue(QLatin1String(key), value);
-    };
-    setValue("size", size());
-    setValue("splitterSizes", m_ui->splitter->saveState());
-    setValue("lastPath", m_lastPath);
-    setValue("searchPointDefs", m_ui->searchPointDefsCheck->isChecked());
-    setValue("pointPref", m_ui->pointPrefEdit->text());
-    setValue("pointStartNum", m_ui->pointStartNumSpin->value());
-    setValue("searchObjectDefs", m_ui->searchObjectDefsCheck->isChecked());
-    setValue("objectPref", m_ui->objectPrefEdit->text());
-    setValue("objectStartNum", m_ui->objectStartNumSpin->value());
-    setValue("usePointFile", m_ui->usePointFileCheck->isChecked());
-    setValue("update", m_ui->updateCheck->isChecked());
+    QSettings store;
+    store.beginGroup(settingsGroup);
+    saveSettings(store, settings());
     readFields();
-    saveFieldMap(settings, m_fieldNumValueMap);
-    settings.endGroup();
+    saveFieldMap(store, m_fieldNumValueMap);
+    store.endGroup();
 }

@@ -11,12 +11,13 @@
 #include <QVector>
 
 #include <memory>
+#include <vector>
 
 struct Format;
 struct ImportOptions;
+struct Setting;
 class Ui_Dialog;
 class QLineEdit;
-class QSpinBox;
 
 /// The modal window of one import: takes the files and options, shows the imported objects with
 /// their catalogues for inspection and editing, and gives the result.
@@ -50,23 +51,17 @@ private slots:
     void on_objectFileNameEdit_textChanged(const QString& arg1);
 
 private:
-    /// The widgets of an extra-field row; null where they are missing.
-    struct FieldRow {
-        QSpinBox* spin;
-        QLineEdit* edit;
-        explicit operator bool() const { return spin && edit; }
-    };
-
     void equalizeToolButtons();
+    std::vector<Setting> settings();
     void readSettings();
     void writeSettings();
-    FieldRow fieldRow(int row) const;
     void readFields();
     void writeFields();
     void chooseFile(QLineEdit* edit);
-    void importObjects();
+    void importObjects(QVector<DefPolygon>& objects);
     ImportOptions importOptions() const;
-    void showObjects();
+    void showImported(QVector<DefPolygon>& objects);
+    void exchangeObjects(QVector<DefPolygon>& objects);
     void showPolygon(DefPolygon* polygon);
 
     std::unique_ptr<Ui_Dialog> m_ui;

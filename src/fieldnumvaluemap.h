@@ -1,12 +1,8 @@
 #pragma once
 
-#include <QMap>
-#include <QString>
+#include "catalogue/cataloguecolumns.h"
 
 class QSettings;
-
-/// The extra fields: constant texts by zero-based column of the host's form table.
-using FieldNumValueMap = QMap<int, QString>;
 
 /// Writes the map into the subgroup "FieldNumValueMap" of the current group, whose earlier
 /// contents go; empty texts are left out.

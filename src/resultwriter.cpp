@@ -1,6 +1,6 @@
 #include "resultwriter.h"
 
-#include "models/defpolygontablemodel.h"
+#include "catalogue/cataloguerows.h"
 
 #include <QXmlStreamWriter>
 
@@ -26,53 +26,62 @@ void writeCell(QXmlStreamWriter& writer, const QString& text)
     writer.writeEndElement();
 }
 
-bool isEmptyRow(const DefPolygonTableModel& model, int row, int columnCount)
+bool isEmptyRow(const CatalogueColumns& columns, const DefPoint& point)
 {
-    for (int column = 0; column < columnCount; ++column) {
-        if (model.hasValue(row, column))
+    for (int column = 0; column < columns.count(); ++column) {
+        if (columns.hasText(point, column))
             return false;
     }
     return true;
 }
 
-void writeCatalogueRow(QXmlStreamWriter& writer, const DefPolygonTableModel& model, int row)
+void writeVertex(QXmlStreamWriter& writer, const CatalogueColumns& columns, const DefPoint& point)
 {
-    const int columnCount = model.columnCount();
-    if (isEmptyRow(model, row, columnCount)) {
+    if (isEmptyRow(columns, point)) {
         writer.writeEmptyElement(RowTag);
         return;
     }
     writer.writeStartElement(RowTag);
-    for (int column = 0; column < columnCount; ++column) {
-        if (model.hasValue(row, column))
-            writeCell(writer, model.editText(row, column));
-        else
+    for (int column = 0; column < columns.count(); ++column) {
+        const QString text = columns.text(point, column, false);
+        if (text.isNull())
             writer.writeEmptyElement(CellTag);
+        else
+            writeCell(writer, text);
     }
     writer.writeEndElement();
+}
+
+void writeCatalogue(
+    QXmlStreamWriter& writer, const CatalogueColumns& columns, const DefPolygon& object)
+{
+    visitCatalogueRows(object, [&](const RowInfo& row) {
+        if (row.contourIndex < 0)
+            writer.writeEmptyElement(RowTag);
+        else
+            writeVertex(writer, columns, object.contours.at(row.contourIndex).at(row.pointIndex));
+    });
 }
 
 } // namespace
 
 void writeResult(
-    QXmlStreamWriter& writer, QVector<DefPolygon>& objects, const ResultOptions& options)
+    QXmlStreamWriter& writer, const QVector<DefPolygon>& objects, const ResultOptions& options)
 {
-    DefPolygonTableModel model;
-    model.setNxyColNum(options.info.nColNum, options.info.xColNum, options.info.yColNum);
-    model.setFieldNumValueMap(options.fields);
+    CatalogueColumns columns;
+    columns.setNxyColNum(options.info.nColNum, options.info.xColNum, options.info.yColNum);
+    columns.setFieldNumValueMap(options.fields);
 
     startTable(writer, options.tableName);
     if (options.update)
         writer.writeAttribute(UpdateAttr, QStringLiteral("1"));
-    for (DefPolygon& object : objects) {
-        model.setPolygon(&object);
+    for (const DefPolygon& object : objects) {
         writer.writeStartElement(RowTag);
         for (int i = 0; i < options.info.defColNum; ++i)
             writer.writeEmptyElement(CellTag);
         writeCell(writer, object.def);
         startTable(writer, options.catalogueTableName);
-        for (int row = 0; row < model.rowCount(); ++row)
-            writeCatalogueRow(writer, model, row);
+        writeCatalogue(writer, columns, object);
         writer.writeEndElement();
         writer.writeEndElement();
     }

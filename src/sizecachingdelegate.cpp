@@ -1,37 +1,124 @@
 #include "sizecachingdelegate.h"
 
-#include <QStyle>
-#include <QWidget>
+#include <QApplication>
 
 #include <new>
+
+namespace {
+
+/// So many rows at the start of each run are measured in any case. It takes half a millisecond.
+constexpr int measuredRows = 100;
+/// So many texts that are new to their rows are measured before other rows are asked for them.
+constexpr int measuredTexts = 1000;
+
+/// Whether an option asks for sizes as another one does, but for the state of the view: what that
+/// means is up to the style.
+bool asksAlike(const QStyleOptionViewItem& a, const QStyleOptionViewItem& b)
+{
+    const bool isWrapped = a.features.testFlag(QStyleOptionViewItem::WrapText);
+    return a.features == b.features && (!isWrapped || a.rect.size() == b.rect.size())
+        && a.direction == b.direction && a.decorationSize == b.decorationSize
+        && a.decorationPosition == b.decorationPosition && a.displayAlignment == b.displayAlignment
+        && a.textElideMode == b.textElideMode && a.widget == b.widget && a.font == b.font;
+}
+
+const QStyle* styleOf(const QStyleOptionViewItem& option)
+{
+    return option.widget ? option.widget->style() : QApplication::style();
+}
+
+/// The sizes of no text, an empty, a narrow and a wide one: whatever a style puts around or takes
+/// for least, most or the end of a line, one of them shows it.
+QVector<QSize> sampleSizes(const QStyleOptionViewItem& option, const QModelIndex& index)
+{
+    static const QStringList samples = { QString(), QStringLiteral(""), QStringLiteral("1"),
+        QStringLiteral("Щ"), QStringLiteral("Щ1 ").repeated(100) };
+    QStyleOptionViewItem item = option;
+    item.index = index;
+    QVector<QSize> sizes;
+    for (const QString& sample : samples) {
+        item.text = sample;
+        item.features.setFlag(QStyleOptionViewItem::HasDisplay, !sample.isNull());
+        sizes.append(styleOf(option)->sizeFromContents(
+            QStyle::CT_ItemViewItem, &item, QSize(), option.widget));
+    }
+    return sizes;
+}
+
+} // namespace
 
 QSize SizeCachingDelegate::sizeHint(
     const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
-    const QString text = index.data().toString();
-    forgetOtherLooks(option);
-    const auto known = m_sizes.constFind(text);
-    if (known != m_sizes.constEnd())
-        return *known;
-
-    const QSize size = QStyledItemDelegate::sizeHint(option, index);
+    if (!index.isValid())
+        return QStyledItemDelegate::sizeHint(option, index);
+    const bool goesOn = index.row() == m_row + 1 && index.row() < m_items.size()
+        && option.state == m_option.state && asksAlike(option, m_option);
     try {
-        m_sizes.insert(text, size);
+        if (!goesOn)
+            startRun(option, index);
+        m_row = index.row();
+        ++m_runLength;
+        return rowSize(option, index);
     } catch (const std::bad_alloc&) {
         // The sizes can be measured again; painting must go on.
-        m_sizes.clear();
+        forget();
+        return QStyledItemDelegate::sizeHint(option, index);
     }
+}
+
+void SizeCachingDelegate::startRun(
+    const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    const QVector<QSize> samples = sampleSizes(option, index);
+    if (samples != m_samples || styleOf(option) != m_style || !asksAlike(option, m_option))
+        forget();
+    m_items.resize(index.model()->rowCount());
+    m_byText.clear();
+    m_newTexts = 0;
+    m_runLength = 0;
+    m_option = option;
+    m_style = styleOf(option);
+    m_samples = samples;
+}
+
+QSize SizeCachingDelegate::rowSize(
+    const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    const QString text = index.data().toString();
+    const Item& known = m_items.at(index.row());
+    const bool isKnown =
+        known.size.isValid() && known.text == text && known.text.isNull() == text.isNull();
+    const bool isTrusted = m_runLength > measuredRows;
+    if (isKnown && isTrusted)
+        return known.size;
+
+    QSize size = isTrusted ? sizeFromOtherRow(text) : QSize();
+    if (!size.isValid())
+        size = QStyledItemDelegate::sizeHint(option, index);
+    if (isKnown && size != known.size)
+        forget();
+    m_items[index.row()] = Item{ text, size };
     return size;
 }
 
-void SizeCachingDelegate::forgetOtherLooks(const QStyleOptionViewItem& option) const
+QSize SizeCachingDelegate::sizeFromOtherRow(const QString& text) const
 {
-    // Texts of objects that are gone must not pile up for ever.
-    constexpr int mostTexts = 1000000;
-    const QStyle* const style = option.widget ? option.widget->style() : nullptr;
-    if (option.font == m_font && style == m_style && m_sizes.size() <= mostTexts)
-        return;
-    m_sizes.clear();
-    m_font = option.font;
-    m_style = style;
+    // A hash of all texts pays only where many rows have changed, as after sorting.
+    ++m_newTexts;
+    if (text.isNull() || m_newTexts < measuredTexts)
+        return QSize();
+    if (m_newTexts == measuredTexts) {
+        for (const Item& item : qAsConst(m_items)) {
+            if (item.size.isValid() && !item.text.isNull())
+                m_byText.insert(item.text, item.size);
+        }
+    }
+    return m_byText.value(text);
+}
+
+void SizeCachingDelegate::forget() const
+{
+    m_items.fill(Item());
+    m_byText.clear();
 }

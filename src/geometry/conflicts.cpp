@@ -51,6 +51,23 @@ int vertexCount(const DefPolygon& polygon)
     return count;
 }
 
+/// Marks the objects with this designation, if there are several, and only then.
+void markBearers(QBitArray& marks, const QVector<DefPolygon>& objects, const QString& def)
+{
+    int first = -1;
+    for (int i = 0; i < objects.size(); ++i) {
+        const QString& other = objects.at(i).def;
+        // Case never changes the length, and comparing texts costs most.
+        if (other.size() != def.size() || !sameDef(other, def))
+            continue;
+        marks.setBit(i, first >= 0);
+        if (first < 0)
+            first = i;
+        else
+            marks.setBit(first);
+    }
+}
+
 } // namespace
 
 QBitArray duplicateDefs(const QVector<DefPolygon>& objects)
@@ -71,6 +88,17 @@ QBitArray duplicateDefs(const QVector<DefPolygon>& objects)
         result.setBit(i);
     }
     return result;
+}
+
+void updateDuplicateDefs(
+    QBitArray& marks, const QVector<DefPolygon>& objects, int renamed, const QString& before)
+{
+    const QString& def = objects.at(renamed).def;
+    marks.clearBit(renamed);
+    if (!before.isEmpty())
+        markBearers(marks, objects, before);
+    if (!def.isEmpty())
+        markBearers(marks, objects, def);
 }
 
 QBitArray conflictingPoints(const DefPolygon& polygon)

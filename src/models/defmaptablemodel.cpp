@@ -5,6 +5,8 @@
 
 #include <QBrush>
 
+#include <utility>
+
 DefMapTableModel::DefMapTableModel(QObject* parent)
     : QAbstractTableModel(parent)
 {
@@ -75,8 +77,9 @@ bool DefMapTableModel::setData(const QModelIndex& index, const QVariant& value, 
     if (stored == def)
         return false;
 
-    stored = def;
-    m_duplicates.clear();
+    const QString before = std::exchange(stored, def);
+    if (m_duplicates.size() == rowCount())
+        updateDuplicateDefs(m_duplicates, *m_map, index.row(), before);
     emit dataChanged(index, index, { Qt::DisplayRole, Qt::EditRole });
     emit dataChanged(this->index(0, 0), this->index(rowCount() - 1, 0), { Qt::BackgroundRole });
     return true;

@@ -1,31 +1,10 @@
 #include "models/defpolygontablemodel.h"
 
+#include "catalogue/coordformat.h"
 #include "geometry/conflicts.h"
-#include "models/coordformat.h"
 #include "models/palette.h"
 
 #include <QBrush>
-#include <QLocale>
-
-#include <algorithm>
-#include <limits>
-
-double DefPolygonTableModel::s_coordPrecision = 0.01;
-
-namespace {
-
-/// The number of decimals that show `precision`; 0 for whole units and coarser.
-int decimalsFor(double precision)
-{
-    int decimals = 0;
-    if (precision == 0)
-        return decimals;
-    for (; precision < 1; precision *= 10)
-        ++decimals;
-    return decimals;
-}
-
-} // namespace
 
 DefPolygonTableModel::DefPolygonTableModel(QObject* parent)
     : QAbstractTableModel(parent)
@@ -36,13 +15,12 @@ DefPolygonTableModel::~DefPolygonTableModel() = default;
 
 void DefPolygonTableModel::setCoordPrecision(double precision)
 {
-    if (precision > 0)
-        s_coordPrecision = precision;
+    ::setCoordPrecision(precision);
 }
 
 double DefPolygonTableModel::coordPrecision()
 {
-    return s_coordPrecision;
+    return ::coordPrecision();
 }
 
 void DefPolygonTableModel::setPolygon(DefPolygon* polygon)
@@ -57,37 +35,18 @@ void DefPolygonTableModel::rebuildRows()
 {
     m_rows.clear();
     m_conflicts.clear();
-    if (!m_polygon)
-        return;
-    const int contourCount = m_polygon->contours.size();
-    for (int contour = 0; contour < contourCount; ++contour) {
-        if (contour > 0)
-            m_rows.append(RowInfo{ -1, -1 });
-        const int pointCount = m_polygon->contours.at(contour).size();
-        for (int point = 0; point < pointCount; ++point)
-            m_rows.append(RowInfo{ contour, point });
-    }
+    if (m_polygon)
+        visitCatalogueRows(*m_polygon, [this](const RowInfo& row) { m_rows.append(row); });
 }
 
 void DefPolygonTableModel::setNxyColNum(int n, int x, int y)
 {
-    m_nColNum = n;
-    m_xColNum = x;
-    m_yColNum = y;
-    widenTo(std::max({ n, x, y }));
+    m_columns.setNxyColNum(n, x, y);
 }
 
-void DefPolygonTableModel::setFieldNumValueMap(const QMap<int, QString>& fields)
+void DefPolygonTableModel::setFieldNumValueMap(const FieldNumValueMap& fields)
 {
-    m_fieldNumValueMap = fields;
-    if (!fields.isEmpty())
-        widenTo(fields.lastKey());
-}
-
-void DefPolygonTableModel::widenTo(int column)
-{
-    // The number of columns, one more than this, must still be an int.
-    m_maxColNum = std::max(m_maxColNum, std::min(column, std::numeric_limits<int>::max() - 1));
+    m_columns.setFieldNumValueMap(fields);
 }
 
 int DefPolygonTableModel::rowCount(const QModelIndex& parent) const
@@ -97,7 +56,7 @@ int DefPolygonTableModel::rowCount(const QModelIndex& parent) const
 
 int DefPolygonTableModel::columnCount(const QModelIndex&) const
 {
-    return m_maxColNum + 1;
+    return m_columns.count();
 }
 
 QVariant DefPolygonTableModel::headerData(int section, Qt::Orientation, int role) const
@@ -112,35 +71,6 @@ const DefPoint* DefPolygonTableModel::pointAt(int row) const
     const RowInfo& info = m_rows.at(row);
     return info.contourIndex < 0 ? nullptr
                                  : &m_polygon->contours.at(info.contourIndex).at(info.pointIndex);
-}
-
-bool DefPolygonTableModel::hasValue(int row, int column) const
-{
-    const DefPoint* point = pointAt(row);
-    if (!point)
-        return false;
-    if (column == m_nColNum)
-        return !point->def.isNull();
-    if (column == m_xColNum || column == m_yColNum)
-        return true;
-    return !m_fieldNumValueMap.value(column).isNull();
-}
-
-QString DefPolygonTableModel::cellText(const DefPoint& point, int column, bool userLocale) const
-{
-    if (column == m_nColNum)
-        return point.def;
-    if (column == m_xColNum)
-        return formatCoord(point.x, userLocale);
-    if (column == m_yColNum)
-        return formatCoord(point.y, userLocale);
-    return m_fieldNumValueMap.value(column);
-}
-
-QString DefPolygonTableModel::editText(int row, int column) const
-{
-    const DefPoint* point = pointAt(row);
-    return point ? cellText(*point, column, false) : QString();
 }
 
 QVariant DefPolygonTableModel::background(int row) const
@@ -161,20 +91,14 @@ QVariant DefPolygonTableModel::data(const QModelIndex& index, int role) const
         return QVariant();
 
     const DefPoint* point = pointAt(row);
-    const int column = index.column();
-    const bool isPointColumn = column == m_nColNum || column == m_xColNum || column == m_yColNum;
-    if (!point || (!isPointColumn && !m_fieldNumValueMap.contains(column)))
+    if (!point || !m_columns.isFilled(index.column()))
         return QVariant();
-    return cellText(*point, column, role == Qt::DisplayRole);
+    return m_columns.text(*point, index.column(), role == Qt::DisplayRole);
 }
 
 QString DefPolygonTableModel::formatCoord(double value, bool userLocale) const
 {
-    static const QLocale uLocale;
-    static int decimals = 0;
-    if (decimals == 0)
-        decimals = decimalsFor(s_coordPrecision);
-    return userLocale ? uLocale.toString(value, 'f', decimals) : formatFixed(value, decimals);
+    return ::formatCoord(value, userLocale);
 }
 
 bool DefPolygonTableModel::isConflictingPoint(int row) const
@@ -192,12 +116,12 @@ Qt::ItemFlags DefPolygonTableModel::flags(const QModelIndex& index) const
     if (!index.isValid() || !pointAt(index.row()))
         return Qt::NoItemFlags;
     const Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
-    return index.column() == m_nColNum ? flags | Qt::ItemIsEditable : flags;
+    return m_columns.isDesignation(index.column()) ? flags | Qt::ItemIsEditable : flags;
 }
 
 bool DefPolygonTableModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
-    if (role != Qt::EditRole || !index.isValid() || index.column() != m_nColNum
+    if (role != Qt::EditRole || !index.isValid() || !m_columns.isDesignation(index.column())
         || !pointAt(index.row()))
         return false;
     const RowInfo& info = m_rows.at(index.row());

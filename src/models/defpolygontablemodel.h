@@ -1,10 +1,11 @@
 #pragma once
 
+#include "catalogue/cataloguecolumns.h"
+#include "catalogue/cataloguerows.h"
 #include "geometry/defpolygon.h"
 
 #include <QAbstractTableModel>
 #include <QBitArray>
-#include <QMap>
 #include <QVector>
 
 /// The coordinate catalogue of one object as a table in the columns of the host's form.
@@ -28,11 +29,8 @@ public:
         int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
-    /// Sets the precision, in coordinate units, that gives the number of decimals of all
-    /// catalogues; values that are not greater than 0 are ignored. Once coordinates have been
-    /// shown with decimals, their number stays for the rest of the process.
+    /// The precision of all catalogues: see catalogue/coordformat.h.
     static void setCoordPrecision(double precision);
-    /// The precision last set.
     static double coordPrecision();
 
     /// Shows `polygon`, which stays the caller's and must outlive its use here; null for none.
@@ -43,37 +41,19 @@ public:
     /// is never met. Emits no signal.
     void setNxyColNum(int n, int x, int y);
     /// Sets the extra fields: constant texts by column. Emits no signal.
-    void setFieldNumValueMap(const QMap<int, QString>& fields);
+    void setFieldNumValueMap(const FieldNumValueMap& fields);
 
     /// A coordinate with the decimals of coordPrecision(), in the user's locale or the C locale.
     QString formatCoord(double value, bool userLocale) const;
     /// Whether the designation in `row` stands at another place of the object too.
     bool isConflictingPoint(int row) const;
 
-    /// Whether the cell shows a value; costs nothing like making the value.
-    bool hasValue(int row, int column) const;
-    /// The text of a cell under the edit role; null where there is no value.
-    QString editText(int row, int column) const;
-
 private:
-    struct RowInfo {
-        int contourIndex; ///< -1 on a separator row
-        int pointIndex; ///< -1 on a separator row
-    };
-
-    void widenTo(int column);
     const DefPoint* pointAt(int row) const;
-    QString cellText(const DefPoint& point, int column, bool userLocale) const;
     QVariant background(int row) const;
 
     DefPolygon* m_polygon = nullptr;
-    int m_nColNum = 0;
-    int m_xColNum = 1;
-    int m_yColNum = 2;
-    int m_maxColNum = 2;
+    CatalogueColumns m_columns;
     QVector<RowInfo> m_rows;
-    QMap<int, QString> m_fieldNumValueMap;
     mutable QBitArray m_conflicts; ///< a bit a vertex; empty until asked for after a change
-
-    static double s_coordPrecision;
 };

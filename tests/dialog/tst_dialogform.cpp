@@ -253,6 +253,7 @@ private slots:
     void liveToolButtons();
     void liveState();
     void liveTabOrder();
+    void tabOrderOfFieldRows();
     void slotTable_data();
     void slotTable();
 
@@ -567,6 +568,41 @@ void TestDialogForm::liveTabOrder()
     const Dialog dialog;
     QCOMPARE(focusChain(widget<QWidget>(dialog, "objectFileNameEdit"), names(tabChain)),
         names(tabChain));
+}
+
+// The further rows of extra fields follow on the first one, spin box before edit, and what came
+// behind the first row comes behind the last.
+void TestDialogForm::tabOrderOfFieldRows()
+{
+    const Dialog dialog;
+    const auto& first = widget<QWidget>(dialog, "fieldSpin_0");
+    const auto chain = [&first] {
+        QStringList result;
+        const QWidget* each = &first;
+        do {
+            if (each->focusPolicy() & Qt::TabFocus && !each->focusProxy())
+                result.append(each->objectName());
+            each = each->nextInFocusChain();
+        } while (each != &first);
+        return result;
+    };
+    const QStringList before = chain();
+    QCOMPARE(before.mid(0, 2), names("fieldSpin_0 fieldEdit_0"));
+
+    QStringList rows;
+    for (int row = 1; row < 5; ++row) {
+        click(dialog, "plusToolButton");
+        rows << QStringLiteral("fieldSpin_%1").arg(row) << QStringLiteral("fieldEdit_%1").arg(row);
+        QCOMPARE(chain(), before.mid(0, 2) + rows + before.mid(2));
+    }
+    click(dialog, "minusToolButton");
+    click(dialog, "minusToolButton");
+    QCOMPARE(chain(), before.mid(0, 2) + rows.mid(0, 4) + before.mid(2));
+    click(dialog, "plusToolButton");
+    QCOMPARE(chain(), before.mid(0, 2) + rows.mid(0, 6) + before.mid(2));
+    for (int i = 0; i < 3; ++i)
+        click(dialog, "minusToolButton");
+    QCOMPARE(chain(), before);
 }
 
 void TestDialogForm::slotTable_data()

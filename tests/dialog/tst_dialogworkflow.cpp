@@ -27,6 +27,7 @@
 #include <QTest>
 #include <QTextCodec>
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 
@@ -67,6 +68,49 @@ void editCell(QAbstractItemView& view, const QModelIndex& index, const QString& 
     QTest::keyClick(editor, Qt::Key_Return);
     QTRY_VERIFY(!editor);
 }
+
+constexpr int noShape = -1;
+
+/// The pointer that stands instead of those of the widgets.
+int overrideShape()
+{
+    const QCursor* cursor = QGuiApplication::overrideCursor();
+    return cursor ? int(cursor->shape()) : noShape;
+}
+
+/// A text codec, while it lives, that does something whenever the import reads a text with it.
+class CodecWatch {
+public:
+    explicit CodecWatch(const std::function<void()>& action) { codec().action = action; }
+    ~CodecWatch() { codec().action = nullptr; }
+    Q_DISABLE_COPY(CodecWatch)
+    static QString codecName() { return QString::fromLatin1(codec().name()); }
+
+private:
+    class Codec : public QTextCodec {
+    public:
+        QByteArray name() const override { return "watched"; }
+        int mibEnum() const override { return 999999; }
+        QString convertToUnicode(const char* in, int length, ConverterState*) const override
+        {
+            if (action)
+                action();
+            return QString::fromLatin1(in, length);
+        }
+        QByteArray convertFromUnicode(const QChar*, int, ConverterState*) const override
+        {
+            return QByteArray();
+        }
+        std::function<void()> action;
+    };
+
+    /// Registered codecs are Qt's until the end.
+    static Codec& codec()
+    {
+        static auto* codec = new Codec;
+        return *codec;
+    }
+};
 
 } // namespace
 
@@ -110,12 +154,17 @@ private slots:
     void extraFields();
     void sort();
     void sortBeforeAnyImport();
+    void sectionSizesStay_data();
+    void sectionSizesStay();
     void edits();
     void coloursInTheViews();
     void modelsThroughTheWholeLife();
     void resultOfEachState();
 
     void waitCursorWhileImporting();
+    void messagesUnderTheUsualPointer_data();
+    void messagesUnderTheUsualPointer();
+    void exceptionsUnderTheUsualPointer();
     void throwingCallback();
     void callbackThatLetsEventsIn();
     void okAndCancel();
@@ -689,6 +738,42 @@ void TestDialogWorkflow::sortBeforeAnyImport()
     QCOMPARE(objects(), list("ЗУ2 ЗУ1"));
 }
 
+void TestDialogWorkflow::sectionSizesStay_data()
+{
+    QTest::addColumn<QByteArray>("action");
+    QTest::addColumn<QVector<int>>("rows"); // what is left of the heights of four rows
+
+    // The rows of the line of two vertices, and of the triangle of four.
+    QTest::newRow("select") << QByteArray("select") << QVector<int>{ 51, 52 };
+    QTest::newRow("sort") << QByteArray("sortButton") << QVector<int>{ 51, 52 };
+    QTest::newRow("import") << QByteArray("startButton") << QVector<int>{ 51, 52, 53, 54 };
+}
+
+void TestDialogWorkflow::sectionSizesStay()
+{
+    QFETCH(QByteArray, action);
+    QFETCH(QVector<int>, rows);
+    start(writePlan());
+    for (int row = 0; row < 4; ++row)
+        tableView().setRowHeight(row, 51 + row);
+    for (int column = 0; column < 3; ++column)
+        tableView().setColumnWidth(column, 71 + column);
+    type(*m_dialog, "fieldEdit_0", QStringLiteral("знак"));
+    if (action == "select")
+        clickObject(*m_dialog, 1);
+    else
+        click(*m_dialog, action);
+
+    const QHeaderView& vertical = *tableView().verticalHeader();
+    QCOMPARE(vertical.count(), rows.size());
+    for (int row = 0; row < rows.size(); ++row)
+        QCOMPARE(vertical.sectionSize(row), rows.at(row));
+    for (int column = 0; column < 3; ++column)
+        QCOMPARE(tableView().columnWidth(column), 71 + column);
+    // The further column of the extra field is there at once.
+    QCOMPARE(tableView().horizontalHeader()->count(), action == "startButton" ? 4 : 3);
+}
+
 void TestDialogWorkflow::edits()
 {
     start(writePlan());
@@ -773,15 +858,70 @@ void TestDialogWorkflow::resultOfEachState()
 
 void TestDialogWorkflow::waitCursorWhileImporting()
 {
-    QVector<int> shapes;
-    m_messages->then([&shapes] {
-        const QCursor* cursor = QGuiApplication::overrideCursor();
-        shapes.append(cursor ? int(cursor->shape()) : -1);
-    });
-    start(m_store->path(QStringLiteral("missing.mif")));
-    QCOMPARE(shapes, (QVector<int>{ Qt::WaitCursor, Qt::WaitCursor }));
+    QVector<int> whileReading;
+    const CodecWatch watch([&whileReading] { whileReading.append(overrideShape()); });
+    widget<QComboBox>(*m_dialog, "encodingCombo").setCurrentText(CodecWatch::codecName());
+    const QString path = m_store->path(QStringLiteral("named"));
+    writeMif(path, "Line 0 0 1 1\n", "name\n");
+    start(path + QStringLiteral(".mif"));
+    QVERIFY(!whileReading.isEmpty());
+    QCOMPARE(whileReading, QVector<int>(whileReading.size(), Qt::WaitCursor));
     QVERIFY(!QGuiApplication::overrideCursor());
+
+    int whileShowing = noShape;
+    connect(listView().model(), &QAbstractItemModel::modelReset, m_dialog.get(),
+        [&whileShowing] { whileShowing = overrideShape(); });
     start(writePlan());
+    QCOMPARE(whileShowing, int(Qt::WaitCursor));
+    QVERIFY(!QGuiApplication::overrideCursor());
+}
+
+void TestDialogWorkflow::messagesUnderTheUsualPointer_data()
+{
+    QTest::addColumn<QByteArray>("objects");
+    QTest::addColumn<int>("hostsOwn"); // the pointer that the host shows itself
+    QTest::addColumn<int>("messages");
+
+    const QByteArray collection = "Line 0 0 1 1\nCollection 3\n";
+    QTest::newRow("no file") << QByteArray() << noShape << 2;
+    QTest::newRow("no file, the host busy") << QByteArray() << int(Qt::BusyCursor) << 2;
+    QTest::newRow("in the file") << collection << noShape << 2;
+    QTest::newRow("in the file, the host busy") << collection << int(Qt::BusyCursor) << 2;
+}
+
+void TestDialogWorkflow::messagesUnderTheUsualPointer()
+{
+    QFETCH(QByteArray, objects);
+    QFETCH(int, hostsOwn);
+    QFETCH(int, messages);
+    const QString path = m_store->path(QStringLiteral("file"));
+    if (!objects.isEmpty())
+        writeMif(path, objects, "а\nб\n");
+    if (hostsOwn != noShape)
+        QGuiApplication::setOverrideCursor(Qt::CursorShape(hostsOwn));
+    QVector<int> shapes;
+    m_messages->then([&shapes] { shapes.append(overrideShape()); });
+    start(path + QStringLiteral(".mif"));
+    const int after = overrideShape();
+    if (hostsOwn != noShape)
+        QGuiApplication::restoreOverrideCursor();
+    QCOMPARE(shapes, QVector<int>(messages, hostsOwn));
+    QCOMPARE(after, hostsOwn);
+}
+
+// Memory that runs out between the readers' own failures is told under the usual pointer too.
+void TestDialogWorkflow::exceptionsUnderTheUsualPointer()
+{
+    const CodecWatch watch([] { throw std::runtime_error("no more"); });
+    widget<QComboBox>(*m_dialog, "encodingCombo").setCurrentText(CodecWatch::codecName());
+    const QString path = m_store->path(QStringLiteral("named"));
+    writeMif(path, "Line 0 0 1 1\n", "name\n");
+    QVector<int> shapes;
+    m_messages->then([&shapes] { shapes.append(overrideShape()); });
+    start(path + QStringLiteral(".mif"));
+    QCOMPARE(
+        m_messages->messages(), QStringList{ QStringLiteral("Ошибка обработки данных: no more") });
+    QCOMPARE(shapes, QVector<int>{ noShape });
     QVERIFY(!QGuiApplication::overrideCursor());
 }
 
@@ -806,8 +946,10 @@ void TestDialogWorkflow::throwingCallback()
 
 void TestDialogWorkflow::callbackThatLetsEventsIn()
 {
+    type(*m_dialog, "fieldEdit_0", QStringLiteral("знак"));
     start(writePlan());
     clickObject(*m_dialog, 1);
+    type(*m_dialog, "fieldEdit_0", QString());
     const QString path = m_store->path(QStringLiteral("collection"));
     writeMif(path, "Line 0 0 1 1\nLine 5 5 6 6\nCollection 3\n", "б\nа\n");
     int calls = 0;
@@ -818,10 +960,14 @@ void TestDialogWorkflow::callbackThatLetsEventsIn()
         click(*m_dialog, "sortButton");
         click(*m_dialog, "plusToolButton");
         m_dialog->grab();
+        // The earlier objects stay, and can be looked at, until the import is over.
+        QCOMPARE(objects(), list("ЗУ2 ЗУ1"));
+        QCOMPARE(catalogue(), list("н3|100.00|100.00|знак н4|110.00|100.00|знак"));
         QTest::mouseClick(listView().viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
+        QCOMPARE(catalogue().first(), QStringLiteral("т1|0.00|0.00|знак"));
         QTest::keyClick(&listView(), Qt::Key_Down);
-        QCOMPARE(objects(), QStringList());
-        QCOMPARE(catalogue(), QStringList());
+        editCell(tableView(), tableView().model()->index(0, 0), QStringLiteral("новая"));
+        QCOMPARE(catalogue(), list("новая|100.00|100.00|знак н4|110.00|100.00|знак"));
     });
     setChecked(*m_dialog, "searchPointDefsCheck", false);
     start(path + QStringLiteral(".mif"));
@@ -830,7 +976,8 @@ void TestDialogWorkflow::callbackThatLetsEventsIn()
         QStringList{
             QStringLiteral("Ошибка в стоке 10. Коллекции в MIF файлах не поддерживаются.") });
     QCOMPARE(objects(), list("б а"));
-    QCOMPARE(catalogue(), list("н1|0.00|0.00 н2|1.00|1.00"));
+    QCOMPARE(catalogue(), list("н1|0.00|0.00|- н2|1.00|1.00|-"));
+    QVERIFY(!listView().currentIndex().isValid());
     m_messages->then(nullptr);
     click(*m_dialog, "sortButton");
     QCOMPARE(objects(), list("а б"));

@@ -17,6 +17,7 @@ private slots:
     void duplicates_data();
     void duplicates();
     void duplicatesLikeTheScan();
+    void duplicatesAfterEachRename();
     void conflicts_data();
     void conflicts();
     void conflictsLikeTheScan();
@@ -96,6 +97,27 @@ void TestConflicts::duplicatesLikeTheScan()
 }
 
 using Contours = QVector<QVector<DefPoint>>;
+
+void TestConflicts::duplicatesAfterEachRename()
+{
+    const QStringList defs = { QString(), QStringLiteral(""), QStringLiteral("1"),
+        QStringLiteral("a"), QStringLiteral("A"), QStringLiteral("ё"), QStringLiteral("Ё"),
+        QStringLiteral("ß"), QStringLiteral("ss"), deseret(0xDC00), deseret(0xDC28) };
+    Random random(11);
+    for (int round = 0; round < 50; ++round) {
+        QVector<DefPolygon> objects(1 + random.below(8));
+        for (DefPolygon& object : objects)
+            object.def = random.pick(defs);
+        QBitArray bits = duplicateDefs(objects);
+        for (int rename = 0; rename < 50; ++rename) {
+            const int renamed = random.below(objects.size());
+            const QString before = objects.at(renamed).def;
+            objects[renamed].def = random.pick(defs);
+            updateDuplicateDefs(bits, objects, renamed, before);
+            QCOMPARE(marks(bits), marks(literal::duplicateDefs(objects)));
+        }
+    }
+}
 
 void TestConflicts::conflicts_data()
 {

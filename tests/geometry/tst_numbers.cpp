@@ -1,5 +1,5 @@
 #include "import/number.h"
-#include "models/coordformat.h"
+#include "catalogue/coordformat.h"
 
 #include "support/random.h"
 #include "support/specialvalues.h"

@@ -16,7 +16,7 @@ const QString catalogueName = QStringLiteral("Координаты");
 const QString def = QStringLiteral("ЗУ1");
 const QString sign = QStringLiteral("знак");
 
-QString written(QVector<DefPolygon>& objects, const ResultOptions& options)
+QString written(const QVector<DefPolygon>& objects, const ResultOptions& options)
 {
     QString text;
     QXmlStreamWriter writer(&text);
@@ -91,7 +91,7 @@ DefPoint point(const char* name, double x, double y)
 /// The text of the only object's row, from its first cell on.
 QString rowOf(const DefPolygon& object, const GeometryInfo& info, const QMap<int, QString>& fields)
 {
-    QVector<DefPolygon> objects = { object };
+    const QVector<DefPolygon> objects = { object };
     ResultOptions options;
     options.info = info;
     options.fields = fields;

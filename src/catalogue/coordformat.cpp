@@ -1,4 +1,4 @@
-#include "models/coordformat.h"
+#include "catalogue/coordformat.h"
 
 #include <QLocale>
 
@@ -24,6 +24,19 @@ quint64 roundScaled(double value, double scale)
     const bool up = fraction > 0.5 || (fraction == 0.5 && std::fma(value, scale, -product) >= 0);
     return static_cast<quint64>(whole) + (up ? 1 : 0);
 }
+
+/// The number of decimals that show `precision`; 0 for whole units and coarser.
+int decimalsFor(double precision)
+{
+    int decimals = 0;
+    if (precision == 0)
+        return decimals;
+    for (; precision < 1; precision *= 10)
+        ++decimals;
+    return decimals;
+}
+
+double s_coordPrecision = 0.01;
 
 } // namespace
 
@@ -52,4 +65,24 @@ QString formatFixed(double value, int decimals)
     text.append(QString(std::max(decimals - digitCount, 0), QLatin1Char('0')));
     text.append(QLatin1String(digits.data() + wholeCount, digitCount - wholeCount));
     return text;
+}
+
+void setCoordPrecision(double precision)
+{
+    if (precision > 0)
+        s_coordPrecision = precision;
+}
+
+double coordPrecision()
+{
+    return s_coordPrecision;
+}
+
+QString formatCoord(double value, bool userLocale)
+{
+    static const QLocale uLocale;
+    static int decimals = 0;
+    if (decimals == 0)
+        decimals = decimalsFor(s_coordPrecision);
+    return userLocale ? uLocale.toString(value, 'f', decimals) : formatFixed(value, decimals);
 }
