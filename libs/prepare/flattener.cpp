@@ -23,7 +23,7 @@ qint64 mostHeld(qint64 inputSize)
 
 qint64 mostWork(qint64 inputSize, const PrepareOptions& options)
 {
-    return options.join ? mostHeld(inputSize) : 2000000 + inputSize;
+    return options.join ? mostHeld(inputSize) : 1000000 + inputSize;
 }
 
 qint64 mostChordsOf(qint64 inputSize, const PrepareOptions& options)
@@ -69,7 +69,7 @@ void Flattener::run()
     for (const auto& [block, choice] : m_choices) {
         const QString name =
             m_codec->toUnicode(block->name.data(), static_cast<int>(block->name.size()));
-        m_report.blocks.emplace(name, choice);
+        m_report.blocks.insert(name, choice);
     }
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMap>
 #include <QString>
-#include <QVector>
 
 #include <map>
 #include <string>
@@ -125,7 +125,7 @@ public:
     QByteArray encoding; ///< of the file that was written; a codec's name
     QByteArray sourceEncoding; ///< as told from the bytes, or as it was given
     QString declaredEncoding; ///< what the file's header says
-    std::map<QString, BlockChoice> blocks;
+    QMap<QString, BlockChoice> blocks;
     qint64 contours = 0; ///< written
     qint64 points = 0;
     qint64 labels = 0;
