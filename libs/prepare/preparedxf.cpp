@@ -1,6 +1,7 @@
 #include "prepare/preparedxf.h"
 
 #include "prepare/binarydxf.h"
+#include "prepare/contourjoiner.h"
 #include "prepare/dxfencoding.h"
 #include "prepare/dxfrepair.h"
 #include "prepare/dxfwriter.h"
@@ -31,8 +32,11 @@ void flattenDxf(const SourceText& text, const DxfDrawing& drawing, const Prepare
     QIODevice& out, PrepareReport& report)
 {
     DxfWriter writer(out, text.codec->name(), report);
-    Flattener(drawing, options, { text.codec, text.byteCodec }, text.bytes.size(), writer, report)
+    ContourJoiner joiner(options.join.value_or(0), writer, report);
+    FlatSink& sink = options.join ? static_cast<FlatSink&>(joiner) : writer;
+    Flattener(drawing, options, { text.codec, text.byteCodec }, text.bytes.size(), sink, report)
         .run();
+    joiner.finish();
     writer.finish();
 }
 
