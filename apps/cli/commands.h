@@ -21,3 +21,4 @@ struct Command {
 extern const Command convertCommand;
 extern const Command checkCommand;
 extern const Command planCommand;
+extern const Command prepareCommand;

@@ -14,7 +14,7 @@
 
 namespace {
 
-const Command* const commands[] = { &convertCommand, &checkCommand, &planCommand };
+const Command* const commands[] = { &convertCommand, &checkCommand, &planCommand, &prepareCommand };
 
 /// Gives Qt's parser of command lines Russian texts wherever the program runs.
 class ParserTexts : public QTranslator {
@@ -123,7 +123,7 @@ ExitStatus run(const Command* command, QStringList arguments)
         return Done;
     }
     throw Failure{ WrongUsage,
-        first.isEmpty() ? QStringLiteral("не указана команда: convert, check или plan")
+        first.isEmpty() ? QStringLiteral("не указана команда: convert, check, plan или prepare")
                         : QStringLiteral("неизвестная команда «%1»").arg(first) };
 }
 

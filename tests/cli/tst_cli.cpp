@@ -176,7 +176,7 @@ private slots:
                              const char* message) {
             QTest::newRow(name) << words(arguments) << QString::fromUtf8(message);
         };
-        row("nothing", {}, "не указана команда: convert, check или plan");
+        row("nothing", {}, "не указана команда: convert, check, plan или prepare");
         row("unknown command", { "konvert" }, "неизвестная команда «konvert»");
         row("no file", { "convert" }, "не указан ни один файл");
         row("unknown option", { "convert", "parcels.mif", "--swap" },

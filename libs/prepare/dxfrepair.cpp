@@ -1,0 +1,243 @@
+#include "prepare/dxfrepair.h"
+
+#include "prepare/dxfdrawing.h"
+#include "prepare/dxfentityreader.h"
+#include "prepare/pairwriter.h"
+
+namespace prep {
+
+namespace {
+
+/// Whether the readers build something of this kind, so that a bad one would stop them.
+bool isReadKind(std::string_view type)
+{
+    for (const std::string_view kind :
+        { "LINE", "LWPOLYLINE", "POLYLINE", "TEXT", "POINT", "INSERT", "CIRCLE", "ELLIPSE" }) {
+        if (type == kind)
+            return true;
+    }
+    return false;
+}
+
+class DxfRepair {
+public:
+    DxfRepair(std::string_view bytes, QIODevice& out, PrepareReport& report)
+        : m_records(bytes)
+        , m_out(out)
+        , m_report(report)
+    {
+    }
+
+    void run()
+    {
+        while (m_records.next())
+            takeRecord();
+        endSection();
+        m_out.pair(0, "EOF");
+        m_out.flush();
+        m_report.note(Note::EofAdded, m_hasEof ? 0 : 1);
+    }
+
+private:
+    enum class Section { None, Entities, Other };
+
+    void takeRecord()
+    {
+        const std::string_view type = m_records.type();
+        if (type == "SECTION") {
+            startSection();
+        } else if (type == "ENDSEC") {
+            endSection();
+        } else if (type == "EOF") {
+            m_hasEof = true;
+        } else {
+            if (m_section == Section::None)
+                addEntitiesSection();
+            if (m_section == Section::Entities)
+                takeEntity();
+            else
+                copyRecord();
+        }
+    }
+
+    // The frame
+
+    void startSection()
+    {
+        endSection();
+        DxfPair name;
+        if (!m_records.pair(name))
+            return;
+        if (!m_hasHeader && name.text() != "HEADER")
+            addHeader();
+        m_hasHeader = true;
+        m_section = name.text() == "ENTITIES" ? Section::Entities : Section::Other;
+        m_out.pair(0, "SECTION");
+        m_out.pair(2, name.text());
+        copyPairs();
+    }
+
+    void endSection()
+    {
+        if (m_section != Section::None)
+            m_out.pair(0, "ENDSEC");
+        m_section = Section::None;
+    }
+
+    void addHeader()
+    {
+        m_out.pair(0, "SECTION");
+        m_out.pair(2, "HEADER");
+        m_out.pair(0, "ENDSEC");
+        m_report.note(Note::HeaderAdded);
+        m_hasHeader = true;
+    }
+
+    void addEntitiesSection()
+    {
+        if (!m_hasHeader)
+            addHeader();
+        m_out.pair(0, "SECTION");
+        m_out.pair(2, "ENTITIES");
+        m_section = Section::Entities;
+        m_report.note(Note::SectionAdded);
+    }
+
+    void copyRecord()
+    {
+        m_out.pair(0, m_records.type());
+        copyPairs();
+    }
+
+    void copyPairs()
+    {
+        DxfPair pair;
+        while (m_records.pair(pair))
+            m_out.pair(pair.code, pair.value);
+    }
+
+    // Entities
+
+    void takeEntity()
+    {
+        const std::string_view type = m_records.type();
+        const size_t start = m_records.position();
+        const std::optional<Note> reason = readEntity(m_records, m_entity);
+        const bool atEnd = !m_records.next();
+        const size_t end = atEnd ? std::string_view::npos : m_records.position();
+        const bool misread = reason == Note::PaperSpace || reason == Note::Mesh
+            || (reason == Note::Incomplete && isReadKind(type));
+        if (misread) {
+            m_report.drop(type, *reason);
+        } else {
+            m_records.moveTo(start);
+            m_changed = false;
+            copyEntity(type, end);
+            m_report.write(type, m_changed);
+        }
+        if (atEnd)
+            return;
+        m_records.moveTo(end);
+    }
+
+    /// Copies the records of an entity, which end where the record at `end` begins.
+    void copyEntity(std::string_view type, size_t end)
+    {
+        m_records.next();
+        if (type == "LWPOLYLINE") {
+            copyLwpolyline(std::get<PathShape>(m_entity.shape));
+            return;
+        }
+        const bool isPolyline = type == "POLYLINE";
+        bool ended = false;
+        do {
+            ended = m_records.type() == "SEQEND";
+            if (isPolyline && !ended)
+                copyPolylineRecord(std::get<PathShape>(m_entity.shape).closed);
+            else
+                copyRecord();
+        } while (m_records.next() && m_records.position() < end);
+        if (isPolyline && !ended) {
+            m_out.pair(0, "SEQEND");
+            mend(Note::SeqendAdded);
+        }
+    }
+
+    void mend(Note note)
+    {
+        m_report.note(note);
+        m_changed = true;
+    }
+
+    /// The readers take a POLYLINE for closed when any flag in it is the text 1, and only then.
+    void copyPolylineRecord(bool closed)
+    {
+        const bool isVertex = m_records.type() == "VERTEX";
+        m_out.pair(0, m_records.type());
+        DxfPair pair;
+        while (m_records.pair(pair)) {
+            const bool isOne = pair.text() == "1";
+            if (pair.code != 70 || (isVertex ? !isOne || closed : !closed || isOne)) {
+                m_out.pair(pair.code, pair.value);
+                continue;
+            }
+            mend(Note::ClosingFlag);
+            if (!isVertex)
+                m_out.pair(70, "1");
+        }
+    }
+
+    /// The readers need the number of vertices and the flag before the first vertex.
+    void copyLwpolyline(const PathShape& shape)
+    {
+        const std::string count = std::to_string(shape.vertices.size());
+        m_out.pair(0, m_records.type());
+        bool counted = false;
+        bool flagged = !shape.closed;
+        bool hasVertex = false;
+        DxfPair pair;
+        while (m_records.pair(pair)) {
+            const bool isCount = pair.code == 90;
+            const bool isFlag = pair.code == 70;
+            if ((pair.code == 10 || pair.code == 20) && !hasVertex) {
+                hasVertex = true;
+                addMissing(counted, flagged, count);
+            }
+            if ((isCount || isFlag) && (hasVertex || (isCount && pair.text() != count)))
+                continue;
+            counted = counted || isCount;
+            flagged = flagged || isFlag;
+            m_out.pair(pair.code, pair.value);
+        }
+    }
+
+    void addMissing(bool counted, bool flagged, const std::string& count)
+    {
+        if (!counted) {
+            m_out.pair(90, count);
+            mend(Note::VertexCount);
+        }
+        if (!flagged) {
+            m_out.pair(70, "1");
+            mend(Note::ClosingFlag);
+        }
+    }
+
+    DxfRecords m_records;
+    PairWriter m_out;
+    PrepareReport& m_report;
+    Entity m_entity;
+    Section m_section = Section::None;
+    bool m_hasHeader = false;
+    bool m_hasEof = false;
+    bool m_changed = false; ///< the entity at hand
+};
+
+} // namespace
+
+void repairDxf(std::string_view bytes, QIODevice& out, PrepareReport& report)
+{
+    DxfRepair(bytes, out, report).run();
+}
+
+} // namespace prep

@@ -1,0 +1,140 @@
+#pragma once
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace prep {
+
+/// What was done to a file, or to a part of it.
+enum class Note {
+    // Mended without loss.
+    Binary,
+    Comments,
+    BlankLines,
+    StrayLines,
+    HeaderAdded,
+    SectionAdded,
+    EofAdded,
+    ClosingFlag,
+    VertexCount,
+    SeqendAdded,
+    Transcoded,
+    // Made into what the readers take.
+    InsertExploded,
+    InsertAsPoint,
+    CircleAsPoint,
+    MissingBlock,
+    FromBlock,
+    Bulges,
+    Chords,
+    Extrusion,
+    AsText,
+    TextDecoded,
+    Joined,
+    HatchOutlines,
+    PointAdded,
+    AxesSwapped,
+    Scaled,
+    MidRenamed,
+    MidMade,
+    MifHeader,
+    MifDelimiter,
+    MidRows,
+    MifLines,
+    CollectionParts,
+    OutlineOfShape,
+    PointsOfMultipoint,
+    NameFieldFirst,
+    Transform,
+    // Left out on purpose.
+    PaperSpace,
+    Mesh,
+    Surface,
+    NoContour,
+    LayerLeftOut,
+    Invisible,
+    LabelLeftOut,
+    HatchLeftOut,
+    PointsWithoutTexts,
+    EmptyLabel,
+    // Could not be carried over.
+    Incomplete,
+    Unreadable,
+    RecursiveBlock,
+    ExternalBlock,
+    TooDeep,
+    TooMuch,
+    CoarseChords,
+    FitPoints,
+    Unencodable,
+    BrokenOff,
+    MidTooShort,
+    MidTooLong,
+};
+
+/// What a note means for the file.
+enum class Effect { Mended, LeftOut, Lost };
+
+Effect effectOf(Note note);
+/// The note's name for programs that read the answer.
+QString noteId(Note note);
+/// What was done, in a few words.
+QString noteText(Note note);
+
+/// What became of the entities of one kind.
+struct KindTally {
+    qint64 kept = 0;
+    qint64 changed = 0;
+    qint64 leftOut = 0;
+    qint64 lost = 0;
+};
+
+/// What was chosen for the inserts of a block.
+struct BlockChoice {
+    qint64 inserts = 0;
+    bool asPoint = false;
+};
+
+/// What became of a file.
+class PrepareReport {
+public:
+    void note(Note note, qint64 count = 1)
+    {
+        if (count > 0)
+            m_notes[note] += count;
+    }
+    /// An entity was written; `changed` as something else than stood in the file.
+    void write(std::string_view kind, bool changed)
+    {
+        KindTally& tally = m_kinds[key(kind)];
+        ++(changed ? tally.changed : tally.kept);
+    }
+    /// An entity was not written, for the reason that the note tells.
+    void drop(std::string_view kind, Note reason, qint64 count = 1);
+
+    bool hasLosses() const;
+    const std::map<Note, qint64>& notes() const { return m_notes; }
+    const std::map<std::string, KindTally>& kinds() const { return m_kinds; }
+
+    QString failure; ///< why nothing was written; empty when something was
+    QByteArray encoding; ///< of the file that was written; a codec's name
+    QByteArray sourceEncoding; ///< as told from the bytes, or as it was given
+    QString declaredEncoding; ///< what the file's header says
+    QMap<QString, BlockChoice> blocks;
+    qint64 contours = 0; ///< written
+    qint64 points = 0;
+    qint64 labels = 0;
+
+private:
+    static std::string key(std::string_view kind) { return std::string(kind.substr(0, 64)); }
+
+    std::map<Note, qint64> m_notes;
+    std::map<std::string, KindTally> m_kinds;
+};
+
+} // namespace prep

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "prepare/preparereport.h"
+
+#include <QJsonObject>
+#include <QStringList>
+
+namespace prep {
+
+/// A report for people, line by line; `target` is the file that was written.
+QStringList reportLines(const PrepareReport& report, const QString& target);
+
+/// A report for programs.
+QJsonObject reportJson(const PrepareReport& report, const QString& fileName, const QString& target);
+
+} // namespace prep

@@ -1,0 +1,43 @@
+#include "prepare/sourcetext.h"
+
+#include "survey/encodingguess.h"
+
+#include <QTextCodec>
+
+namespace prep {
+
+namespace {
+
+const QTextCodec* codecOf(const QByteArray& name)
+{
+    const QTextCodec* const codec = QTextCodec::codecForName(name);
+    return codec ? codec : QTextCodec::codecForName("UTF-8");
+}
+
+} // namespace
+
+SourceText sourceText(const QByteArray& bytes, const PrepareOptions& options,
+    const QByteArray& codecOfAscii, PrepareReport& report)
+{
+    SourceText text;
+    text.bytes = asUtf8(bytes);
+    const bool wasMarked = text.bytes.size() != bytes.size();
+    const QByteArray mark = codecOfMark(view(bytes));
+    const QByteArray told = !mark.isEmpty() ? mark
+        : !options.fromEncoding.isEmpty()   ? options.fromEncoding
+                                            : likelyCodec(view(bytes));
+    const QTextCodec* const source = codecOf(told.isEmpty() ? codecOfAscii : told);
+    // What asUtf8() has changed is UTF-8 now.
+    const QTextCodec* const current = wasMarked ? codecOf("UTF-8") : source;
+    text.codec = options.encoding.isEmpty() ? current : codecOf(options.encoding);
+    if (text.codec != current) {
+        text.bytes = text.codec->fromUnicode(current->toUnicode(text.bytes));
+        text.byteCodec = source;
+    }
+    report.note(Note::Transcoded, text.codec != source ? 1 : 0);
+    report.sourceEncoding = source->name();
+    report.encoding = text.codec->name();
+    return text;
+}
+
+} // namespace prep
