@@ -32,14 +32,3 @@ QByteArray systemEncoding()
 {
     return systemCodec->name();
 }
-
-SystemCodecScope::SystemCodecScope()
-    : m_current(QTextCodec::codecForLocale())
-{
-    QTextCodec::setCodecForLocale(systemCodec);
-}
-
-SystemCodecScope::~SystemCodecScope()
-{
-    QTextCodec::setCodecForLocale(m_current);
-}

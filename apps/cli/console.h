@@ -1,8 +1,7 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
-
-class QTextCodec;
 
 /// What the program ends with.
 enum ExitStatus {
@@ -30,14 +29,3 @@ void enableCyrillic();
 
 /// The name of the codec that the locale had at first.
 QByteArray systemEncoding();
-
-/// Makes the codec that the locale had at first that of the locale again, as long as it lives.
-class SystemCodecScope {
-public:
-    SystemCodecScope();
-    ~SystemCodecScope();
-    Q_DISABLE_COPY(SystemCodecScope)
-
-private:
-    QTextCodec* m_current;
-};

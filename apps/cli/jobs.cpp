@@ -1,7 +1,7 @@
 #include "jobs.h"
 
 #include "console.h"
-#include "importoptions.h"
+#include "importarguments.h"
 #include "interrupt.h"
 
 #include <QCommandLineParser>

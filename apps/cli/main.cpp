@@ -1,5 +1,5 @@
 #include "commands.h"
-#include "importoptions.h"
+#include "importarguments.h"
 #include "interrupt.h"
 #include "outputfile.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "survey/filesurvey.h"
 #include "geometry/defpolygon.h"
+#include "survey/filesurvey.h"
 
 #include <QPointF>
 #include <QVector>

@@ -88,7 +88,7 @@ private slots:
         row("comment", "999\nby a program\n" + drawing(line), "leading-comment 1 0 []");
         row("comments with blanks", "  999\nby a\r\n999\nprogram\n" + drawing(line),
             "leading-comment 1 0 []");
-        row("no header section", drawing(line).mid(headerSection.size()),
+        row("no header section", drawing(line).mid(headerSection().size()),
             "missing-header 1 0 [ENTITIES]");
         row("another file", "<svg/>\n", "not-dxf 1 0 []");
         row("inserts alone", drawing("0\nINSERT\n2\nP\n10\n0\n20\n0\n0\nINSERT\n10\n1\n20\n1\n"),
@@ -146,35 +146,35 @@ private slots:
             QTest::newRow(name) << mif << mid << causes;
         };
         const auto replaced = [](const char* before, const char* after) {
-            return QByteArray(mifHeader).replace(before, after) + "Line 0 0 1 1\n";
+            return mifHeader().replace(before, after) + "Line 0 0 1 1\n";
         };
 
-        row("sound", mifHeader + "Line 0 0 1 1\n", "a\n", "");
+        row("sound", mifHeader() + "Line 0 0 1 1\n", "a\n", "");
         row("empty", "", "", "empty-file 0 0 []");
-        row("blank first line", "\n" + mifHeader, "", "blank-first-line 1 0 []");
+        row("blank first line", "\n" + mifHeader(), "", "blank-first-line 1 0 []");
         row("tab", replaced("\",\"", "\"\t\""), "a\n", "delimiter 3 0 []");
         row("space", replaced("\",\"", "\" \""), "a\n", "delimiter 3 0 []");
         row("semicolon", replaced(",", ";"), "a\n", "");
         row("no Delimiter", replaced("Delimiter \",\"\n", ""), "a\n", "mif-header 3 0 [Delimiter]");
         row("no Charset", replaced("Charset \"Neutral\"\n", ""), "a\n", "mif-header 2 0 [Charset]");
-        row("no Data", QByteArray(mifHeader).replace("Data\n", ""), "a\n", "no-data 0 0 []");
-        row("blank line between rings", mifHeader + "Region 2\n3\n0 0\n1 0\n0 0\n\n3\n", "a\n",
+        row("no Data", mifHeader().replace("Data\n", ""), "a\n", "no-data 0 0 []");
+        row("blank line between rings", mifHeader() + "Region 2\n3\n0 0\n1 0\n0 0\n\n3\n", "a\n",
             "blank-line 10 0 []");
-        row("blank line between vertices", mifHeader + "Pline 2\n0 0\n\n1 0\n", "a\n",
+        row("blank line between vertices", mifHeader() + "Pline 2\n0 0\n\n1 0\n", "a\n",
             "blank-line 7 0 []");
-        row("blank line between objects", mifHeader + "Line 0 0 1 1\n\nLine 0 0 1 1\n", "a\nb\n",
+        row("blank line between objects", mifHeader() + "Line 0 0 1 1\n\nLine 0 0 1 1\n", "a\nb\n",
             "");
-        row("count on the next line", mifHeader + "Pline\n2\n0 0\n1 0\n", "a\n",
+        row("count on the next line", mifHeader() + "Pline\n2\n0 0\n1 0\n", "a\n",
             "count-on-next-line 5 0 [PLINE]");
-        row("word for a number", mifHeader + "Line 0 0 one 1\n", "a\n", "bad-object 5 0 [LINE]");
-        row("cut off", mifHeader + "Pline 3\n0 0\n1 0\n", "a\n", "bad-object 8 0 [PLINE]");
-        row("collection", mifHeader + "Line 0 0 1 1\nCollection 2\nLine 0 0 1 1\n", "a\nb\nc\n",
+        row("word for a number", mifHeader() + "Line 0 0 one 1\n", "a\n", "bad-object 5 0 [LINE]");
+        row("cut off", mifHeader() + "Pline 3\n0 0\n1 0\n", "a\n", "bad-object 8 0 [PLINE]");
+        row("collection", mifHeader() + "Line 0 0 1 1\nCollection 2\nLine 0 0 1 1\n", "a\nb\nc\n",
             "collection 6 0 []");
-        row("blank row", mifHeader + "Line 0 0 1 1\nLine 0 0 1 1\n", "a\n\nb\n",
+        row("blank row", mifHeader() + "Line 0 0 1 1\nLine 0 0 1 1\n", "a\n\nb\n",
             "mid-blank-row 2 0 []");
-        row("too few rows", mifHeader + "Line 0 0 1 1\nLine 0 0 1 1\n", "a\n",
+        row("too few rows", mifHeader() + "Line 0 0 1 1\nLine 0 0 1 1\n", "a\n",
             "mid-too-short 2 0 []");
-        row("a row broken in two", mifHeader + "Line 0 0 1 1\n", "\"a\nb\"\n",
+        row("a row broken in two", mifHeader() + "Line 0 0 1 1\n", "\"a\nb\"\n",
             "mid-too-long 0 1 []");
     }
 
@@ -207,7 +207,7 @@ private slots:
         QFETCH(QString, cause);
         const TempFiles folder;
         folder.write(mid, "a\n");
-        folder.write(QStringLiteral("a.mif"), mifHeader + "Line 0 0 1 1\n");
+        folder.write(QStringLiteral("a.mif"), mifHeader() + "Line 0 0 1 1\n");
         const FileSurvey found = surveyMif(folder.path(QStringLiteral("a.mif")), utf8());
         QCOMPARE(describe(found.causes), QStringList(cause));
         QCOMPARE(describe(found.kinds), QStringList(QStringLiteral("LINE 1/0")));
@@ -220,7 +220,7 @@ private slots:
         options.searchObjectDefs = false;
         options.searchPointDefs = false;
         options.readsPoints = false;
-        folder.write(QStringLiteral("a.mif"), mifHeader + "Line 0 0 1 1\n");
+        folder.write(QStringLiteral("a.mif"), mifHeader() + "Line 0 0 1 1\n");
         const FileSurvey found = surveyMif(folder.path(QStringLiteral("a.mif")), options);
         QCOMPARE(describe(found.causes), QStringList());
         QCOMPARE(describe(found.kinds), QStringList(QStringLiteral("LINE 1/1")));
