@@ -4,6 +4,7 @@
 #include "outputfile.h"
 #include "reportjson.h"
 #include "reporttext.h"
+#include "standardinput.h"
 #include "survey/report.h"
 
 #include <QCommandLineParser>
@@ -44,6 +45,21 @@ CheckOptions readCheckOptions(const QCommandLineParser& parser)
     return options;
 }
 
+/// The text of a document; what would steer a terminal is escaped, as controls below the space are
+/// in all JSON.
+QByteArray toText(const QJsonArray& reports)
+{
+    const QString text = QString::fromUtf8(QJsonDocument(reports).toJson());
+    QString escaped;
+    for (const QChar c : text) {
+        if (c != QLatin1Char('\n') && !c.isSurrogate() && isDeceptive(c.unicode()))
+            escaped += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+        else
+            escaped += c;
+    }
+    return escaped.toUtf8();
+}
+
 void writeOut(const QByteArray& bytes)
 {
     OutputFile out(QStringLiteral("-"));
@@ -53,11 +69,12 @@ void writeOut(const QByteArray& bytes)
 
 ExitStatus checkFile(const ImportTask& task, const CheckOptions& options)
 {
+    spoolStandardInput(task.fileName());
     const Report report = makeReport(*task.format, task.options, options.columns);
     if (report.unreadable)
         printMessage(task.fileName(), report.messages.value(0).text);
     if (options.json)
-        writeOut(QJsonDocument(QJsonArray{ reportJson(report) }).toJson());
+        writeOut(toText({ reportJson(report) }));
     else if (!report.unreadable)
         writeOut(reportText(report).toLocal8Bit());
     if (report.unreadable)
@@ -65,14 +82,14 @@ ExitStatus checkFile(const ImportTask& task, const CheckOptions& options)
     return report.findingCount() > 0 ? Found : Done;
 }
 
-QByteArray mergeJson(const QVector<QByteArray>& outputs)
+QJsonArray mergeJson(const QVector<QByteArray>& outputs)
 {
     QJsonArray merged;
     for (const QByteArray& output : outputs) {
         for (const QJsonValue& report : QJsonDocument::fromJson(output).array())
             merged.append(report);
     }
-    return QJsonDocument(merged).toJson();
+    return merged;
 }
 
 ExitStatus checkFiles(const CheckOptions& options)
@@ -89,15 +106,15 @@ ExitStatus checkFiles(const CheckOptions& options)
         argumentLists, options.jobs, [&](int index, const JobResult& result, Progress& progress) {
             outputs[index] = result.output;
             progress.print(result.errors);
-            if (result.crashed) {
-                progress.print(options.tasks.at(index).fileName()
-                    + QStringLiteral(": проверка прервалась аварийно"));
+            if (!result.exited()) {
+                progress.print(options.tasks.at(index).fileName() + QStringLiteral(": ")
+                    + result.trouble(QStringLiteral("проверка")));
             }
-            failures += result.crashed || result.status == Failed ? 1 : 0;
-            found += !result.crashed && result.status == Found ? 1 : 0;
+            failures += !result.exited() || result.status == Failed ? 1 : 0;
+            found += result.exited() && result.status == Found ? 1 : 0;
         });
     if (options.json) {
-        writeOut(mergeJson(outputs));
+        writeOut(toText(mergeJson(outputs)));
     } else {
         QByteArray text;
         for (const QByteArray& output : qAsConst(outputs))

@@ -4,6 +4,7 @@
 #include "jobs.h"
 #include "outputfile.h"
 #include "resultwriter.h"
+#include "standardinput.h"
 #include "targets.h"
 
 #include <QCommandLineParser>
@@ -161,6 +162,7 @@ ExitStatus convertFile(const ConvertOptions& options)
     const ImportTask& task = options.tasks.first();
     const QString& target = options.targets.first();
     OutputFile::checkPlace(target);
+    spoolStandardInput(task.fileName());
     ImportRun import = runImport(*task.format, task.options);
     for (const QString& message : qAsConst(import.messages))
         printMessage(task.fileName(), message);
@@ -175,8 +177,8 @@ ExitStatus convertFile(const ConvertOptions& options)
 
 QString outcome(const JobResult& result, const QString& target)
 {
-    if (result.crashed)
-        return QStringLiteral("обработка прервалась аварийно");
+    if (!result.exited())
+        return result.trouble(QStringLiteral("обработка"));
     return result.status == Done ? QStringLiteral("записано в %1").arg(target)
                                  : QStringLiteral("с ошибками");
 }
@@ -197,7 +199,7 @@ ExitStatus convertFiles(const ConvertOptions& options)
             progress.print(result.errors);
             progress.print(options.tasks.at(index).fileName() + QStringLiteral(": ")
                 + outcome(result, options.targets.at(index)));
-            failures += result.crashed || result.status != Done ? 1 : 0;
+            failures += !result.exited() || result.status != Done ? 1 : 0;
         });
     printError(QStringLiteral("Всего файлов: %1, записано: %2, с ошибками: %3")
                    .arg(options.tasks.size())

@@ -1,6 +1,7 @@
 #include "importarguments.h"
 
 #include "console.h"
+#include "standardinput.h"
 
 #include <QCommandLineParser>
 #include <QTextCodec>
@@ -123,7 +124,8 @@ QVector<ImportTask> readImportTasks(const QCommandLineParser& parser)
     const Format* const format = readFormat(parser);
     const ImportOptions options = readOptions(parser);
     QVector<ImportTask> tasks;
-    for (const QString& file : parser.positionalArguments()) {
+    for (const QString& argument : parser.positionalArguments()) {
+        const QString file = inputFileName(argument);
         ImportTask task{ &findFormat(file, format), options };
         task.options.objectFileName = file;
         tasks.append(task);
@@ -156,6 +158,7 @@ QString encodingList()
     QStringList names;
     for (const QByteArray& name : QTextCodec::availableCodecs())
         names.append(QString::fromLatin1(name));
+    names.removeAll(QString());
     names.sort(Qt::CaseInsensitive);
     names.removeDuplicates();
     names.prepend(QString::fromLatin1(defaultEncoding()));

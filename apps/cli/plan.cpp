@@ -2,6 +2,8 @@
 #include "importarguments.h"
 #include "outputfile.h"
 #include "plan/planfile.h"
+#include "standardinput.h"
+#include "targets.h"
 
 #include <QCommandLineParser>
 #include <QFileInfo>
@@ -63,6 +65,7 @@ PlanOptions readPlanOptions(const QCommandLineParser& parser)
     options.format = readPlanFormat(options.target);
     options.size = readSize(parser);
     options.tasks = readImportTasks(parser);
+    checkTargets(options.tasks, { options.target });
     options.partial = parser.isSet(QStringLiteral("partial"));
     return options;
 }
@@ -91,6 +94,7 @@ ExitStatus runPlan(const QCommandLineParser& parser)
     QVector<DefPolygon> objects;
     bool failed = false;
     for (const ImportTask& task : options.tasks) {
+        spoolStandardInput(task.fileName());
         const ImportRun import = runImport(*task.format, task.options);
         objects += import.objects;
         failed = failed || !import.messages.isEmpty();

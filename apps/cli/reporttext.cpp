@@ -1,5 +1,6 @@
 #include "reporttext.h"
 
+#include "console.h"
 #include "survey/report.h"
 
 namespace {
@@ -51,7 +52,7 @@ private:
 
     void addAt(const QString& fileName, int line, const QString& text)
     {
-        m_text += placeText(fileName, line) + text + QLatin1Char('\n');
+        m_text += printable(placeText(fileName, line) + text) + QLatin1Char('\n');
     }
 
     void add(const QString& text) { addAt(m_report.fileName, 0, text); }

@@ -3,6 +3,11 @@
 #include "import/mapimport.h"
 #include "status.h"
 
+#include <QDir>
+#include <QFile>
+
+#include <sys/stat.h>
+
 namespace {
 
 QStringList* messageSink = nullptr;
@@ -25,11 +30,37 @@ private:
     QStringList& m_messages;
 };
 
+/// What stands under a name in the place of a file that can be read again; null when nothing does.
+const char* pipeOrDevice(const QString& fileName)
+{
+    struct stat status { };
+    if (stat(QFile::encodeName(fileName).constData(), &status) != 0)
+        return nullptr;
+    switch (status.st_mode & S_IFMT) {
+    case S_IFIFO:
+        return "именованный канал; данные из канала подают на стандартный ввод";
+    case S_IFSOCK:
+        return "сокет";
+    case S_IFCHR:
+    case S_IFBLK:
+        return "устройство";
+    default:
+        return nullptr;
+    }
+}
+
 } // namespace
 
 ImportRun runImport(const Format& format, const ImportOptions& options)
 {
     ImportRun run;
+    for (const QString& file : filesOf(format, options)) {
+        if (const char* const kind = pipeOrDevice(file)) {
+            run.messages.append(QStringLiteral("Ошибка открытия файла %1: это %2")
+                                    .arg(QDir::toNativeSeparators(file), QString::fromUtf8(kind)));
+            return run;
+        }
+    }
     MessageCollector collector(run.messages);
     messageSink = &run.messages;
     setStatusFunc(takeMessage);
