@@ -164,8 +164,8 @@ ExitStatus convertFile(const ConvertOptions& options)
     OutputFile::checkPlace(target);
     spoolStandardInput(task.fileName());
     ImportRun import = runImport(*task.format, task.options);
-    for (const QString& message : qAsConst(import.messages))
-        printMessage(task.fileName(), message);
+    for (const ImportMessage& message : qAsConst(import.messages))
+        printMessage(task.fileName(), message.text);
     const bool failed = !import.messages.isEmpty();
     if (failed && !options.partial)
         return Failed;

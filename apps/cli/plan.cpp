@@ -98,8 +98,8 @@ ExitStatus runPlan(const QCommandLineParser& parser)
         const ImportRun import = runImport(*task.format, task.options);
         objects += import.objects;
         failed = failed || !import.messages.isEmpty();
-        for (const QString& message : import.messages)
-            printMessage(task.fileName(), message);
+        for (const ImportMessage& message : import.messages)
+            printMessage(task.fileName(), message.text);
     }
     if (failed && !options.partial)
         return Failed;

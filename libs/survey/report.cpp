@@ -1,7 +1,8 @@
 #include "survey/report.h"
 
 #include <QFileInfo>
-#include <QRegularExpression>
+
+#include <algorithm>
 
 namespace {
 
@@ -10,46 +11,50 @@ bool isReadable(const QString& fileName)
     return QFileInfo(fileName).isFile() && QFileInfo(fileName).isReadable();
 }
 
-SurveyOptions surveyOptions(const ImportOptions& options, bool forPoints, bool forObjects)
-{
-    SurveyOptions surveyOptions;
-    surveyOptions.encoding = options.encoding;
-    surveyOptions.readsPoints = forPoints && options.searchPointDefs;
-    surveyOptions.readsObjects = forObjects;
-    surveyOptions.searchPointDefs = options.searchPointDefs;
-    surveyOptions.searchObjectDefs = forObjects && options.searchObjectDefs;
-    return surveyOptions;
-}
-
 /// Surveys the file, and the file of points if there is one.
-QVector<FileSurvey> surveyFiles(const Format& format, const ImportOptions& options)
+QVector<FileSurvey> surveyFiles(
+    const Format& format, const ImportOptions& options, const ImportRun& run)
 {
-    const auto survey = format.id == QLatin1String("dxf") ? surveyDxf : surveyMif;
-    const QString& pointFile = options.pointFileName;
-    QVector<FileSurvey> surveys{ survey(
-        options.objectFileName, surveyOptions(options, pointFile.isEmpty(), true)) };
-    if (!pointFile.isEmpty() && isReadable(pointFile))
-        surveys.append(survey(pointFile, surveyOptions(options, true, false)));
+    QVector<FileSurvey> surveys{ surveyFile(format, options, FileRole::Objects, run) };
+    if (!options.pointFileName.isEmpty() && isReadable(options.pointFileName))
+        surveys.append(surveyFile(format, options, FileRole::Points, run));
     return surveys;
 }
 
-/// The place of an error of the reader, as the message tells it.
-ReportMessage locate(const QString& text, const Report& report)
+/// A message with the place that it speaks of: that of the failure, or the file of the pass where a
+/// file that goes with it could not be opened.
+ReportMessage located(const ImportMessage& message, const ImportOptions& options)
 {
-    static const QRegularExpression place(
-        QStringLiteral("(?:строки:|строке:|стоке) (\\d+)\\.?(?: |$)"));
-    static const QRegularExpression midRow(QStringLiteral("обозначения (точки|объекта)|данных"));
-    const FileSurvey& surveyed =
-        report.surveys.last().stopped ? report.surveys.last() : report.surveys.first();
-    ReportMessage message{ text, surveyed.fileName, place.match(text).captured(1).toInt() };
-    if (message.line == 0)
-        return message;
-    if (midRow.match(text).hasMatch())
-        message.fileName = message.fileName.chopped(1) + QLatin1Char('d');
-    // The reader counts on when it reads a drawing a second time.
-    else if (surveyed.lineCount > 0 && message.line > surveyed.lineCount + 1)
-        message.line -= surveyed.lineCount;
-    return message;
+    const std::optional<ImportFailure>& failure = message.failure;
+    if (!failure || failure->kind == FailureKind::FileNotOpened)
+        return { message.text, options.objectFileName, 0 };
+    if (failure->kind == FailureKind::MidNotOpened) {
+        const bool isOfPoints =
+            message.pass == ImportPass::Points && !options.pointFileName.isEmpty();
+        return { message.text, isOfPoints ? options.pointFileName : options.objectFileName, 0 };
+    }
+    return { message.text, failure->fileName, failure->number > 0 ? failure->line : 0 };
+}
+
+/// Says why nothing came of a file that was read to its end, where no cause says it yet.
+void explainEmptyResult(FileSurvey& survey)
+{
+    const bool explained =
+        std::any_of(survey.causes.cbegin(), survey.causes.cend(), [](const FoundCause& found) {
+            return found.cause == Cause::BlockInsertsOnly || found.cause == Cause::NoData
+                || found.cause == Cause::EmptyFile;
+        });
+    if (explained)
+        return;
+    if (survey.kinds.empty()) {
+        survey.causes.append({ Cause::NothingInside, survey.fileName, 0, {}, 0 });
+        return;
+    }
+    QStringList kinds;
+    for (const auto& [name, kind] : survey.kinds)
+        kinds.append(QStringLiteral("%1 - %2").arg(QString::fromStdString(name)).arg(kind.count));
+    survey.causes.append({ Cause::NoObjects, survey.fileName, 0,
+        QStringLiteral("в нём только ") + kinds.join(QLatin1String(", ")), 0 });
 }
 
 /// A catalogue lists the northing before the easting.
@@ -86,16 +91,16 @@ Report makeReport(const Format& format, const ImportOptions& options, const Geom
     const ImportRun import = runImport(format, options);
     report.unreadable = !isReadable(fileName);
     if (report.unreadable) {
-        for (const QString& message : import.messages)
-            report.messages.append({ message, fileName, 0 });
+        for (const ImportMessage& message : import.messages)
+            report.messages.append({ message.text, fileName, 0 });
         return report;
     }
-    report.surveys = surveyFiles(format, options);
-    if (import.objects.isEmpty())
+    report.surveys = surveyFiles(format, options, import);
+    if (import.objects.isEmpty() && !import.stopped(true) && !import.stopped(false))
         explainEmptyResult(report.surveys.first());
     judgeAxes(report, import.objects, columns);
-    for (const QString& message : import.messages)
-        report.messages.append(locate(message, report));
+    for (const ImportMessage& message : import.messages)
+        report.messages.append(located(message, options));
     report.objectCount = import.objects.size();
     for (const DefPolygon& object : import.objects) {
         report.defs.append(object.def);
@@ -104,6 +109,6 @@ Report makeReport(const Format& format, const ImportOptions& options, const Geom
     }
     report.conflicts = findPointConflicts(import.objects);
     report.duplicates = findDuplicateDefs(import.objects);
-    report.incomplete = findIncompleteObjects(import.objects, report.surveys.first().shapes);
+    report.incomplete = findIncompleteObjects(import.objects, import.shapes);
     return report;
 }

@@ -11,7 +11,7 @@
 struct ReportMessage {
     QString text;
     QString fileName;
-    int line; ///< 0 when it names none
+    int line; ///< one-based; 0 when it names none
 };
 
 /// All that a check finds out about a file.

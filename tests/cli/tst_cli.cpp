@@ -704,6 +704,22 @@ private slots:
         QCOMPARE(message.value(QLatin1String("line")).toInt(), 14);
     }
 
+    void placesInAFolderLikeAMessage()
+    {
+        const Folder folder;
+        const QString name = QStringLiteral("строке: 7 x");
+        QVERIFY(QDir(folder.path()).mkdir(name));
+        folder.write(name + QStringLiteral("/a.mif"), "Version 300\n");
+        const QJsonObject report = reportOf(
+            runCommand(words({ "check", "--json" }) + QStringList(name + QStringLiteral("/a.mif")),
+                folder.path()));
+        const QJsonObject message =
+            report.value(QLatin1String("messages")).toArray().first().toObject();
+        QCOMPARE(message.value(QLatin1String("text")).toString(),
+            QStringLiteral("Ошибка. Файл строке: 7 x/a.mif не соответствует формату MIF"));
+        QVERIFY(!message.contains(QLatin1String("line")));
+    }
+
     void lineOfAMidRow()
     {
         const Folder folder;
