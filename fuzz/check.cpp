@@ -1,33 +1,22 @@
 #include "geometry/conflicts.h"
-#include "import/dxfimport.h"
-#include "import/mifimport.h"
+#include "import/formats.h"
 #include "importing.h"
-#include "survey/filesurvey.h"
-#include "survey/findings.h"
+#include "survey/report.h"
 
 namespace {
 
-template <typename Importer>
-ImportOutcome importAlone(const ImportOptions& options, const QString& fileName)
+void requireSoundSurvey(const FileSurvey& survey, int lineCount)
 {
-    Importer importer;
-    prepare(importer, options, fileName);
-    return run(importer);
-}
-
-void requireSoundSurvey(const FileSurvey& survey, const QByteArray& text)
-{
-    // The second line of the last pair may be missing.
-    require(survey.lineCount >= 0 && survey.lineCount <= text.count('\n') + 2,
-        "no more lines are counted than there are");
-    for (const auto& kind : survey.kinds) {
-        require(kind.second.read >= 0 && kind.second.read <= kind.second.count
-                && kind.second.count <= survey.lineCount,
-            "of each kind no more are read than there are");
+    for (const auto& [name, kind] : survey.kinds) {
+        require(!name.empty(), "a kind has a name");
+        require(kind.count >= 0 && kind.read >= 0 && kind.count <= lineCount,
+            "of each kind there are no more than lines");
     }
     for (const FoundCause& found : survey.causes) {
         require(!causeId(found.cause).isEmpty(), "a cause has a name");
-        require(found.line >= 0 && found.line <= survey.lineCount + 1, "a cause is in the file");
+        require(!causeText(found).isEmpty() && !remedyText(found).isEmpty(),
+            "a cause has a text and a remedy");
+        require(found.line >= 0 && found.line <= lineCount + 1, "a cause is in the file");
     }
 }
 
@@ -58,23 +47,25 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const TempFiles folder;
     const PackedInput input(data, size);
-    const ImportOptions options = input.options();
-    SurveyOptions told;
-    told.encoding = options.encoding;
-    told.searchObjectDefs = options.searchObjectDefs;
-    told.searchPointDefs = options.searchPointDefs;
-    told.readsPoints = !input.has('f');
+    ImportOptions options = input.options();
     const bool isDxf = input.has('d');
-    const QString fileName = writeText(
+    options.objectFileName = writeText(
         folder, isDxf ? QStringLiteral("plan.dxf") : QStringLiteral("plan.mif"), input.text(0));
+    if (input.has('f')) {
+        options.pointFileName =
+            writeText(folder, isDxf ? QStringLiteral("p.dxf") : QStringLiteral("p.mif"), "");
+    }
     if (!isDxf)
         writeText(folder, QStringLiteral("plan.mid"), input.text(1));
 
-    FileSurvey survey = isDxf ? surveyDxf(fileName, told) : surveyMif(fileName, told);
-    const ImportOutcome outcome = isDxf ? importAlone<DxfImport>(options, fileName)
-                                        : importAlone<MifImport>(options, fileName);
-    explainEmptyResult(survey);
-    requireSoundSurvey(survey, input.text(0));
-    requireSoundFindings(outcome.objects, survey.shapes);
+    const Format& format = *formatOfFile(options.objectFileName);
+    const Report report = makeReport(format, options, GeometryInfo());
+    // Lines may end at a line feed of any encoding, and the second line of a pair may be missing.
+    const int lineCount = input.text(0).count('\n') + input.text(1).count('\n') + 3;
+    for (const FileSurvey& survey : report.surveys)
+        requireSoundSurvey(survey, lineCount);
+    const ImportRun import = runImport(format, options);
+    require(report.objectCount == import.objects.size(), "the report tells what was imported");
+    requireSoundFindings(import.objects, import.shapes);
     return 0;
 }

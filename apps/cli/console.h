@@ -1,8 +1,7 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
-
-class QTextCodec;
 
 /// What the program ends with.
 enum ExitStatus {
@@ -18,26 +17,26 @@ struct Failure {
     QString text;
 };
 
-/// Writes a line to standard error.
+/// Whether a terminal, or the eye, takes a character for something else than itself.
+bool isDeceptive(uint character);
+
+/// `text` as a terminal may be given it: what would steer it, or change what the rest of the line
+/// looks like, becomes a picture or an escape, a byte of a file name that is no text "\xNN".
+QString printable(const QString& text);
+
+/// Writes a line to standard error, made printable.
 void printError(const QString& text);
 
 /// Writes a line about a file to standard error.
 void printMessage(const QString& fileName, const QString& text);
 
 /// Without a locale (in a job or a container) arguments, file names and messages would be limited
-/// to ASCII: makes them UTF-8. The default encoding of the imported files stays what it was.
+/// to ASCII: makes them UTF-8. Names of files that are no UTF-8 keep their bytes all the same. The
+/// default encoding of the imported files stays what it was.
 void enableCyrillic();
 
 /// The name of the codec that the locale had at first.
 QByteArray systemEncoding();
 
-/// Makes the codec that the locale had at first that of the locale again, as long as it lives.
-class SystemCodecScope {
-public:
-    SystemCodecScope();
-    ~SystemCodecScope();
-    Q_DISABLE_COPY(SystemCodecScope)
-
-private:
-    QTextCodec* m_current;
-};
+/// Whether this process may open so many more files.
+bool canOpenFiles(int count);

@@ -1,15 +1,15 @@
 #include "commands.h"
 #include "geometry/designation.h"
-#include "importoptions.h"
+#include "importarguments.h"
 #include "jobs.h"
 #include "outputfile.h"
 #include "resultwriter.h"
+#include "standardinput.h"
+#include "targets.h"
 
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
-#include <QHash>
-#include <QSet>
 #include <QXmlStreamWriter>
 
 namespace {
@@ -19,7 +19,7 @@ constexpr int maxFieldColumn = 20;
 
 const QString standardOutput = QStringLiteral("-");
 
-QList<QCommandLineOption> convertOptions()
+QList<QCommandLineOption> convertCommandLineOptions()
 {
     return {
         { { QStringLiteral("o"), QStringLiteral("output") },
@@ -93,39 +93,14 @@ void makeEncodable(QVector<DefPolygon>& objects)
     }
 }
 
-void writeXml(const QString& target, QVector<DefPolygon>& objects, const ResultOptions& options)
-{
-    makeEncodable(objects);
-    OutputFile out(target);
-    QXmlStreamWriter writer(&out);
-    writer.setAutoFormatting(true);
-    writeResult(writer, objects, options);
-    out.commit();
-}
-
-ExitStatus convertFile(
-    const QString& fileName, const QString& target, const QCommandLineParser& parser)
-{
-    OutputFile::checkPlace(target);
-    Import import = runImport(fileName, readImportArguments(parser));
-    for (const QString& message : qAsConst(import.messages))
-        printMessage(fileName, message);
-    const bool failed = !import.messages.isEmpty();
-    if (failed && !parser.isSet(QStringLiteral("partial")))
-        return Failed;
-    if (parser.isSet(QStringLiteral("sort")))
-        sortObjects(import.objects);
-    writeXml(target, import.objects, readResultOptions(parser));
-    return failed ? Failed : Done;
-}
-
 QString targetIn(const QString& folder, const QString& fileName)
 {
     return QDir(folder).filePath(QFileInfo(fileName).completeBaseName() + QStringLiteral(".xml"));
 }
 
-QStringList targetsOf(const QStringList& files, const QCommandLineParser& parser)
+QStringList readTargets(const QCommandLineParser& parser)
 {
+    const QStringList files = parser.positionalArguments();
     const QString output = parser.value(QStringLiteral("output"));
     const QString folder = parser.value(QStringLiteral("out-dir"));
     for (const char* option : { "output", "out-dir" }) {
@@ -146,83 +121,100 @@ QStringList targetsOf(const QStringList& files, const QCommandLineParser& parser
     return targets;
 }
 
-/// No result may take the place of another one or of a file that is read.
-void checkTargets(const QStringList& files, const QStringList& targets, const QString& pointFile)
+/// What the command line asks for.
+struct ConvertOptions {
+    QVector<ImportTask> tasks;
+    QStringList targets; ///< of the files, in their order
+    ResultOptions result;
+    bool partial = false;
+    bool sort = false;
+    int jobs = 1;
+    QStringList forwarded; ///< the options that each process for one file gets
+};
+
+ConvertOptions readConvertOptions(const QCommandLineParser& parser)
 {
-    QSet<QString> sources;
-    const QStringList named = pointFile.isEmpty() ? files : files + QStringList(pointFile);
-    for (const QString& file : named) {
-        sources.insert(QFileInfo(file).canonicalFilePath());
-        sources.insert(QFileInfo(file.chopped(1) + QLatin1Char('d')).canonicalFilePath());
-    }
-    sources.remove(QString());
-    QHash<QString, QString> fileOfTarget;
-    for (int i = 0; i < files.size(); ++i) {
-        const QString& target = targets.at(i);
-        QString& file = fileOfTarget[target];
-        if (!file.isEmpty()) {
-            throw Failure{ WrongUsage,
-                QStringLiteral("файлы %1 и %2 дали бы один результат %3")
-                    .arg(file, files.at(i), target) };
-        }
-        file = files.at(i);
-        if (sources.contains(QFileInfo(target).canonicalFilePath())) {
-            throw Failure{ WrongUsage,
-                QStringLiteral("%1: результат заменил бы исходный файл").arg(target) };
-        }
-    }
+    ConvertOptions options;
+    options.targets = readTargets(parser);
+    options.tasks = readImportTasks(parser);
+    checkTargets(options.tasks, options.targets);
+    options.result = readResultOptions(parser);
+    options.partial = parser.isSet(QStringLiteral("partial"));
+    options.sort = parser.isSet(QStringLiteral("sort"));
+    options.jobs = readNumber(parser, QStringLiteral("jobs"), 1, maxJobs);
+    options.forwarded = forwardedArguments(parser, convertCommandLineOptions(),
+        { QStringLiteral("output"), QStringLiteral("out-dir"), QStringLiteral("jobs") });
+    return options;
+}
+
+void writeXml(const QString& target, QVector<DefPolygon>& objects, const ResultOptions& options)
+{
+    makeEncodable(objects);
+    OutputFile out(target);
+    QXmlStreamWriter writer(&out);
+    writer.setAutoFormatting(true);
+    writeResult(writer, objects, options);
+    out.commit();
+}
+
+ExitStatus convertFile(const ConvertOptions& options)
+{
+    const ImportTask& task = options.tasks.first();
+    const QString& target = options.targets.first();
+    OutputFile::checkPlace(target);
+    spoolStandardInput(task.fileName());
+    ImportRun import = runImport(*task.format, task.options);
+    for (const ImportMessage& message : qAsConst(import.messages))
+        printMessage(task.fileName(), message.text);
+    const bool failed = !import.messages.isEmpty();
+    if (failed && !options.partial)
+        return Failed;
+    if (options.sort)
+        sortObjects(import.objects);
+    writeXml(target, import.objects, options.result);
+    return failed ? Failed : Done;
 }
 
 QString outcome(const JobResult& result, const QString& target)
 {
-    if (result.crashed)
-        return QStringLiteral("обработка прервалась аварийно");
+    if (!result.exited())
+        return result.trouble(QStringLiteral("обработка"));
     return result.status == Done ? QStringLiteral("записано в %1").arg(target)
                                  : QStringLiteral("с ошибками");
 }
 
 /// Every file in a process of its own: what goes wrong with one costs only that one.
-ExitStatus convertFiles(
-    const QStringList& files, const QStringList& targets, const QCommandLineParser& parser)
+ExitStatus convertFiles(const ConvertOptions& options)
 {
-    OutputFile::checkPlace(targets.first());
+    OutputFile::checkPlace(options.targets.first());
     QList<QStringList> argumentLists;
-    const QStringList common = forwardedArguments(parser, convertOptions(),
-        { QStringLiteral("output"), QStringLiteral("out-dir"), QStringLiteral("jobs") });
-    for (int i = 0; i < files.size(); ++i) {
-        argumentLists.append(QStringList{ QStringLiteral("convert") } + common
-            + QStringList{
-                QStringLiteral("--output=") + targets.at(i), QStringLiteral("--"), files.at(i) });
+    for (int i = 0; i < options.tasks.size(); ++i) {
+        argumentLists.append(QStringList{ QStringLiteral("convert") } + options.forwarded
+            + QStringList{ QStringLiteral("--output=") + options.targets.at(i),
+                QStringLiteral("--"), options.tasks.at(i).fileName() });
     }
-    const int jobCount = readNumber(parser, QStringLiteral("jobs"), 1, maxJobs);
     int failures = 0;
-    runJobs(argumentLists, jobCount, [&](int index, const JobResult& result, Progress& progress) {
-        progress.print(result.errors);
-        progress.print(files.at(index) + QStringLiteral(": ") + outcome(result, targets.at(index)));
-        failures += result.crashed || result.status != Done ? 1 : 0;
-    });
+    runJobs(
+        argumentLists, options.jobs, [&](int index, const JobResult& result, Progress& progress) {
+            progress.print(result.errors);
+            progress.print(options.tasks.at(index).fileName() + QStringLiteral(": ")
+                + outcome(result, options.targets.at(index)));
+            failures += !result.exited() || result.status != Done ? 1 : 0;
+        });
     printError(QStringLiteral("Всего файлов: %1, записано: %2, с ошибками: %3")
-                   .arg(files.size())
-                   .arg(files.size() - failures)
+                   .arg(options.tasks.size())
+                   .arg(options.tasks.size() - failures)
                    .arg(failures));
     return failures == 0 ? Done : Failed;
 }
 
 ExitStatus runConvert(const QCommandLineParser& parser)
 {
-    const QStringList files = parser.positionalArguments();
-    const QStringList targets = targetsOf(files, parser);
-    const ImportArguments arguments = readImportArguments(parser);
-    for (const QString& file : files)
-        arguments.formatOf(file);
-    checkTargets(files, targets, arguments.options.pointFileName);
-    readResultOptions(parser);
-    readNumber(parser, QStringLiteral("jobs"), 1, maxJobs);
-    return files.size() == 1 ? convertFile(files.first(), targets.first(), parser)
-                             : convertFiles(files, targets, parser);
+    const ConvertOptions options = readConvertOptions(parser);
+    return options.tasks.size() == 1 ? convertFile(options) : convertFiles(options);
 }
 
 } // namespace
 
 const Command convertCommand{ "convert", "ФАЙЛ... [-o ФАЙЛ | --out-dir ПАПКА] [параметры]",
-    "Записать результат импорта в XML.", convertOptions, runConvert, false };
+    "Записать результат импорта в XML.", convertCommandLineOptions, runConvert, false };

@@ -13,7 +13,14 @@ constexpr int maxJobs = 256;
 
 /// What became of a process of this program.
 struct JobResult {
-    bool crashed = false;
+    enum End { Exited, Crashed, NotStarted };
+
+    /// Whether it ended by itself, with a status.
+    bool exited() const { return end == Exited; }
+    /// What to say of one that did not; `work` is what it was doing.
+    QString trouble(const QString& work) const;
+
+    End end = Exited;
     int status = 0;
     QByteArray output; ///< what it wrote to standard output
     QByteArray errors; ///< what it wrote to standard error

@@ -1,5 +1,5 @@
 #include "commands.h"
-#include "importoptions.h"
+#include "importarguments.h"
 #include "interrupt.h"
 #include "outputfile.h"
 
@@ -151,10 +151,16 @@ std::unique_ptr<QCoreApplication> makeApplication(bool needsGui, int& argc, char
 
 int main(int argc, char** argv)
 {
+    enableCyrillic();
+    // Libraries end the program without a word where they cannot open theirs.
+    constexpr int filesAtLeast = 8;
+    if (!canOpenFiles(filesAtLeast)) {
+        printError(QStringLiteral("importgeometry: слишком мало файлов можно открыть (ulimit -n)"));
+        return Failed;
+    }
     Interrupt::install();
     const Command* const command = findCommand(argc > 1 ? argv[1] : nullptr);
     const auto application = makeApplication(command && command->needsGui, argc, argv);
-    enableCyrillic();
     ParserTexts texts;
     QCoreApplication::installTranslator(&texts);
     try {

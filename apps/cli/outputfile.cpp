@@ -72,30 +72,36 @@ QString shownName(const QString& fileName)
     fail(fileName, QStringLiteral("не удаётся создать файл"), error);
 }
 
-std::unique_ptr<QFileDevice> openOutput(const QString& fileName)
+/// A device or a named pipe must be written to, not be replaced by a file.
+bool isReplaced(const QString& fileName)
 {
-    if (fileName == QLatin1String("-")) {
-        auto file = std::make_unique<QFile>();
-        return file->open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered)
-            ? std::move(file)
-            : nullptr;
-    }
     const QFileInfo info(fileName);
-    std::unique_ptr<QFileDevice> file;
-    // A device or a named pipe must be written to, not be replaced by a file.
-    if (info.exists() && !info.isFile() && !info.isDir())
-        file = std::make_unique<QFile>(fileName);
-    else
-        file = std::make_unique<QSaveFile>(fileName);
-    return file->open(QIODevice::WriteOnly | QIODevice::Unbuffered) ? std::move(file) : nullptr;
+    return fileName != QLatin1String("-") && (!info.exists() || info.isFile() || info.isDir());
+}
+
+std::unique_ptr<QFileDevice> openOutput(const QString& fileName, bool replaced)
+{
+    constexpr auto mode = QIODevice::WriteOnly | QIODevice::Unbuffered;
+    if (replaced) {
+        auto file = std::make_unique<QSaveFile>(fileName);
+        return file->open(mode) ? std::move(file) : nullptr;
+    }
+    const bool isStandard = fileName == QLatin1String("-");
+    auto file = std::make_unique<QFile>(fileName);
+    return (isStandard ? file->open(STDOUT_FILENO, mode) : file->open(mode)) ? std::move(file)
+                                                                             : nullptr;
 }
 
 } // namespace
 
 OutputFile::OutputFile(const QString& fileName)
     : m_fileName(fileName)
-    , m_file(openOutput(fileName))
 {
+    const bool replaced = isReplaced(fileName);
+    // Opening a pipe takes as long as nobody reads it; a signal must end that.
+    if (replaced)
+        m_deferral.emplace();
+    m_file = openOutput(fileName, replaced);
     if (!m_file) {
         const int error = placeError(fileName);
         failToOpen(fileName, error != 0 ? error : EACCES);

@@ -5,6 +5,7 @@
 #include <QIODevice>
 
 #include <memory>
+#include <optional>
 
 class QFileDevice;
 
@@ -32,7 +33,7 @@ private:
     void flushBuffer();
 
     // Made first and destroyed last: no signal ends the program while there is a temporary file.
-    Interrupt::Deferral m_deferral;
+    std::optional<Interrupt::Deferral> m_deferral;
     QString m_fileName;
     std::unique_ptr<QFileDevice> m_file;
     QByteArray m_buffer;

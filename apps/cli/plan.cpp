@@ -1,21 +1,19 @@
 #include "commands.h"
-#include "importoptions.h"
+#include "importarguments.h"
 #include "outputfile.h"
-#include "plan/plancanvas.h"
-#include "plan/planpainter.h"
+#include "plan/planfile.h"
+#include "standardinput.h"
+#include "targets.h"
 
-#include <QBuffer>
 #include <QCommandLineParser>
 #include <QFileInfo>
-#include <QImage>
-#include <QImageWriter>
-#include <QPainter>
+#include <QSize>
 
 namespace {
 
 constexpr int maxSide = 20000;
 
-QList<QCommandLineOption> planOptions()
+QList<QCommandLineOption> planCommandLineOptions()
 {
     return {
         { { QStringLiteral("o"), QStringLiteral("output") },
@@ -40,70 +38,76 @@ QSize readSize(const QCommandLineParser& parser)
         parseNumber(sides.at(1), what, 200, maxSide) };
 }
 
-void writeSvg(
-    OutputFile& out, const QSize& size, const QVector<DefPolygon>& objects, const QString& title)
+PlanFormat readPlanFormat(const QString& target)
 {
-    SvgCanvas canvas(out, size, title);
-    PlanPainter(objects).paint(canvas, size, title);
+    const QString suffix = QFileInfo(target).suffix().toLower();
+    if (suffix == QLatin1String("svg"))
+        return PlanFormat::Svg;
+    if (suffix == QLatin1String("png"))
+        return PlanFormat::Png;
+    throw Failure{ WrongUsage,
+        QStringLiteral("укажите файл рисунка: -o ФАЙЛ.svg или -o ФАЙЛ.png") };
 }
 
-void writePng(
-    OutputFile& out, const QSize& size, const QVector<DefPolygon>& objects, const QString& title)
+/// What the command line asks for.
+struct PlanOptions {
+    QVector<ImportTask> tasks;
+    QString target;
+    PlanFormat format = PlanFormat::Svg;
+    QSize size;
+    bool partial = false;
+};
+
+PlanOptions readPlanOptions(const QCommandLineParser& parser)
 {
-    QImage image(size, QImage::Format_RGB32);
-    if (image.isNull())
-        throw Failure{ Failed, QStringLiteral("для рисунка такого размера не хватает памяти") };
-    {
-        QPainter painter(&image);
-        PainterCanvas canvas(painter);
-        PlanPainter(objects).paint(canvas, size, title);
-    }
-    QImageWriter(&out, "png").write(image);
+    PlanOptions options;
+    options.target = parser.value(QStringLiteral("output"));
+    options.format = readPlanFormat(options.target);
+    options.size = readSize(parser);
+    options.tasks = readImportTasks(parser);
+    checkTargets(options.tasks, { options.target });
+    options.partial = parser.isSet(QStringLiteral("partial"));
+    return options;
 }
 
-QString titleOf(const QStringList& files)
+QString titleOf(const QVector<ImportTask>& tasks)
 {
     QStringList names;
-    for (const QString& file : files)
-        names.append(QFileInfo(file).fileName());
+    for (const ImportTask& task : tasks)
+        names.append(QFileInfo(task.fileName()).fileName());
     return names.join(QLatin1String(", "));
+}
+
+void writePicture(const PlanOptions& options, const QVector<DefPolygon>& objects)
+{
+    OutputFile out(options.target);
+    if (!writePlan(out, options.format, options.size, objects, titleOf(options.tasks)))
+        throw Failure{ Failed, QStringLiteral("для рисунка такого размера не хватает памяти") };
+    out.commit();
 }
 
 ExitStatus runPlan(const QCommandLineParser& parser)
 {
-    const QStringList files = parser.positionalArguments();
-    const QString target = parser.value(QStringLiteral("output"));
-    const QString kind = QFileInfo(target).suffix().toLower();
-    if (kind != QLatin1String("svg") && kind != QLatin1String("png")) {
-        throw Failure{ WrongUsage,
-            QStringLiteral("укажите файл рисунка: -o ФАЙЛ.svg или -o ФАЙЛ.png") };
-    }
-    const QSize size = readSize(parser);
-    const ImportArguments arguments = readImportArguments(parser);
-    for (const QString& file : files)
-        arguments.formatOf(file);
-    OutputFile::checkPlace(target);
+    const PlanOptions options = readPlanOptions(parser);
+    OutputFile::checkPlace(options.target);
 
     QVector<DefPolygon> objects;
     bool failed = false;
-    for (const QString& file : files) {
-        const Import import = runImport(file, arguments);
+    for (const ImportTask& task : options.tasks) {
+        spoolStandardInput(task.fileName());
+        const ImportRun import = runImport(*task.format, task.options);
         objects += import.objects;
         failed = failed || !import.messages.isEmpty();
-        for (const QString& message : import.messages)
-            printMessage(file, message);
+        for (const ImportMessage& message : import.messages)
+            printMessage(task.fileName(), message.text);
     }
-    if (failed && !parser.isSet(QStringLiteral("partial")))
+    if (failed && !options.partial)
         return Failed;
-
-    OutputFile out(target);
-    const auto write = kind == QLatin1String("svg") ? writeSvg : writePng;
-    write(out, size, objects, titleOf(files));
-    out.commit();
+    writePicture(options, objects);
     return failed ? Failed : Done;
 }
 
 } // namespace
 
 const Command planCommand{ "plan", "ФАЙЛ... -o ФАЙЛ.svg|ФАЙЛ.png [параметры]",
-    "Нарисовать план объектов.", planOptions, runPlan, true };
+    "Нарисовать план объектов.", planCommandLineOptions, runPlan, true };

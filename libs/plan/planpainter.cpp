@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -41,13 +42,14 @@ PlanSpace::PlanSpace(const QSizeF& size)
 
 bool PlanSpace::take(const QRectF& rect)
 {
-    const auto cellOf = [](double value) { return static_cast<int>(std::floor(value / cell)); };
+    if (!(rect.left() >= 0 && rect.top() >= 0 && rect.right() < m_columns * cell
+            && rect.bottom() < m_rows * cell))
+        return false;
+    const auto cellOf = [](double value) { return static_cast<int>(value / cell); };
     const int left = cellOf(rect.left());
     const int right = cellOf(rect.right());
     const int top = cellOf(rect.top());
     const int bottom = cellOf(rect.bottom());
-    if (left < 0 || top < 0 || right >= m_columns || bottom >= m_rows)
-        return false;
     const auto begin = [&](int row) { return m_cells.begin() + row * m_columns + left; };
     const int width = right - left + 1;
     for (int row = top; row <= bottom; ++row) {
@@ -102,11 +104,12 @@ void PlanPainter::findExtent()
 void PlanPainter::fit(const QRectF& frame)
 {
     constexpr double used = 0.9;
-    const double width = m_maxX - m_minX;
-    const double height = m_maxY - m_minY;
-    m_scale = 1;
-    if (width > 0 || height > 0)
-        m_scale = used * std::min(frame.width() / width, frame.height() / height);
+    // Halves, since a difference of large coordinates may leave the range of numbers; an extent at
+    // the other end of the range, or none, would ask for a scale beyond it.
+    const double halfWidth = m_maxX / 2 - m_minX / 2;
+    const double halfHeight = m_maxY / 2 - m_minY / 2;
+    m_scale = std::min({ used * frame.width() / 2 / halfWidth,
+        used * frame.height() / 2 / halfHeight, std::numeric_limits<double>::max() });
 }
 
 QPointF PlanPainter::toPicture(double x, double y) const

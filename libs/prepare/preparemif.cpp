@@ -123,7 +123,9 @@ bool prepareMif(MifPair pair, const PrepareOptions& options, QIODevice& mifOut, 
     PrepareReport midReport;
     const SourceText mid = sourceText(pair.mid.value_or(QByteArray()), options, {}, midReport);
     PrepareOptions mifOptions = options;
-    const bool midTells = pair.mid && !EncodingGuess(view(*pair.mid)).isAscii();
+    EncodingGuess midGuess;
+    midGuess.add(view(pair.mid.value_or(QByteArray())));
+    const bool midTells = !midGuess.codecName().isEmpty();
     if (midTells) {
         mifOptions.fromEncoding = midReport.sourceEncoding;
         mifOptions.encoding = midReport.encoding;

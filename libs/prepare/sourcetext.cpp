@@ -14,6 +14,34 @@ const QTextCodec* codecOf(const QByteArray& name)
     return codec ? codec : QTextCodec::codecForName("UTF-8");
 }
 
+QByteArray wideCodec(std::string_view bytes)
+{
+    return utf16WithoutMark(bytes.substr(0, EncodingGuess::sampleSize));
+}
+
+QByteArray likelyCodec(std::string_view bytes)
+{
+    const QByteArray wide = wideCodec(bytes);
+    if (!wide.isEmpty())
+        return wide;
+    EncodingGuess guess;
+    guess.add(bytes);
+    return guess.codecName();
+}
+
+/// `bytes` without a byte-order mark, and as UTF-8 if they are UTF-16 or UTF-32.
+QByteArray asUtf8(const QByteArray& bytes)
+{
+    constexpr int utf8MarkSize = 3;
+    const QByteArray mark = codecOfMark(view(bytes));
+    const QByteArray name = mark.isEmpty() ? wideCodec(view(bytes)) : mark;
+    if (name.isEmpty())
+        return bytes;
+    if (name == "UTF-8")
+        return bytes.mid(utf8MarkSize);
+    return codecOf(name)->toUnicode(bytes).toUtf8();
+}
+
 } // namespace
 
 SourceText sourceText(const QByteArray& bytes, const PrepareOptions& options,

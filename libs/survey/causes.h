@@ -20,6 +20,7 @@ enum class Cause {
     NoData,
     MidOtherCase,
     MidMissing,
+    MidUnreadable,
     MidBlankRow,
     MidTooShort,
     MidTooLong,

@@ -1,9 +1,5 @@
 #include "survey/encodingguess.h"
 
-#include <QTextCodec>
-
-#include <algorithm>
-
 namespace {
 
 using Byte = unsigned char;
@@ -30,92 +26,104 @@ int continuationCount(Byte lead)
     return lead >= 0xF0 && lead < 0xF5 ? 3 : -1;
 }
 
-bool isUtf8(std::string_view bytes)
+/// Whether a byte stands among Latin letters alone.
+bool isAmongLatin(char before, char after)
 {
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        int count = continuationCount(static_cast<Byte>(bytes[i]));
-        if (count < 0)
-            return false;
-        for (; count > 0; --count) {
-            if (++i == bytes.size() || (static_cast<Byte>(bytes[i]) & 0xC0) != 0x80)
-                return false;
-        }
-    }
-    return true;
+    return !isHigh(before) && !isHigh(after) && (isLatinLetter(before) || isLatinLetter(after));
 }
 
-/// Texts of mostly ASCII characters in UTF-16 have a zero in every other byte.
-QByteArray utf16WithoutMark(std::string_view bytes)
+/// Whether a text may hold a character of this number: no control, but for white space and the mark
+/// of the end.
+bool isOfText(unsigned character)
 {
-    constexpr size_t sampleSize = 1024;
-    const std::string_view sample = bytes.substr(0, sampleSize);
-    size_t zeros[2] = { 0, 0 };
-    for (size_t i = 0; i < sample.size(); ++i)
-        zeros[i % 2] += sample[i] == '\0' ? 1 : 0;
-    if (zeros[1] > sample.size() / 4)
-        return "UTF-16LE";
-    return zeros[0] > sample.size() / 4 ? "UTF-16BE" : QByteArray();
+    constexpr unsigned endOfFile = 0x1A;
+    return character >= ' ' || (character >= '\t' && character <= '\r') || character == endOfFile;
+}
+
+/// Whether the pairs of bytes read as UTF-16 are a text of mostly Latin-1 characters; `high` is the
+/// place of the high byte in a pair.
+bool isUtf16(std::string_view start, size_t high)
+{
+    size_t zeros = 0;
+    for (size_t i = 0; i + 1 < start.size(); i += 2) {
+        const unsigned upper = static_cast<Byte>(start[i + high]);
+        const unsigned lower = static_cast<Byte>(start[i + 1 - high]);
+        if (!isOfText(upper * 0x100 + lower))
+            return false;
+        zeros += upper == 0 ? 1 : 0;
+    }
+    return zeros > start.size() / 4;
 }
 
 } // namespace
 
-EncodingGuess::EncodingGuess(std::string_view bytes)
-    : m_isUtf8(isUtf8(bytes))
+void EncodingGuess::add(std::string_view bytes)
 {
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        if (isHigh(bytes[i]))
-            countHighByte(bytes, i);
+    for (const char byte : bytes) {
+        if (isHigh(m_last))
+            countHighByte(m_before, m_last, byte);
+        followSequence(byte);
+        m_before = m_last;
+        m_last = byte;
     }
 }
 
-void EncodingGuess::countHighByte(std::string_view bytes, size_t index)
+void EncodingGuess::followSequence(char byte)
 {
-    const Byte byte = static_cast<Byte>(bytes[index]);
+    if (m_continuations > 0) {
+        m_isUtf8 = m_isUtf8 && (static_cast<Byte>(byte) & 0xC0) == 0x80;
+        --m_continuations;
+        return;
+    }
+    m_continuations = continuationCount(static_cast<Byte>(byte));
+    m_isUtf8 = m_isUtf8 && m_continuations >= 0;
+}
+
+void EncodingGuess::countHighByte(char before, char last, char after)
+{
+    const Byte byte = static_cast<Byte>(last);
     ++m_highBytes;
     m_cyrillic1251 += byte >= 0xC0 ? 1 : 0;
     m_cyrillic866 += byte < 0xB0 || (byte >= 0xE0 && byte < 0xF2) ? 1 : 0;
-    const char before = index > 0 ? bytes[index - 1] : ' ';
-    const char after = index + 1 < bytes.size() ? bytes[index + 1] : ' ';
-    if (!isHigh(before) && !isHigh(after) && (isLatinLetter(before) || isLatinLetter(after)))
-        ++m_amongLatin;
+    m_amongLatin += isAmongLatin(before, after) ? 1 : 0;
 }
 
 QByteArray EncodingGuess::codecName() const
 {
-    if (isAscii())
+    EncodingGuess whole(*this);
+    // What stands last has nothing behind it.
+    whole.add(" ");
+    if (whole.m_highBytes == 0)
         return {};
-    if (m_isUtf8)
+    if (whole.m_isUtf8 && m_continuations == 0)
         return "UTF-8";
-    if (m_amongLatin * 2 > m_highBytes)
+    if (whole.m_amongLatin * 2 > whole.m_highBytes)
         return "Windows-1252";
-    return m_cyrillic866 > m_cyrillic1251 ? "IBM866" : "Windows-1251";
-}
-
-QByteArray likelyCodec(std::string_view bytes)
-{
-    const QByteArray utf16 = utf16WithoutMark(bytes);
-    return utf16.isEmpty() ? EncodingGuess(bytes).codecName() : utf16;
+    return whole.m_cyrillic866 > whole.m_cyrillic1251 ? "IBM866" : "Windows-1251";
 }
 
 QByteArray codecOfMark(std::string_view bytes)
 {
-    const auto startsWith = [bytes](std::string_view mark) {
-        return bytes.substr(0, mark.size()) == mark;
+    static constexpr struct {
+        std::string_view mark;
+        const char* codec;
+    } marks[] = {
+        { { "\xEF\xBB\xBF", 3 }, "UTF-8" },
+        { { "\xFF\xFE\0\0", 4 }, "UTF-32LE" },
+        { { "\0\0\xFE\xFF", 4 }, "UTF-32BE" },
+        { { "\xFF\xFE", 2 }, "UTF-16LE" },
+        { { "\xFE\xFF", 2 }, "UTF-16BE" },
     };
-    if (startsWith("\xEF\xBB\xBF"))
-        return "UTF-8";
-    if (startsWith("\xFF\xFE"))
-        return "UTF-16LE";
-    return startsWith("\xFE\xFF") ? "UTF-16BE" : QByteArray();
+    for (const auto& row : marks) {
+        if (bytes.substr(0, row.mark.size()) == row.mark)
+            return row.codec;
+    }
+    return {};
 }
 
-QByteArray asUtf8(const QByteArray& bytes)
+QByteArray utf16WithoutMark(std::string_view start)
 {
-    const std::string_view view(bytes.constData(), static_cast<size_t>(bytes.size()));
-    const QByteArray mark = codecOfMark(view);
-    const QByteArray name = mark.isEmpty() ? utf16WithoutMark(view) : mark;
-    if (!name.startsWith("UTF-16"))
-        return mark.isEmpty() ? bytes : bytes.mid(3);
-    const QTextCodec* codec = QTextCodec::codecForName(name);
-    return codec ? codec->toUnicode(bytes).toUtf8() : bytes;
+    if (isUtf16(start, 1))
+        return "UTF-16LE";
+    return isUtf16(start, 0) ? "UTF-16BE" : QByteArray();
 }

@@ -11,27 +11,32 @@
 /// 0xAF. Bytes above ASCII that stand alone among Latin letters speak for Windows-1252.
 class EncodingGuess {
 public:
-    explicit EncodingGuess(std::string_view bytes);
+    /// So many bytes at the start of a file show a mark, or UTF-16 without one.
+    static constexpr int sampleSize = 1024;
 
-    bool isAscii() const { return m_highBytes == 0; }
+    /// Takes the next bytes of the file.
+    void add(std::string_view bytes);
+
     /// A codec's name; empty for ASCII, which reads the same in all encodings on offer.
     QByteArray codecName() const;
 
 private:
-    void countHighByte(std::string_view bytes, size_t index);
+    void followSequence(char byte);
+    void countHighByte(char before, char last, char after);
 
-    bool m_isUtf8;
+    bool m_isUtf8 = true; ///< so far
+    int m_continuations = 0; ///< bytes that a UTF-8 sequence still lacks
+    char m_before = ' '; ///< the byte before the last
+    char m_last = ' '; ///< the last byte, counted when the next one is known
     qint64 m_highBytes = 0;
     qint64 m_cyrillic1251 = 0;
     qint64 m_cyrillic866 = 0;
     qint64 m_amongLatin = 0;
 };
 
-/// The codec that EncodingGuess names, or UTF-16 for texts that look like it.
-QByteArray likelyCodec(std::string_view bytes);
-
 /// The encoding that a byte-order mark at the start names; empty without one.
 QByteArray codecOfMark(std::string_view bytes);
 
-/// `bytes` without a byte-order mark, and as UTF-8 if they are UTF-16.
-QByteArray asUtf8(const QByteArray& bytes);
+/// The form of UTF-16 that texts of mostly ASCII characters at the start of a file show without a
+/// mark; empty for others.
+QByteArray utf16WithoutMark(std::string_view start);

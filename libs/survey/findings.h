@@ -1,7 +1,6 @@
 #pragma once
 
-#include "survey/filesurvey.h"
-#include "geometry/defpolygon.h"
+#include "importrun/importrun.h"
 
 #include <QPointF>
 #include <QVector>
@@ -29,7 +28,7 @@ struct IncompleteObject {
 
 QVector<PointConflict> findPointConflicts(const QVector<DefPolygon>& objects);
 QVector<DuplicateDef> findDuplicateDefs(const QVector<DefPolygon>& objects);
-/// `shapes` are those of the objects that a survey expects, as far as they were built.
+/// `shapes` are those of the objects.
 QVector<IncompleteObject> findIncompleteObjects(
     const QVector<DefPolygon>& objects, const QVector<Shape>& shapes);
 

@@ -1,55 +1,71 @@
 #pragma once
 
+#include "import/linereader.h"
 #include "survey/encodingguess.h"
 #include "survey/filesurvey.h"
-#include "survey/linecursor.h"
 
-/// What the surveys of all formats share: the file, the answer so far, and where the reader stops.
+#include <QTextCodec>
+
+/// The survey of one file: the part that all formats share. A format says how to take the census
+/// and what stopped its reader.
 class Surveyor {
 public:
-    Surveyor(const QString& fileName, const SurveyOptions& options)
-        : m_options(options)
-        , m_bytes(readBytes(fileName))
-        , m_text(asUtf8(m_bytes))
-        , m_lines(view(m_text))
-    {
-        m_survey.fileName = fileName;
-    }
+    Surveyor(const ImportOptions& options, FileRole role, const ImportRun& run);
+    virtual ~Surveyor() = default;
+    Surveyor(const Surveyor&) = delete;
+    Surveyor& operator=(const Surveyor&) = delete;
+
+    FileSurvey survey();
 
 protected:
-    void addCause(Cause cause, int line, const QString& detail = QString(), qint64 count = 0)
-    {
-        m_survey.causes.append({ cause, m_survey.fileName, line, detail, count });
-    }
+    /// Counts what the file holds, line by line through `in`.
+    virtual void takeCensus(LineReader& in) = 0;
+    /// Finds the cause of a failure of the import in this file.
+    virtual void explain(const ImportFailure& failure) = 0;
+    /// Finds causes in the census.
+    virtual void judge() = 0;
+    /// Another file whose bytes and texts belong to this one; empty for none.
+    virtual QString companionFile() const { return {}; }
 
-    /// The reader goes no further.
-    void stop() { m_survey.stopped = true; }
+    /// A line of the file, and what comes behind it.
+    struct Place {
+        QString text; ///< trimmed
+        bool exists = false;
+        bool isBlankToEnd = false; ///< the line and all behind it are blank
+    };
+    Place placeOf(int line) const;
 
-    /// The point pass goes no further, if there is one: then there is no object pass.
-    void stopPointPass()
-    {
-        stop();
-        if (m_options.readsPoints && m_options.searchPointDefs)
-            m_pointPassFailed = true;
-    }
+    /// Opens a file of this survey for reading in the encoding that its bytes look like.
+    bool open(LineReader& in, const QString& fileName) const;
+    /// Takes note of a text that becomes a designation.
+    void takeDesignation(TextView text);
 
-    /// To be called when the whole file has been looked at.
-    void finishCounts()
-    {
-        m_survey.lineCount = m_lines.lineNumber();
-        if (!m_pointPassFailed)
-            return;
-        for (auto& [name, kind] : m_survey.kinds)
-            kind.read = 0;
-        m_survey.shapes.clear();
-    }
+    void addCause(Cause cause, int line, const QString& detail = QString(), qint64 count = 0);
+    void addCauseOf(const QString& fileName, Cause cause, int line, const QString& detail = {},
+        qint64 count = 0);
 
-    const SurveyOptions& m_options;
+    qint64 countOf(const char* kind) const { return kindOf(kind).count; }
+    qint64 readOf(const char* kind) const { return kindOf(kind).read; }
+    bool readsPoints() const;
+    bool readsObjects() const { return m_role == FileRole::Objects; }
+    /// Whether designations of objects are looked for in this file.
+    bool searchesObjectDefs() const { return readsObjects() && m_options.searchObjectDefs; }
+    /// Whether the import read this file to its end.
+    bool isReadWhole() const;
+
+    const ImportOptions& m_options;
+    const FileRole m_role;
+    const ImportRun& m_run;
     FileSurvey m_survey;
-    QByteArray m_bytes;
-    QByteArray m_text; ///< the bytes as UTF-8 if they are UTF-16
-    LineCursor m_lines;
 
 private:
-    bool m_pointPassFailed = false;
+    KindCount kindOf(const char* name) const;
+    void guessEncoding();
+    QByteArray guessFromBytes() const;
+    void explainFailures();
+    void countReads();
+    bool concerns(const ImportMessage& message) const;
+
+    QTextCodec* m_codec = nullptr; ///< what the bytes of the file look like
+    const QTextCodec* m_doubted = nullptr; ///< the chosen codec, where it may be the wrong one
 };

@@ -202,13 +202,14 @@ bool DxfImport::checkDxfFile()
     const bool isDxf = pairs.readCodeValue() && pairs.isEntity()
         && pairs.value == QLatin1String("SECTION") && pairs.readCodeValue()
         && pairs.code == QLatin1String("2") && pairs.value == QLatin1String("HEADER");
-    return isDxf || failFile(FailureKind::NotDxf, in.fileName());
+    return isDxf || failFormat(FailureKind::NotDxf);
 }
 
 bool DxfImport::scanEntities(EntityReceiver receive)
 {
     bool inEntities = false;
     bool ok = true;
+    endEntity();
     while (ok && !pairs.atEnd()) {
         pairs.passOver(m_stretches);
         ok = pairs.skipToEntity();
@@ -230,7 +231,7 @@ bool DxfImport::receivePointOrText()
     for (const char* type : { "POINT", "INSERT", "CIRCLE", "ELLIPSE" }) {
         const QLatin1String kind(type);
         if (pairs.value == kind)
-            return noteRead(kind, readPoint());
+            return readEntity(kind, &DxfImport::readPoint);
     }
     return receiveText();
 }
@@ -238,14 +239,17 @@ bool DxfImport::receivePointOrText()
 bool DxfImport::receiveText()
 {
     const QLatin1String kind("TEXT");
-    return pairs.value != kind || noteRead(kind, readText());
+    return pairs.value != kind || readEntity(kind, &DxfImport::readText);
 }
 
-bool DxfImport::noteRead(QLatin1String kind, bool read)
+bool DxfImport::readEntity(QLatin1String kind, EntityReceiver read)
 {
-    if (read)
-        observer->entityRead(kind);
-    return read;
+    startEntity(kind);
+    if (!(this->*read)())
+        return false;
+    endEntity();
+    observer->entityRead(kind);
+    return true;
 }
 
 bool DxfImport::receivePolygon()
@@ -263,9 +267,12 @@ bool DxfImport::loadPolygon(QLatin1String kind, EntityReceiver read)
 {
     const int objectCount = map->size();
     m_closed = false;
+    startEntity(kind);
     const bool complete = (this->*read)();
-    if (complete)
+    if (complete) {
+        endEntity();
         updateLastPolygonDef();
+    }
     if (map->size() > objectCount)
         observer->objectBuilt(kind, m_closed, complete);
     return complete;

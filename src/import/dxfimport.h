@@ -53,7 +53,7 @@ private:
     bool scanEntities(EntityReceiver receive);
     bool receivePointOrText();
     bool receiveText();
-    bool noteRead(QLatin1String kind, bool read);
+    bool readEntity(QLatin1String kind, EntityReceiver read);
     bool receivePolygon();
     bool loadPolygon(QLatin1String kind, EntityReceiver read);
     template <size_t Count>

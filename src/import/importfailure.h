@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QLatin1String>
 #include <QString>
 
 /// What can go wrong in an import.
@@ -24,7 +25,9 @@ struct ImportFailure {
     FailureKind kind;
     QString fileName; ///< the file that failed, as it was opened
     int number = 0; ///< the number in the message; 0 where the message names the file
-    int line = 0; ///< one-based line of the file; 0 where the file as a whole failed
+    int line = 0; ///< one-based line that the reader had come to; 0 where there is none
+    QLatin1String entity{}; ///< kind of the entity that was being read; empty between entities
+    int entityLine = 0; ///< one-based line on which that entity starts
 
     /// The message for the user.
     QString text() const;

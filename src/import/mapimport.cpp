@@ -97,9 +97,22 @@ void MapImport::setLastPolygonDef(const QString& def)
     map->last().def = def.isEmpty() ? numberedDef(objectPref, objectStartNum++) : def;
 }
 
+void MapImport::startEntity(QLatin1String kind)
+{
+    m_entity = kind;
+    m_entityLine = in.lineOfFile();
+}
+
 bool MapImport::fail(FailureKind kind)
 {
-    observer->failed({ kind, in.fileName(), in.lineNum(), in.lineOfFile() });
+    observer->failed(
+        { kind, in.fileName(), in.lineNum(), in.lineOfFile(), m_entity, m_entityLine });
+    return false;
+}
+
+bool MapImport::failFormat(FailureKind kind)
+{
+    observer->failed({ kind, in.fileName(), 0, in.lineOfFile() });
     return false;
 }
 

@@ -64,9 +64,16 @@ protected:
     /// Names the last object; an empty `def` stands for the next automatic designation.
     void setLastPolygonDef(const QString& def);
 
+    /// An entity starts on the current line; until endEntity() a failure is one of it. `kind` lives
+    /// as long as the program.
+    void startEntity(QLatin1String kind);
+    void endEntity() { startEntity({}); }
     /// Tells the observer that the current line cannot be read; returns false.
     bool fail(FailureKind kind);
-    /// Tells the observer that a file as a whole cannot be read; returns false.
+    /// Tells the observer that the current line shows the file to be none of the format; returns
+    /// false.
+    bool failFormat(FailureKind kind);
+    /// Tells the observer that a file cannot be opened; returns false.
     bool failFile(FailureKind kind, const QString& fileName);
 
     PointCatalogue points; ///< the named points
@@ -76,4 +83,7 @@ protected:
 private:
     bool openFile(ImportPass pass, const QString& fileName);
     QString vertexDef(double x, double y);
+
+    QLatin1String m_entity;
+    int m_entityLine = 0;
 };

@@ -1,5 +1,6 @@
 #include "import/mifimport.h"
 
+#include "import/mifkeywords.h"
 #include "import/number.h"
 
 #include <algorithm>
@@ -9,43 +10,9 @@ namespace {
 /// A count is only a claim: room for more vertices than this is made as they come.
 constexpr int maxReserved = 64;
 
-/// Whether `token` in upper case equals the upper-case `keyword`.
-bool isKeyword(TextView token, QLatin1String keyword)
-{
-    return token.isAscii() ? token.equalsIgnoringCase(keyword)
-                           : token.toString().toUpper() == keyword;
-}
-
 } // namespace
 
 MifImport::~MifImport() = default;
-
-MifImport::Keyword MifImport::keywordOf(TextView token)
-{
-    static const struct {
-        QLatin1String name;
-        Keyword keyword;
-    } objects[] = {
-        { QLatin1String("REGION", 6), Keyword::Region },
-        { QLatin1String("PLINE", 5), Keyword::Pline },
-        { QLatin1String("LINE", 4), Keyword::Line },
-        { QLatin1String("POINT", 5), Keyword::Point },
-        { QLatin1String("NONE", 4), Keyword::Skipped },
-        { QLatin1String("ARC", 3), Keyword::Skipped },
-        { QLatin1String("TEXT", 4), Keyword::Skipped },
-        { QLatin1String("RECT", 4), Keyword::Skipped },
-        { QLatin1String("ROUNDRECT", 9), Keyword::Skipped },
-        { QLatin1String("ELLIPSE", 7), Keyword::Skipped },
-        { QLatin1String("MULTIPOINT", 10), Keyword::Skipped },
-        { QLatin1String("COLLECTION", 10), Keyword::Collection },
-    };
-    const auto found =
-        std::find_if(std::begin(objects), std::end(objects), [token](const auto& object) {
-            const bool mayBe = !token.isAscii() || token.size() == object.name.size();
-            return mayBe && isKeyword(token, object.name);
-        });
-    return found == std::end(objects) ? Keyword::None : found->keyword;
-}
 
 // Lines
 
@@ -97,7 +64,7 @@ bool MifImport::readCount(int least, int* count)
 
 bool MifImport::isHeaderLine(QLatin1String keyword) const
 {
-    return tokens.size() == 2 && isKeyword(tokens.first(), keyword);
+    return tokens.size() == 2 && isMifKeyword(tokens.first(), keyword);
 }
 
 bool MifImport::checkMifFile()
@@ -105,7 +72,7 @@ bool MifImport::checkMifFile()
     for (const char* keyword : { "VERSION", "CHARSET", "DELIMITER" }) {
         readTokenizeMifLine(true);
         if (!isHeaderLine(QLatin1String(keyword)))
-            return failFile(FailureKind::NotMif, in.fileName());
+            return failFormat(FailureKind::NotMif);
     }
     const QString value = tokens.at(1).toString().remove(QLatin1Char('"'));
     if (!value.isEmpty())
@@ -158,15 +125,17 @@ bool MifImport::scanObjects(ObjectHandler handle)
     while (!in.atEnd()) {
         line = in.readLine();
         tokenize(1);
-        const Keyword keyword = tokens.isEmpty() ? Keyword::None : keywordOf(tokens.first());
-        if (keyword == Keyword::None)
+        const MifObjectKind* const kind =
+            tokens.isEmpty() ? nullptr : mifObjectKind(tokens.first());
+        if (!kind)
             continue;
         tokenize();
-        if (keyword == Keyword::Collection) {
+        startEntity(kind->name);
+        if (kind->keyword == MifKeyword::Collection) {
             fail(FailureKind::Collection);
             return true;
         }
-        if (!(this->*handle)(keyword))
+        if (!(this->*handle)(*kind))
             return false;
     }
     return true;
@@ -177,9 +146,9 @@ bool MifImport::skipObject()
     return mid.readMidDef(nullptr) || failAtMidRow(FailureKind::ObjectData);
 }
 
-bool MifImport::loadPoint(Keyword keyword)
+bool MifImport::loadPoint(const MifObjectKind& kind)
 {
-    if (keyword != Keyword::Point)
+    if (kind.keyword != MifKeyword::Point)
         return skipObject();
     if (!readPoint())
         return fail(FailureKind::PointCoordinates);
@@ -187,28 +156,27 @@ bool MifImport::loadPoint(Keyword keyword)
     if (!mid.readMidDef(&def))
         return failAtMidRow(FailureKind::PointDesignation);
     points.setDef(points.size() - 1, def);
-    observer->entityRead(QLatin1String("POINT"));
+    observer->entityRead(kind.name);
     return true;
 }
 
-bool MifImport::loadPolygon(Keyword keyword)
+bool MifImport::loadPolygon(const MifObjectKind& kind)
 {
-    const auto load = [&](QLatin1String kind, auto read, FailureKind failure, bool closed) {
+    const auto load = [&](auto read, FailureKind failure, bool closed) {
         const int objectCount = map->size();
         const bool complete = ((this->*read)() || fail(failure)) && nameObject();
         if (map->size() > objectCount)
-            observer->objectBuilt(kind, closed, complete);
+            observer->objectBuilt(kind.name, closed, complete);
         return complete;
     };
-    switch (keyword) {
-    case Keyword::Line:
-        return load(QLatin1String("LINE"), &MifImport::readLine, FailureKind::Line, false);
-    case Keyword::Pline:
-        return load(QLatin1String("PLINE"),
-            isMultiple() ? &MifImport::readPlineMultiple : &MifImport::readPline,
+    switch (kind.keyword) {
+    case MifKeyword::Line:
+        return load(&MifImport::readLine, FailureKind::Line, false);
+    case MifKeyword::Pline:
+        return load(isMultiple() ? &MifImport::readPlineMultiple : &MifImport::readPline,
             FailureKind::Polyline, false);
-    case Keyword::Region:
-        return load(QLatin1String("REGION"), &MifImport::readRegion, FailureKind::Region, true);
+    case MifKeyword::Region:
+        return load(&MifImport::readRegion, FailureKind::Region, true);
     default:
         return skipObject();
     }
@@ -216,7 +184,7 @@ bool MifImport::loadPolygon(Keyword keyword)
 
 bool MifImport::isMultiple() const
 {
-    return tokens.size() > 1 && isKeyword(tokens.at(1), QLatin1String("MULTIPLE"));
+    return tokens.size() > 1 && isMifKeyword(tokens.at(1), QLatin1String("MULTIPLE"));
 }
 
 bool MifImport::nameObject()

@@ -5,6 +5,8 @@
 
 #include <QVarLengthArray>
 
+struct MifObjectKind;
+
 /// Reads the MapInfo interchange pair: the MIF file with the geometry and the MID file with one
 /// row of attributes per object, in the same order.
 ///
@@ -47,23 +49,13 @@ private:
     /// A LINE has the most tokens that are looked at: the keyword and four coordinates.
     static constexpr int mostTokens = 5;
 
-    /// What starts on a line of the data section.
-    enum class Keyword {
-        None, ///< no object
-        Point,
-        Line,
-        Pline,
-        Region,
-        Collection,
-        Skipped, ///< an object that is passed over
-    };
     /// What a pass does with an object of the given kind that starts on the current line.
-    using ObjectHandler = bool (MifImport::*)(Keyword);
+    using ObjectHandler = bool (MifImport::*)(const MifObjectKind& kind);
 
     bool scan(bool withMid, ObjectHandler handle);
     bool scanObjects(ObjectHandler handle);
-    bool loadPoint(Keyword keyword);
-    bool loadPolygon(Keyword keyword);
+    bool loadPoint(const MifObjectKind& kind);
+    bool loadPolygon(const MifObjectKind& kind);
     bool skipObject();
     bool isMultiple() const;
     bool nameObject();
@@ -73,5 +65,4 @@ private:
     double tokenToDouble(int index, bool* ok) const;
     int tokenToInt(int index, bool* ok) const;
     bool readCount(int least, int* count);
-    static Keyword keywordOf(TextView token);
 };

@@ -58,7 +58,7 @@ private:
 template <typename Files>
 QString writeLargeMif(const Files& files)
 {
-    QByteArray mif = mifHeader;
+    QByteArray mif = mifHeader();
     QByteArray mid;
     for (int i = 0; i < 240000; ++i) {
         const QByteArray x = QByteArray::number(i * 10);
@@ -560,7 +560,7 @@ private slots:
     {
         const Folder folder;
         folder.write(QStringLiteral("a.mif"),
-            mifHeader
+            mifHeader()
                 + "Point 0 0\nPoint 10 0\nRegion 1\n4\n0 0\n10 0\n10 10\n0 0\n"
                   "Region 1\n3\n0 0\n10 0\n0 0\nRegion 0\n");
         folder.write(QStringLiteral("a.mid"), "p\nP\nA\na\nB\n");
@@ -588,10 +588,10 @@ private slots:
             QTest::newRow(id) << QString::fromLatin1(name) << content << QString::fromLatin1(id)
                               << QString::fromLatin1(line) << QString::fromUtf8(remedy);
         };
-        const QByteArray lines = mifHeader + "Line 0 0 1 1\n";
+        const QByteArray lines = mifHeader() + "Line 0 0 1 1\n";
         row("leading-comment", "a.dxf", "999\nprogram\n" + drawing(""), "1",
             "Удалите в начале файла строки «999» вместе со строкой текста после каждой из них.");
-        row("missing-header", "a.dxf", drawing("").mid(headerSection.size()), "1",
+        row("missing-header", "a.dxf", drawing("").mid(headerSection().size()), "1",
             "Сохраните полный чертёж в DXF или вставьте в начало файла строки 0, SECTION, 2, "
             "HEADER, 0, ENDSEC.");
         row("block-inserts", "a.dxf", drawing("0\nINSERT\n2\nP\n10\n0\n20\n0\n"), "",
@@ -613,14 +613,15 @@ private slots:
             "Замените дуги ломаными с нужным шагом и сохраните чертёж заново.");
         row("trailing-blank-line", "a.dxf", drawing("") + "\n", "15",
             "Удалите пустые строки в конце файла.");
-        row("blank-line", "a.mif", mifHeader + "Pline 2\n0 0\n\n1 1\n", "7", "Удалите эту строку.");
+        row("blank-line", "a.mif", mifHeader() + "Pline 2\n0 0\n\n1 1\n", "7",
+            "Удалите эту строку.");
         row("delimiter", "a.mif", QByteArray(lines).replace("\",\"", "\"\t\""), "3",
             "Замените разделитель запятой или точкой с запятой в строке Delimiter и в файле MID.");
         row("mid-missing", "nomid.mif", lines, "",
             "Положите файл MID рядом или отключите поиск обозначений точек и объектов.");
         row("mid-other-case", "B.MIF", lines, "",
             "Переименуйте его так, как указано в сообщении об ошибке.");
-        row("axes", "a.mif", mifHeader + "Line 451234 2201234 451250 2201250\n", "",
+        row("axes", "a.mif", mifHeader() + "Line 451234 2201234 451250 2201250\n", "",
             "Поменяйте местами номера столбцов X и Y (--columns) или координаты в файле.");
         row("encoding", "a.dxf",
             drawing(
@@ -667,7 +668,7 @@ private slots:
     void axesFollowTheColumns()
     {
         const Folder folder;
-        folder.write(QStringLiteral("a.mif"), mifHeader + "Line 451234 2201234 451250 2201250\n");
+        folder.write(QStringLiteral("a.mif"), mifHeader() + "Line 451234 2201234 451250 2201250\n");
         folder.write(QStringLiteral("a.mid"), "A\n");
         QCOMPARE(runCommand(words({ "check", "a.mif" }), folder.path()).status, 3);
         QCOMPARE(
@@ -703,10 +704,26 @@ private slots:
         QCOMPARE(message.value(QLatin1String("line")).toInt(), 14);
     }
 
+    void placesInAFolderLikeAMessage()
+    {
+        const Folder folder;
+        const QString name = QStringLiteral("строке: 7 x");
+        QVERIFY(QDir(folder.path()).mkdir(name));
+        folder.write(name + QStringLiteral("/a.mif"), "Version 300\n");
+        const QJsonObject report = reportOf(
+            runCommand(words({ "check", "--json" }) + QStringList(name + QStringLiteral("/a.mif")),
+                folder.path()));
+        const QJsonObject message =
+            report.value(QLatin1String("messages")).toArray().first().toObject();
+        QCOMPARE(message.value(QLatin1String("text")).toString(),
+            QStringLiteral("Ошибка. Файл строке: 7 x/a.mif не соответствует формату MIF"));
+        QVERIFY(!message.contains(QLatin1String("line")));
+    }
+
     void lineOfAMidRow()
     {
         const Folder folder;
-        folder.write(QStringLiteral("a.mif"), mifHeader + "Line 0 0 1 1\nLine 0 0 1 1\n");
+        folder.write(QStringLiteral("a.mif"), mifHeader() + "Line 0 0 1 1\nLine 0 0 1 1\n");
         folder.write(QStringLiteral("a.mid"), "A\n");
         const CommandRun run = runCommand(words({ "check", "a.mif" }), folder.path());
         QVERIFY(QString::fromUtf8(run.out).contains(
@@ -733,7 +750,7 @@ private slots:
                                          "parcels.mif: замечаний: 1\n")));
 
         // The error is in the file of points, and so is its line.
-        folder.write(QStringLiteral("bad.mif"), mifHeader + "Point 0\n");
+        folder.write(QStringLiteral("bad.mif"), mifHeader() + "Point 0\n");
         folder.write(QStringLiteral("bad.mid"), "A\n");
         const CommandRun bad = runCommand(arguments + words({ "bad.mif" }), folder.path());
         QVERIFY(QString::fromUtf8(bad.out).contains(
@@ -827,7 +844,8 @@ private slots:
     {
         const Folder folder;
         folder.write(QStringLiteral("a.mif"),
-            mifHeader + "Region 1\n4\n0 0\n10 0\n10 10\n0 0\nRegion 1\n4\n0 0\n10 0\n10 9\n0 0\n");
+            mifHeader()
+                + "Region 1\n4\n0 0\n10 0\n10 10\n0 0\nRegion 1\n4\n0 0\n10 0\n10 9\n0 0\n");
         folder.write(QStringLiteral("a.mid"), "A\nA\n");
         folder.write(QStringLiteral("b.mif"), contentOf(folder.path(QStringLiteral("a.mif"))));
         folder.write(QStringLiteral("b.mid"), "A\nB\n");

@@ -28,10 +28,14 @@ public:
     }
     void failed(const ImportFailure& failure) override
     {
+        const QString entity = failure.entity.size() == 0
+            ? QString()
+            : QStringLiteral(", %1 of %2").arg(failure.entity).arg(failure.entityLine);
         add(QStringLiteral("failed %1 at %2 in line %3")
                 .arg(QString(failure.fileName).remove(m_folder))
                 .arg(failure.number)
-                .arg(failure.line));
+                .arg(failure.line)
+            + entity);
     }
 
     QStringList events;
@@ -104,11 +108,13 @@ void TestImportObserver::mifThatStops_data()
                          const QStringList& events) {
         QTest::newRow(name) << QByteArray(objects) << QByteArray(rows) << events;
     };
-    row("line", "Line 0 0 5\n", "1\n", { QStringLiteral("failed b.mif at 5 in line 5") });
+    row("line", "Line 0 0 5\n", "1\n",
+        { QStringLiteral("failed b.mif at 5 in line 5, LINE of 5") });
     row("polyline", "Pline 2\n0 0\n1\n", "1\n",
-        { QStringLiteral("failed b.mif at 7 in line 7"), QStringLiteral("built PLINE in part") });
+        { QStringLiteral("failed b.mif at 7 in line 7, PLINE of 5"),
+            QStringLiteral("built PLINE in part") });
     row("region", "Region 1\n3\n0 0\n", "1\n",
-        { QStringLiteral("failed b.mif at 7 in line 7"),
+        { QStringLiteral("failed b.mif at 7 in line 7, REGION of 5"),
             QStringLiteral("built REGION closed in part") });
     row("no row", "Line 0 0 5 5\nLine 0 0 5 6\n", "1\n",
         { QStringLiteral("built LINE"), QStringLiteral("failed b.mid at 2 in line 2"),
@@ -116,7 +122,8 @@ void TestImportObserver::mifThatStops_data()
     row("no row for a point", "Point 1 1\n", "\n",
         { QStringLiteral("failed b.mid at 1 in line 1") });
     row("collection", "Line 0 0 5 5\nCollection 1\n", "1\n",
-        { QStringLiteral("built LINE"), QStringLiteral("failed b.mif at 6 in line 6") });
+        { QStringLiteral("built LINE"),
+            QStringLiteral("failed b.mif at 6 in line 6, COLLECTION of 6") });
 }
 
 void TestImportObserver::mifThatStops()
@@ -147,7 +154,7 @@ void TestImportObserver::dxf()
             QStringLiteral("read TEXT"), QStringLiteral("pass objects a.dxf"),
             QStringLiteral("built LINE"), QStringLiteral("built LWPOLYLINE closed"),
             QStringLiteral("built POLYLINE closed"), QStringLiteral("built LWPOLYLINE in part"),
-            QStringLiteral("failed a.dxf at 78 in line 78") }));
+            QStringLiteral("failed a.dxf at 78 in line 78, LWPOLYLINE of 74") }));
 }
 
 void TestImportObserver::dxfWithPointFile()
@@ -170,7 +177,7 @@ void TestImportObserver::lineOfAFileThatIsReadTwice()
     QCOMPARE(eventsOf(QStringLiteral("t.dxf"), {}, false),
         (QStringList{ QStringLiteral("pass objects t.dxf"), QStringLiteral("pass labels t.dxf"),
             QStringLiteral("pass objects t.dxf"),
-            QStringLiteral("failed t.dxf at 30 in line 14") }));
+            QStringLiteral("failed t.dxf at 30 in line 14, LINE of 12") }));
 }
 
 void TestImportObserver::filesThatAreMissing()

@@ -1,47 +1,15 @@
-#include "importoptions.h"
+#include "importarguments.h"
 
 #include "console.h"
-#include "import/mapimport.h"
-#include "status.h"
+#include "standardinput.h"
 
 #include <QCommandLineParser>
-#include <QFileInfo>
 #include <QTextCodec>
-
-#include <algorithm>
-#include <limits>
-#include <memory>
 
 namespace {
 
 constexpr int maxPointPrefLength = 20;
 constexpr int maxStartNum = 999999999;
-QStringList* messageSink = nullptr;
-
-void takeMessage(const QString& message)
-{
-    messageSink->append(message);
-}
-
-/// Keeps what an import reports.
-class MessageCollector : public ImportObserver {
-public:
-    explicit MessageCollector(QStringList& messages)
-        : m_messages(messages)
-    {
-    }
-    void failed(const ImportFailure& failure) override { m_messages.append(failure.text()); }
-
-private:
-    QStringList& m_messages;
-};
-
-std::unique_ptr<MapImport> makeImporter(const Format& format)
-{
-    // An importer takes the system's codec when it is made.
-    const SystemCodecScope systemCodec;
-    return format.makeImporter();
-}
 
 QByteArray defaultEncoding()
 {
@@ -76,14 +44,25 @@ QByteArray readEncoding(const QCommandLineParser& parser)
         throw Failure{ WrongUsage,
             QStringLiteral("неизвестная кодировка «%1»; список даёт --list-encodings").arg(text) };
     }
-    return name;
+    return name == defaultEncoding() ? systemEncoding() : name;
 }
 
-} // namespace
-
-const Format& ImportArguments::formatOf(const QString& fileName) const
+/// What --format says; null to go by the suffix of the name.
+const Format* readFormat(const QCommandLineParser& parser)
 {
-    const Format* const found = format ? format : formatOfFile(fileName);
+    const QString option = QStringLiteral("format");
+    const QString id = parser.value(option).toLower();
+    const Format* const format = formatOfId(id);
+    if (parser.isSet(option) && !format) {
+        throw Failure{ WrongUsage,
+            QStringLiteral("--format: ожидается %1, а не «%2»").arg(formatNames(), id) };
+    }
+    return format;
+}
+
+const Format& findFormat(const QString& fileName, const Format* chosen)
+{
+    const Format* const found = chosen ? chosen : formatOfFile(fileName);
     if (found)
         return *found;
     throw Failure{ WrongUsage,
@@ -91,10 +70,25 @@ const Format& ImportArguments::formatOf(const QString& fileName) const
             .arg(fileName, formatNames()) };
 }
 
-QByteArray ImportArguments::codecName() const
+ImportOptions readOptions(const QCommandLineParser& parser)
 {
-    return options.encoding == defaultEncoding() ? systemEncoding() : options.encoding;
+    ImportOptions options = ImportOptions::offered();
+    options.pointFileName = parser.value(QStringLiteral("points"));
+    options.searchPointDefs = readSwitch(parser, QStringLiteral("search-points"));
+    options.pointPref = parser.value(QStringLiteral("point-prefix"));
+    if (options.pointPref.size() > maxPointPrefLength) {
+        throw Failure{ WrongUsage,
+            QStringLiteral("--point-prefix: не больше %1 символов").arg(maxPointPrefLength) };
+    }
+    options.pointStartNum = readNumber(parser, QStringLiteral("point-start"), 1, maxStartNum);
+    options.searchObjectDefs = readSwitch(parser, QStringLiteral("search-objects"));
+    options.objectPref = parser.value(QStringLiteral("object-prefix"));
+    options.objectStartNum = readNumber(parser, QStringLiteral("object-start"), 1, maxStartNum);
+    options.encoding = readEncoding(parser);
+    return options;
 }
+
+} // namespace
 
 QList<QCommandLineOption> importCommandLineOptions()
 {
@@ -120,34 +114,23 @@ QList<QCommandLineOption> importCommandLineOptions()
         option("object-start", "Начальный номер объектов без обозначения; без параметра - 1.",
             "ЧИСЛО", QString::number(defaults.objectStartNum)),
         option("encoding", "Кодировка файлов; без параметра - Default, то есть кодировка системы.",
-            "ИМЯ", QString::fromLatin1(defaults.encoding)),
+            "ИМЯ", QString::fromLatin1(defaultEncoding())),
         option("list-encodings", "Показать имена кодировок и закончить работу.", ""),
     };
 }
 
-ImportArguments readImportArguments(const QCommandLineParser& parser)
+QVector<ImportTask> readImportTasks(const QCommandLineParser& parser)
 {
-    ImportArguments arguments;
-    const QString format = parser.value(QStringLiteral("format")).toLower();
-    arguments.format = formatOfId(format);
-    if (parser.isSet(QStringLiteral("format")) && !arguments.format) {
-        throw Failure{ WrongUsage,
-            QStringLiteral("--format: ожидается %1, а не «%2»").arg(formatNames(), format) };
+    const Format* const format = readFormat(parser);
+    const ImportOptions options = readOptions(parser);
+    QVector<ImportTask> tasks;
+    for (const QString& argument : parser.positionalArguments()) {
+        const QString file = inputFileName(argument);
+        ImportTask task{ &findFormat(file, format), options };
+        task.options.objectFileName = file;
+        tasks.append(task);
     }
-    ImportOptions& options = arguments.options;
-    options.pointFileName = parser.value(QStringLiteral("points"));
-    options.searchPointDefs = readSwitch(parser, QStringLiteral("search-points"));
-    options.pointPref = parser.value(QStringLiteral("point-prefix"));
-    if (options.pointPref.size() > maxPointPrefLength) {
-        throw Failure{ WrongUsage,
-            QStringLiteral("--point-prefix: не больше %1 символов").arg(maxPointPrefLength) };
-    }
-    options.pointStartNum = readNumber(parser, QStringLiteral("point-start"), 1, maxStartNum);
-    options.searchObjectDefs = readSwitch(parser, QStringLiteral("search-objects"));
-    options.objectPref = parser.value(QStringLiteral("object-prefix"));
-    options.objectStartNum = readNumber(parser, QStringLiteral("object-start"), 1, maxStartNum);
-    options.encoding = readEncoding(parser);
-    return arguments;
+    return tasks;
 }
 
 QCommandLineOption columnsOption()
@@ -175,6 +158,7 @@ QString encodingList()
     QStringList names;
     for (const QByteArray& name : QTextCodec::availableCodecs())
         names.append(QString::fromLatin1(name));
+    names.removeAll(QString());
     names.sort(Qt::CaseInsensitive);
     names.removeDuplicates();
     names.prepend(QString::fromLatin1(defaultEncoding()));
@@ -195,23 +179,4 @@ int parseNumber(const QString& text, const QString& what, int least, int most)
     throw Failure{ WrongUsage,
         QStringLiteral("%1: ожидается целое число от %2 до %3, а не «%4»")
             .arg(what, QString::number(least), QString::number(most), text) };
-}
-
-Import runImport(const QString& fileName, const ImportArguments& arguments)
-{
-    Import import;
-    MessageCollector collector(import.messages);
-    messageSink = &import.messages;
-    setStatusFunc(takeMessage);
-    guarded([&] {
-        const auto importer = makeImporter(arguments.formatOf(fileName));
-        ImportOptions options = arguments.options;
-        options.objectFileName = fileName;
-        importer->setOptions(options);
-        importer->map = &import.objects;
-        importer->observer = &collector;
-        importer->importMap();
-    });
-    setStatusFunc(nullptr);
-    return import;
 }

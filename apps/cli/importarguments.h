@@ -1,33 +1,27 @@
 #pragma once
 
-#include "geometry/defpolygon.h"
-#include "import/formats.h"
-#include "import/importoptions.h"
 #include "importgeometryinterface.h"
+#include "importrun/importrun.h"
 
-#include <QByteArray>
 #include <QCommandLineOption>
-#include <QStringList>
+#include <QList>
 #include <QVector>
 
 class QCommandLineParser;
 
-/// What the command line says of an import beside the file; the defaults are those of the dialog
-/// at a first run.
-struct ImportArguments {
-    const Format* format = nullptr; ///< null to go by the suffix of the file's name
-    ImportOptions options = ImportOptions::offered();
+/// A file of the command line and how it is imported.
+struct ImportTask {
+    const Format* format; ///< never null
+    ImportOptions options;
 
-    /// The name of the codec in force.
-    QByteArray codecName() const;
-    /// The format of a file; it is a wrong use of the command when there is none.
-    const Format& formatOf(const QString& fileName) const;
+    const QString& fileName() const { return options.objectFileName; }
 };
 
 /// The options of the command line that every command has.
 QList<QCommandLineOption> importCommandLineOptions();
 
-ImportArguments readImportArguments(const QCommandLineParser& parser);
+/// The files of the command line, in order, each with what the options say of all of them.
+QVector<ImportTask> readImportTasks(const QCommandLineParser& parser);
 
 /// The option --columns, for the commands that know of the host's catalogue.
 QCommandLineOption columnsOption();
@@ -46,12 +40,3 @@ int readNumber(const QCommandLineParser& parser, const QString& option, int leas
 
 /// A whole number between `least` and `most`; `what` says whose value it is.
 int parseNumber(const QString& text, const QString& what, int least, int most);
-
-/// What an import gave.
-struct Import {
-    QVector<DefPolygon> objects;
-    QStringList messages; ///< what the reader reported, in order
-};
-
-/// Reads a file as the dialog does.
-Import runImport(const QString& fileName, const ImportArguments& arguments);

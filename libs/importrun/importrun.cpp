@@ -1,0 +1,142 @@
+#include "importrun/importrun.h"
+
+#include "import/mapimport.h"
+#include "status.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <algorithm>
+
+#include <sys/stat.h>
+
+namespace {
+
+/// Keeps what an import tells.
+class Recorder : public ImportObserver {
+public:
+    explicit Recorder(ImportRun& run)
+        : m_run(run)
+    {
+    }
+
+    void passStarted(ImportPass pass, const QString&) override { m_pass = pass; }
+    void entityRead(QLatin1String kind) override
+    {
+        (m_pass == ImportPass::Points ? m_run.pointsRead : m_run.objectsRead).add(kind);
+    }
+    void objectBuilt(QLatin1String kind, bool closed, bool complete) override
+    {
+        m_run.shapes.append(closed ? Shape::Area : Shape::Line);
+        if (complete)
+            m_run.objectsRead.add(kind);
+    }
+    void failed(const ImportFailure& failure) override
+    {
+        m_run.messages.append({ failure.text(), m_pass, failure });
+    }
+    /// Takes what no reader told.
+    void addMessage(const QString& text) { m_run.messages.append({ text, m_pass, {} }); }
+
+    ImportPass pass() const { return m_pass; }
+
+private:
+    ImportRun& m_run;
+    ImportPass m_pass = ImportPass::Points;
+};
+
+Recorder* messageSink = nullptr;
+
+void takeMessage(const QString& message)
+{
+    messageSink->addMessage(message);
+}
+
+/// What stands under a name in the place of a file that can be read again; null when nothing does.
+const char* pipeOrDevice(const QString& fileName)
+{
+    struct stat status { };
+    if (stat(QFile::encodeName(fileName).constData(), &status) != 0)
+        return nullptr;
+    switch (status.st_mode & S_IFMT) {
+    case S_IFIFO:
+        return "именованный канал; данные из канала подают на стандартный ввод";
+    case S_IFSOCK:
+        return "сокет";
+    case S_IFCHR:
+    case S_IFBLK:
+        return "устройство";
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace
+
+void KindCounts::add(QLatin1String kind)
+{
+    for (auto& [name, count] : m_counts) {
+        if (name == kind) {
+            ++count;
+            return;
+        }
+    }
+    m_counts.emplace_back(kind, 1);
+}
+
+qint64 KindCounts::of(const std::string& kind) const
+{
+    const QLatin1String wanted(kind.data(), static_cast<int>(kind.size()));
+    for (const auto& [name, count] : m_counts) {
+        if (name == wanted)
+            return count;
+    }
+    return 0;
+}
+
+bool ImportRun::stopped(bool forPoints) const
+{
+    return std::any_of(messages.cbegin(), messages.cend(), [&](const ImportMessage& message) {
+        const bool isMissing =
+            message.failure && message.failure->kind == FailureKind::FileNotOpened;
+        return (message.pass == ImportPass::Points) == forPoints && !isMissing;
+    });
+}
+
+ImportRun runImport(const Format& format, const ImportOptions& options)
+{
+    ImportRun run;
+    Recorder recorder(run);
+    for (const QString& file : filesOf(format, options)) {
+        if (const char* const kind = pipeOrDevice(file)) {
+            recorder.addMessage(QStringLiteral("Ошибка открытия файла %1: это %2")
+                                    .arg(QDir::toNativeSeparators(file), QString::fromUtf8(kind)));
+            return run;
+        }
+    }
+    messageSink = &recorder;
+    setStatusFunc(takeMessage);
+    guarded([&] {
+        const auto importer = format.makeImporter();
+        importer->setOptions(options);
+        importer->map = &run.objects;
+        importer->observer = &recorder;
+        importer->importMap();
+    });
+    setStatusFunc(nullptr);
+    // Nothing came of what a point pass read that failed.
+    if (recorder.pass() == ImportPass::Points)
+        run.pointsRead = {};
+    return run;
+}
+
+QStringList filesOf(const Format& format, const ImportOptions& options)
+{
+    QStringList files;
+    for (const QString& name : { options.pointFileName, options.objectFileName }) {
+        if (!name.isEmpty())
+            files << name << format.companionFile(name);
+    }
+    files.removeAll(QString());
+    return files;
+}

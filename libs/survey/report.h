@@ -1,0 +1,36 @@
+#pragma once
+
+#include "importgeometryinterface.h"
+#include "importrun/importrun.h"
+#include "survey/filesurvey.h"
+#include "survey/findings.h"
+
+#include <QStringList>
+
+/// A message of the import and the place that it speaks of.
+struct ReportMessage {
+    QString text;
+    QString fileName;
+    int line; ///< one-based; 0 when it names none
+};
+
+/// All that a check finds out about a file.
+struct Report {
+    QString fileName;
+    QByteArray chosenEncoding;
+    qint64 objectCount = 0;
+    qint64 vertexCount = 0;
+    QStringList defs; ///< of the objects
+    QVector<ReportMessage> messages;
+    QVector<FileSurvey> surveys; ///< of the file, and of the file of points if there is one
+    QVector<PointConflict> conflicts;
+    QVector<DuplicateDef> duplicates;
+    QVector<IncompleteObject> incomplete;
+    bool unreadable = false; ///< there was no file to look at
+
+    qint64 findingCount() const;
+};
+
+/// Imports a file and looks at its bytes; `columns` are those of the catalogue that it is meant
+/// for.
+Report makeReport(const Format& format, const ImportOptions& options, const GeometryInfo& columns);

@@ -1,0 +1,312 @@
+#include "commandrun.h"
+#include "samples.h"
+#include "support/tempfiles.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTest>
+
+#include <csignal>
+
+namespace {
+
+/// Bytes that are no UTF-8 in the name of a file.
+const QString strangeName = QStringLiteral("$'p\\xd3\\xf7.mif'");
+
+/// A folder with copies of the data files.
+class Folder : public TempFiles {
+public:
+    Folder()
+    {
+        for (const QString& name : QDir(dataFile("")).entryList(QDir::Files))
+            write(name, contentOf(dataFile(qPrintable(name))));
+    }
+
+    using TempFiles::path;
+    QString path() const { return path(QString()); }
+    QStringList names(const char* pattern) const
+    {
+        return QDir(path()).entryList(
+            { QString::fromLatin1(pattern) }, QDir::AllEntries | QDir::System);
+    }
+    /// A line of shell run here; no command takes longer than it may, and none has files open that
+    /// the tests were started with.
+    CommandRun shell(const QString& script) const
+    {
+        return runShell(QStringLiteral("for f in $(ls /proc/$$/fd); do "
+                                       "if [ $f -gt 2 ]; then eval \"exec $f>&-\"; fi; done; "
+                                       "CLI=\"timeout 60 $CLI\"; ")
+                + script,
+            path());
+    }
+};
+
+/// Waits until a process sleeps in the opening of a pipe, as far as the system tells.
+void waitForOpening(const QProcess& process)
+{
+    const QString place = QStringLiteral("/proc/%1/wchan").arg(process.processId());
+    const bool seen = QTest::qWaitFor(
+        [&place] {
+            QFile file(place);
+            return file.open(QIODevice::ReadOnly) && file.readAll() == "wait_for_partner";
+        },
+        3000);
+    Q_UNUSED(seen)
+}
+
+} // namespace
+
+class TestCliFaults : public QObject {
+    Q_OBJECT
+
+private slots:
+    // Many files and few resources
+
+    void fewDescriptors_data()
+    {
+        QTest::addColumn<int>("limit");
+        for (const int limit : { 16, 18, 20, 22, 23, 24, 25, 26 })
+            QTest::newRow(qPrintable(QString::number(limit))) << limit;
+    }
+
+    void fewDescriptors()
+    {
+        QFETCH(int, limit);
+        const Folder folder;
+        const CommandRun run = folder.shell(
+            QStringLiteral("for i in 1 2 3 4 5; do cp parcels.mif p$i.mif; cp parcels.mid p$i.mid; "
+                           "done; ulimit -n %1; $CLI convert p?.mif --out-dir . --jobs 4")
+                .arg(limit));
+        QCOMPARE(
+            run.errorLines().last(), QStringLiteral("Всего файлов: 5, записано: 5, с ошибками: 0"));
+        QCOMPARE(run.errorLines().size(), 6);
+        QCOMPARE(run.status, 0);
+        QCOMPARE(folder.names("p?.xml").size(), 5);
+    }
+
+    void noRoomForAnyProcess()
+    {
+        const Folder folder;
+        for (const char* command : { "convert --out-dir .", "check" }) {
+            const CommandRun run =
+                folder.shell(QStringLiteral("ulimit -n 12; $CLI %1 parcels.mif drawing.dxf")
+                                 .arg(QString::fromLatin1(command)));
+            QCOMPARE(run.status, 1);
+            QCOMPARE(run.errorLines().mid(0, 2),
+                words({ "parcels.mif: не хватает ресурсов, чтобы запустить процесс",
+                    "drawing.dxf: не хватает ресурсов, чтобы запустить процесс" }));
+            QVERIFY(run.errorLines().last().endsWith(QStringLiteral(": 2")));
+        }
+    }
+
+    void noRoomAtAll()
+    {
+        const Folder folder;
+        for (const char* command : { "convert", "check", "plan -o a.svg" }) {
+            const CommandRun run =
+                folder.shell(QStringLiteral("ulimit -n 5; exec \"${CLI##* }\" %1 parcels.mif")
+                                 .arg(QString::fromLatin1(command)));
+            QCOMPARE(run.status, 1);
+            QCOMPARE(run.errorLines(),
+                words({ "importgeometry: слишком мало файлов можно открыть (ulimit -n)" }));
+        }
+    }
+
+    // Pipes
+
+    void interruptWhileAPipeOpens_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("SIGINT") << SIGINT;
+        QTest::newRow("SIGTERM") << SIGTERM;
+    }
+
+    void interruptWhileAPipeOpens()
+    {
+        QFETCH(int, signal);
+        const Folder folder;
+        folder.shell(QStringLiteral("mkfifo a.xml"));
+        QProcess process;
+        process.setWorkingDirectory(folder.path());
+        startProgram(process, commandPath(), words({ "convert", "parcels.mif", "-o", "a.xml" }));
+        QVERIFY(process.waitForStarted());
+        waitForOpening(process);
+        kill(static_cast<pid_t>(process.processId()), signal);
+        const bool ended = process.waitForFinished(10000);
+        if (!ended)
+            process.kill();
+        QVERIFY(ended);
+        QCOMPARE(process.exitStatus(), QProcess::CrashExit);
+        QCOMPARE(process.exitCode(), signal);
+        QCOMPARE(process.readAllStandardError(), QByteArray("importgeometry: прервано\n"));
+    }
+
+    void pipesAreRefused_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("pipe");
+        const auto row = [](const char* script, const char* file, const char* pipe) {
+            QTest::newRow(script) << QString::fromLatin1(script) << QString::fromLatin1(file)
+                                  << QString::fromLatin1(pipe);
+        };
+        row("mkfifo a.mif; $CLI convert a.mif", "a.mif", "a.mif");
+        row("mkfifo a.mif; $CLI check a.mif", "a.mif", "a.mif");
+        row("mkfifo a.mif; $CLI plan a.mif -o a.svg", "a.mif", "a.mif");
+        row("mkfifo p.mif; $CLI convert parcels.mif --points p.mif", "parcels.mif", "p.mif");
+        row("cp parcels.mif a.mif; mkfifo a.mid; $CLI convert a.mif", "a.mif", "a.mid");
+    }
+
+    void pipesAreRefused()
+    {
+        QFETCH(QString, script);
+        QFETCH(QString, file);
+        QFETCH(QString, pipe);
+        const Folder folder;
+        const CommandRun run = folder.shell(script);
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.errorLines(),
+            QStringList(
+                QStringLiteral("%1: Ошибка открытия файла %2: это именованный канал; данные "
+                               "из канала подают на стандартный ввод")
+                    .arg(file, pipe)));
+        QCOMPARE(run.out, QByteArray());
+    }
+
+    void pipesBesideACheckedFile()
+    {
+        const Folder folder;
+        const CommandRun run =
+            folder.shell(QStringLiteral("cp parcels.mif a.mif; mkfifo p.mif a.mid; $CLI check "
+                                        "parcels.mif --points p.mif; $CLI check a.mif"));
+        QCOMPARE(run.status, 3);
+        const QString out = QString::fromUtf8(run.out);
+        for (const char* place : { "parcels.mif: сообщение: Ошибка открытия файла p.mif",
+                 "a.mif: сообщение: Ошибка открытия файла a.mid" }) {
+            QVERIFY2(out.contains(QString::fromUtf8(place)
+                         + QStringLiteral(": это именованный канал; данные из канала подают на "
+                                          "стандартный ввод\n")),
+                run.out);
+        }
+    }
+
+    void devicesAreRefused()
+    {
+        const Folder folder;
+        const CommandRun run = folder.shell(QStringLiteral("$CLI convert /dev/zero --format mif"));
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.errorLines(),
+            words({ "/dev/zero: Ошибка открытия файла /dev/zero: это устройство" }));
+    }
+
+    void standardInput_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::newRow("pipe") << QStringLiteral("cat drawing.dxf | $CLI convert - --format dxf");
+        QTest::newRow("file") << QStringLiteral("$CLI convert - --format dxf < drawing.dxf");
+        QTest::newRow("by its other name")
+            << QStringLiteral("cat drawing.dxf | $CLI convert /dev/stdin --format dxf");
+    }
+
+    void standardInput()
+    {
+        QFETCH(QString, script);
+        const Folder folder;
+        const CommandRun run = folder.shell(script);
+        QCOMPARE(run.err, QString());
+        QCOMPARE(run.status, 0);
+        QCOMPARE(run.out, folder.shell(QStringLiteral("$CLI convert drawing.dxf")).out);
+        QCOMPARE(folder.shell(QStringLiteral("cat drawing.dxf | $CLI convert -")).status, 2);
+    }
+
+    // Names and texts
+
+    void planOverItsInput()
+    {
+        const Folder folder;
+        const CommandRun run = folder.shell(QStringLiteral(
+            "cp parcels.mif a.svg; cp parcels.mid a.svd; $CLI plan a.svg --format mif -o ./a.svg"));
+        QCOMPARE(run.status, 2);
+        QCOMPARE(run.errorLines().first(),
+            QStringLiteral("importgeometry: ./a.svg: результат заменил бы исходный файл"));
+        QCOMPARE(
+            contentOf(folder.path(QStringLiteral("a.svg"))), contentOf(dataFile("parcels.mif")));
+        const CommandRun points = folder.shell(
+            QStringLiteral("cp points.mif b.svg; $CLI plan parcels.mif --points b.svg -o b.svg"));
+        QCOMPARE(points.status, 2);
+    }
+
+    void namesThatAreNoUtf8()
+    {
+        const Folder folder;
+        const CommandRun run =
+            folder.shell(QStringLiteral("cp parcels.mif %1; cp parcels.mid $'p\\xd3\\xf7.mid'; "
+                                        "$CLI convert %1 -o $'r\\xff.xml'; echo $?; "
+                                        "cmp $'r\\xff.xml' <($CLI convert parcels.mif); echo $?; "
+                                        "$CLI convert %1 parcels.mif --out-dir .; LC_ALL=C ls -b "
+                                        "*.xml; rm $'p\\xd3\\xf7'* $'r\\xff.xml'")
+                             .arg(strangeName));
+        QCOMPARE(run.out, QByteArray("0\n0\nparcels.xml\np\\323\\367.xml\nr\\377.xml\n"));
+        QCOMPARE(run.errorLines(),
+            words({ "p\\xD3\\xF7.mif: записано в ./p\\xD3\\xF7.xml",
+                "parcels.mif: записано в ./parcels.xml",
+                "Всего файлов: 2, записано: 2, с ошибками: 0" }));
+    }
+
+    void namesThatAreNoUtf8InReports()
+    {
+        const Folder folder;
+        const CommandRun run = folder.shell(QStringLiteral(
+            "cp parcels.mif %1; cp parcels.mid $'p\\xd3\\xf7.mid'; "
+            "$CLI check --encoding Windows-1251 %1 | tail -n 1; "
+            "$CLI check --json --encoding Windows-1251 %1 | grep '^        \"file\"'; "
+            "rm $'p\\xd3\\xf7'*")
+                                                .arg(strangeName));
+        QCOMPARE(QString::fromUtf8(run.out),
+            QStringLiteral("p\\xD3\\xF7.mif: замечаний нет\n"
+                           "        \"file\": \"p\\udcd3\\udcf7.mif\",\n"));
+    }
+
+    void controlCharacters()
+    {
+        // A designation that would end the line and another that would name the window.
+        const Folder folder;
+        folder.write(QStringLiteral("a.dxf"),
+            drawing("0\nTEXT\n10\n0\n20\n0\n1\nA%%010fine.dxf: ok%%027]0;x%%007\n"
+                    "0\nLINE\n10\n0\n20\n0\n11\n1\n21\n1\n0\nLINE\n10\n0\n20\n0\n11\n1\n21\n1\n"
+                    "0\nK\x1b[31m\n0\n\xC2\x9B"
+                    "2J\n"));
+        const CommandRun run = folder.shell(QStringLiteral("$CLI check a.dxf --encoding UTF-8"));
+        QCOMPARE(run.status, 3);
+        const QString text = QString::fromUtf8(run.out);
+        QVERIFY2(
+            text.contains(QStringLiteral("a.dxf: обозначение «A␊fine.dxf: ok␛]0;x␇» повторяется у "
+                                         "объектов 1, 2\n")),
+            run.out);
+        QVERIFY2(text.contains(QStringLiteral("a.dxf: K␛[31m: 1, ")), run.out);
+        QVERIFY2(text.contains(QStringLiteral("a.dxf: \\u{9B}2J: 1, ")), run.out);
+        for (const QString& line : text.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+            QVERIFY2(line.startsWith(QLatin1String("a.dxf:")), qPrintable(line));
+
+        const CommandRun json =
+            folder.shell(QStringLiteral("$CLI check a.dxf --encoding UTF-8 --json"));
+        QVERIFY2(json.out.contains("\\u009b2J") && !json.out.contains("\xC2\x9B"), json.out);
+    }
+
+    void controlCharactersInNames()
+    {
+        const Folder folder;
+        const CommandRun run = folder.shell(
+            QStringLiteral("cp broken.mif $'x\\n\\e[2J\\xe2\\x80\\xaey.mif'; cp broken.mid "
+                           "$'x\\n\\e[2J\\xe2\\x80\\xaey.mid'; "
+                           "$CLI convert x*y.mif -o a.xml; $CLI check x*y.mif | head -n 1"));
+        QCOMPARE(run.errorLines(),
+            words({ "x␊␛[2J\\u{202E}y.mif: Ошибка чтения области из строки: 22" }));
+        QVERIFY(QString::fromUtf8(run.out).startsWith(
+            QStringLiteral("x␊␛[2J\\u{202E}y.mif: прочитано объектов: 2")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCliFaults)
+#include "tst_clifaults.moc"
