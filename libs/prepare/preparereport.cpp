@@ -1,5 +1,7 @@
 #include "prepare/preparereport.h"
 
+#include "prepare/dxfpaircursor.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -109,6 +111,13 @@ QString noteId(Note note)
 QString noteText(Note note)
 {
     return QString::fromUtf8(rowOf(note).text);
+}
+
+void PrepareReport::notePassedOver(const DxfPairCursor& cursor)
+{
+    note(Note::Comments, cursor.comments());
+    note(Note::BlankLines, cursor.blankLines());
+    note(Note::StrayLines, cursor.strayLines());
 }
 
 void PrepareReport::drop(std::string_view kind, Note reason, qint64 count)
