@@ -200,9 +200,12 @@ void Dialog::exchangeObjects(QVector<DefPolygon>& objects)
 
 void Dialog::showPolygon(DefPolygon* polygon)
 {
-    // The fields may widen the table, without a signal: the reset shows the new columns too.
-    m_polygonModel.setFieldNumValueMap(m_fieldNumValueMap);
+    const int columnCount = m_polygonModel.columnCount();
     m_polygonModel.setPolygon(polygon);
+    m_polygonModel.setFieldNumValueMap(m_fieldNumValueMap);
+    // The extra fields widen the table without a signal: only a reset shows the new columns.
+    if (m_polygonModel.columnCount() != columnCount)
+        m_polygonModel.setPolygon(polygon);
 }
 
 void Dialog::procCurrentChanged(const QModelIndex& current, const QModelIndex& previous)
