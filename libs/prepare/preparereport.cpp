@@ -17,6 +17,7 @@ struct NoteRow {
 };
 
 constexpr NoteRow rows[] = {
+    { Note::Converted, Effect::Mended, "converted", "файл переведён в MIF программой ogr2ogr" },
     { Note::Binary, Effect::Mended, "binary", "двоичный чертёж записан текстом" },
     { Note::Comments, Effect::Mended, "comments", "убраны комментарии (код 999)" },
     { Note::BlankLines, Effect::Mended, "blank-lines", "убраны пустые строки" },

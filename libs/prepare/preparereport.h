@@ -15,6 +15,7 @@ class DxfPairCursor;
 /// What was done to a file, or to a part of it.
 enum class Note {
     // Mended without loss.
+    Converted,
     Binary,
     Comments,
     BlankLines,
