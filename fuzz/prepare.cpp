@@ -75,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     constexpr int most = 1 << 28;
     const PackedInput input(data, size);
     const bool isDxf = input.has('d');
-    const PrepareOptions options = optionsOf(input);
+    PrepareOptions options = optionsOf(input);
     const Prepared once = prepared(isDxf, input.text(0), input.text(1), options);
     require(once.written == once.report.failure.isEmpty(), "a failure is told");
     require(once.objects.size() < most && once.mid.size() < most, "the result is bounded");
@@ -87,6 +87,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         writeText(folder, QStringLiteral("plan.mid"), once.mid);
         requireReadWhole<MifImport>(folder, QStringLiteral("plan.mif"), once);
     }
+    // What told the encoding may have been left out.
+    options.fromEncoding = once.report.encoding;
     const Prepared twice = prepared(isDxf, once.objects, once.mid, options);
     require(twice.written && twice.objects == once.objects && twice.mid == once.mid,
         "what was prepared stays as it is");

@@ -92,12 +92,16 @@ Reason readLwpolyline(DxfRecords& records, Entity& entity)
     LwpolylineForm form;
     bool bad = false;
     int coordinates = 0;
+    int lastCode = 0; ///< of a coordinate
     DxfPair pair;
     while (records.pair(pair)) {
         if (pair.code == 10 || pair.code == 20) {
             // A pair of coordinates makes a vertex, whichever of them comes first.
-            if (coordinates++ % 2 == 0)
+            const bool isFirst = coordinates++ % 2 == 0;
+            if (isFirst)
                 shape.vertices.emplace_back();
+            bad = bad || (!isFirst && pair.code == lastCode);
+            lastCode = pair.code;
             const auto coordinate = toCoordinate(pair.value);
             bad = bad || !coordinate;
             Place& place = shape.vertices.back().place;

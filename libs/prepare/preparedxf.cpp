@@ -29,8 +29,11 @@ bool isDrawing(std::string_view bytes)
 /// that it writes as \U+XXXX because its code page has not got them.
 QByteArray codecOfAscii(const QByteArray& bytes, const DxfEncoding& declared)
 {
-    return declared.isUtf8 || view(bytes).find("\\U+") != std::string_view::npos ? QByteArray()
-                                                                                 : declared.codec;
+    if (declared.isUtf8)
+        return {};
+    const bool isEscaped =
+        declared.hasEscapes && view(bytes).find("\\U+") != std::string_view::npos;
+    return isEscaped ? QByteArray() : declared.codec;
 }
 
 void flattenDxf(
