@@ -35,7 +35,7 @@ struct CellHash {
 /// becomes one.
 class ContourJoiner::NodeFinder {
 public:
-    NodeFinder(double tolerance, std::vector<Node>& nodes)
+    NodeFinder(double tolerance, std::deque<Node>& nodes)
         : m_tolerance(tolerance)
         , m_nodes(nodes)
     {
@@ -81,7 +81,7 @@ private:
     }
 
     double m_tolerance;
-    std::vector<Node>& m_nodes;
+    std::deque<Node>& m_nodes;
     std::unordered_multimap<Cell, Entry, CellHash> m_cells;
 };
 

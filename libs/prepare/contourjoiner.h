@@ -4,6 +4,7 @@
 #include "prepare/preparereport.h"
 
 #include <cstddef>
+#include <deque>
 
 namespace prep {
 
@@ -56,9 +57,9 @@ private:
     double m_tolerance;
     FlatSink& m_sink;
     PrepareReport& m_report;
-    std::vector<FlatVertex> m_vertices;
-    std::vector<Contour> m_contours;
-    std::vector<Node> m_nodes;
+    std::deque<FlatVertex> m_vertices;
+    std::deque<Contour> m_contours;
+    std::deque<Node> m_nodes;
 };
 
 } // namespace prep

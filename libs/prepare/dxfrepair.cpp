@@ -36,6 +36,8 @@ public:
             m_out.settle();
         }
         endSection();
+        if (!m_hasHeader)
+            addHeader();
         m_out.pair(0, "EOF");
         m_out.flush();
         m_report.note(Note::EofAdded, m_hasEof ? 0 : 1);

@@ -28,7 +28,7 @@ qint64 mostWork(qint64 inputSize, const PrepareOptions& options)
 
 qint64 mostChordsOf(qint64 inputSize, const PrepareOptions& options)
 {
-    return options.join ? 400000 + inputSize / 16 : 4000000 + inputSize * 4;
+    return options.join ? 100000 + inputSize / 16 : 4000000 + inputSize * 4;
 }
 
 Affine rootMap(const PrepareOptions& options)

@@ -114,6 +114,18 @@ QString noteText(Note note)
     return QString::fromUtf8(rowOf(note).text);
 }
 
+KindTally& PrepareReport::tallyOf(std::string_view kind)
+{
+    // No drawing has so many, nor kinds with such names.
+    constexpr size_t mostKinds = 1000;
+    constexpr size_t mostLength = 64;
+    const std::string name(kind.substr(0, mostLength));
+    const auto found = m_kinds.find(name);
+    if (found != m_kinds.end())
+        return found->second;
+    return m_kinds[m_kinds.size() < mostKinds ? name : "..."];
+}
+
 void PrepareReport::notePassedOver(const DxfPairCursor& cursor)
 {
     note(Note::Comments, cursor.comments());
@@ -123,7 +135,7 @@ void PrepareReport::notePassedOver(const DxfPairCursor& cursor)
 
 void PrepareReport::drop(std::string_view kind, Note reason, qint64 count)
 {
-    KindTally& tally = m_kinds[key(kind)];
+    KindTally& tally = tallyOf(kind);
     (effectOf(reason) == Effect::Lost ? tally.lost : tally.leftOut) += count;
     note(reason, count);
 }

@@ -116,7 +116,7 @@ public:
     /// An entity was written; `changed` as something else than stood in the file.
     void write(std::string_view kind, bool changed)
     {
-        KindTally& tally = m_kinds[key(kind)];
+        KindTally& tally = tallyOf(kind);
         ++(changed ? tally.changed : tally.kept);
     }
     /// An entity was not written, for the reason that the note tells.
@@ -136,7 +136,7 @@ public:
     qint64 labels = 0;
 
 private:
-    static std::string key(std::string_view kind) { return std::string(kind.substr(0, 64)); }
+    KindTally& tallyOf(std::string_view kind);
 
     std::map<Note, qint64> m_notes;
     std::map<std::string, KindTally> m_kinds;

@@ -41,6 +41,8 @@ private slots:
     void entities_data();
     void entities();
     void otherSectionsStay();
+    void sectionWithoutName();
+    void manyKinds();
     void binary();
     void noDrawing_data();
     void noDrawing();
@@ -169,6 +171,23 @@ void TestDxfRepair::otherSectionsStay()
         "0 POLYLINE, 70 16, 0 ENDBLK",
         "0 TABLE, 2 LAYER, 0 LAYER, 2 a, 0 ENDTAB");
     QCOMPARE(repaired(drawing).bytes, drawing);
+}
+
+void TestDxfRepair::sectionWithoutName()
+{
+    QCOMPARE(repaired("0\nSECTION\nx\n").bytes,
+        QByteArray("0\nSECTION\n2\nHEADER\n0\nENDSEC\n0\nEOF\n"));
+}
+
+void TestDxfRepair::manyKinds()
+{
+    QByteArray entities;
+    for (int i = 0; i < 5000; ++i)
+        entities += "0\nK" + QByteArray::number(i) + "\n8\na\n";
+    const Prepared result = repaired("0\nSECTION\n2\nENTITIES\n" + entities + "0\nENDSEC\n");
+    // The rest counts as one kind.
+    QCOMPARE(result.report.kinds().size(), size_t(1001));
+    QCOMPARE(result.report.kinds().at("...").kept, qint64(4000));
 }
 
 void TestDxfRepair::binary()

@@ -148,6 +148,9 @@ void TestPrepareMif::headers_data()
     QTest::newRow("charset of two words") << QByteArray(
         "Version 300\nCharset \"Windows Cyrillic\"\nDelimiter \",\"\nColumns 1\n"
         "  a Char(9)\nData\n") << one("mif-header");
+    QTest::newRow("charset with a control character") << QByteArray(
+        "Version 300\nCharset \"Neu\ftral\"\nDelimiter \",\"\nColumns 1\n  a Char(9)\n"
+        "Data\n") << one("mif-header");
     QTest::newRow("semicolon") << QByteArray(
         "Version 300\nCharset \"Neutral\"\nDelimiter \";\"\nColumns 1\n  a Char(9)\nDATA\n")
                                << QStringList();
