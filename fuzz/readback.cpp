@@ -13,7 +13,7 @@ const QString fieldText = QStringLiteral("знак");
 bool isXmlText(const QString& text)
 {
     const QVector<uint> characters = text.toUcs4();
-    return std::all_of(characters.cbegin(), characters.cend(), [](uint c) {
+    return text.isValidUtf16() && std::all_of(characters.cbegin(), characters.cend(), [](uint c) {
         return c == '\t' || c == '\n' || (c >= 0x20 && c < 0xD800) || (c >= 0xE000 && c < 0xFFFE)
             || c >= 0x10000;
     }) && !text.contains(QChar::ReplacementCharacter);

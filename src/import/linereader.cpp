@@ -22,7 +22,7 @@ bool isHigh(char c)
 /// where there is none.
 const char* findSpecial(const char* begin, const char* end)
 {
-    constexpr quint64 ones = 0x0101010101010101ull;
+    constexpr quint64 ones = 0x0101010101010101ULL;
     constexpr quint64 highBits = ones * 0x80;
     constexpr quint64 carriageReturns = ones * '\r';
     const auto isSpecial = [end](const char* it) {
@@ -190,7 +190,7 @@ TextView LineReader::takePiece()
 
 TextView LineReader::completeLine(TextView piece)
 {
-    Line& line = m_lines[m_line];
+    const Line& line = m_lines[m_line];
     if (line.isUntouched() && (!piece.isAscii() || isPlain(piece, true))) {
         stashRest();
         return piece.isAscii() ? withoutCarriageReturn(piece) : piece;
