@@ -70,7 +70,7 @@ void DxfSurvey::startEntity(TextView kind, int line)
     if (!isVertex)
         endPolyline();
     m_sectionStarts = kind == QLatin1String("SECTION");
-    if (m_sectionStarts || m_section == Section::Other
+    if (m_sectionStarts || m_section == Section::Other || kind.isEmpty()
         || isOneOf(kind, { "SEQEND", "ENDSEC", "EOF", "BLOCK", "ENDBLK" }))
         return;
     if (m_section == Section::Blocks) {

@@ -120,7 +120,7 @@ void TestContourJoiner::report()
 void TestContourJoiner::longRow()
 {
     // A row that closes nowhere; were each walk as long as the row, this would not end.
-    constexpr int count = 200000;
+    constexpr int count = 50000;
     QByteArray drawing = "0\nSECTION\n2\nENTITIES\n";
     for (int i = count; i > 0; --i) {
         drawing += "0\nLINE\n10\n" + QByteArray::number(i) + "\n20\n0\n11\n"
