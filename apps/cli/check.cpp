@@ -29,6 +29,7 @@ struct CheckOptions {
     QVector<ImportTask> tasks;
     GeometryInfo columns;
     bool json = false;
+    int mostListed = listedFindings;
     int jobs = 1;
     QStringList forwarded; ///< the options that each process for one file gets
 };
@@ -70,7 +71,8 @@ void writeOut(const QByteArray& bytes)
 ExitStatus checkFile(const ImportTask& task, const CheckOptions& options)
 {
     spoolStandardInput(task.fileName());
-    const Report report = makeReport(*task.format, task.options, options.columns);
+    const Report report =
+        makeReport(*task.format, task.options, options.columns, options.mostListed);
     if (report.unreadable)
         printMessage(task.fileName(), report.messages.value(0).text);
     if (options.json)

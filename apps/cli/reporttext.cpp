@@ -34,12 +34,9 @@ public:
             addAt(message.fileName, message.line, QStringLiteral("сообщение: ") + message.text);
         for (const FileSurvey& survey : m_report.surveys)
             addCauses(survey);
-        for (const PointConflict& conflict : m_report.conflicts)
-            addConflict(conflict);
-        for (const DuplicateDef& duplicate : m_report.duplicates)
-            addDuplicate(duplicate);
-        for (const IncompleteObject& object : m_report.incomplete)
-            addIncomplete(object);
+        addAll(m_report.conflicts, &ReportText::addConflict, "точек в разных местах");
+        addAll(m_report.duplicates, &ReportText::addDuplicate, "повторяющихся обозначений");
+        addAll(m_report.incomplete, &ReportText::addIncomplete, "неполных контуров");
         add(m_report.findingCount() == 0
                 ? QStringLiteral("замечаний нет")
                 : QStringLiteral("замечаний: %1").arg(m_report.findingCount()));
@@ -47,8 +44,18 @@ public:
     }
 
 private:
-    /// More than these say no more to a reader; the JSON has them all.
-    static constexpr int maxListed = 10;
+    template <typename Finding>
+    void addAll(const Findings<Finding>& findings, void (ReportText::*addOne)(const Finding&),
+        const char* what)
+    {
+        for (const Finding& finding : findings.listed)
+            (this->*addOne)(finding);
+        if (findings.unlisted() > 0) {
+            add(QStringLiteral("и ещё %1: %2 (все показывает --all)")
+                    .arg(QString::fromUtf8(what))
+                    .arg(findings.unlisted()));
+        }
+    }
 
     void addAt(const QString& fileName, int line, const QString& text)
     {
@@ -84,19 +91,19 @@ private:
         }
     }
 
-    QString objectText(int object) const
+    static QString objectText(const ObjectName& object)
     {
-        return QStringLiteral("объект %1 %2").arg(object + 1).arg(quoted(m_report.defs.at(object)));
+        return QStringLiteral("объект %1 %2").arg(object.object + 1).arg(quoted(object.def));
     }
 
-    template <typename Items, typename ToText>
-    static QString list(const Items& items, ToText toText)
+    template <typename Item, typename ToText>
+    static QString list(const Findings<Item>& items, ToText toText)
     {
         QStringList texts;
-        for (int i = 0; i < items.size() && i < maxListed; ++i)
-            texts.append(toText(items.at(i)));
-        if (items.size() > maxListed)
-            texts.append(QStringLiteral("и ещё %1").arg(items.size() - maxListed));
+        for (const Item& item : items.listed)
+            texts.append(toText(item));
+        if (items.unlisted() > 0)
+            texts.append(QStringLiteral("и ещё %1").arg(items.unlisted()));
         return texts.join(QLatin1String(", "));
     }
 

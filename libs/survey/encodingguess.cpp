@@ -1,5 +1,7 @@
 #include "survey/encodingguess.h"
 
+#include <cstring>
+
 namespace {
 
 using Byte = unsigned char;
@@ -12,6 +14,24 @@ bool isHigh(char c)
 bool isLatinLetter(char c)
 {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+/// The length of the stretch of ASCII bytes that `bytes` starts with.
+size_t asciiLength(std::string_view bytes)
+{
+    constexpr size_t word = sizeof(quint64);
+    constexpr quint64 highBits = Q_UINT64_C(0x8080808080808080);
+    size_t length = 0;
+    quint64 eight = 0;
+    while (length + word <= bytes.size()) {
+        std::memcpy(&eight, bytes.data() + length, word);
+        if ((eight & highBits) != 0)
+            break;
+        length += word;
+    }
+    while (length < bytes.size() && !isHigh(bytes[length]))
+        ++length;
+    return length;
 }
 
 /// The number of bytes that follow the first one of a UTF-8 sequence, or -1.
@@ -59,13 +79,29 @@ bool isUtf16(std::string_view start, size_t high)
 
 void EncodingGuess::add(std::string_view bytes)
 {
-    for (const char byte : bytes) {
-        if (isHigh(m_last))
-            countHighByte(m_before, m_last, byte);
-        followSequence(byte);
-        m_before = m_last;
-        m_last = byte;
+    for (size_t i = 0; i < bytes.size(); ++i) {
+        // Behind an ASCII byte that is settled, only the last two of a stretch matter.
+        if (m_continuations == 0 && !isHigh(m_last)) {
+            const size_t length = asciiLength(bytes.substr(i));
+            i += length;
+            if (length > 0) {
+                m_before = length > 1 ? bytes[i - 2] : m_last;
+                m_last = bytes[i - 1];
+            }
+            if (i == bytes.size())
+                return;
+        }
+        addByte(bytes[i]);
     }
+}
+
+void EncodingGuess::addByte(char byte)
+{
+    if (isHigh(m_last))
+        countHighByte(m_before, m_last, byte);
+    followSequence(byte);
+    m_before = m_last;
+    m_last = byte;
 }
 
 void EncodingGuess::followSequence(char byte)

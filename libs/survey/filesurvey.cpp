@@ -8,15 +8,17 @@
 namespace {
 
 template <typename FormatSurveyor>
-std::unique_ptr<Surveyor> make(const ImportOptions& options, FileRole role, const ImportRun& run)
+std::unique_ptr<Surveyor> make(
+    const Format& format, const ImportOptions& options, FileRole role, const ImportRun& run)
 {
-    return std::make_unique<FormatSurveyor>(options, role, run);
+    return std::make_unique<FormatSurveyor>(format, options, role, run);
 }
 
 /// How the files of a format are surveyed.
 constexpr struct {
     const char* format;
-    std::unique_ptr<Surveyor> (*make)(const ImportOptions&, FileRole, const ImportRun&);
+    std::unique_ptr<Surveyor> (*make)(
+        const Format&, const ImportOptions&, FileRole, const ImportRun&);
 } surveyors[] = {
     { "mif", make<MifSurvey> },
     { "dxf", make<DxfSurvey> },
@@ -29,7 +31,7 @@ FileSurvey surveyFile(
 {
     for (const auto& row : surveyors) {
         if (format.id == QLatin1String(row.format))
-            return row.make(options, role, run)->survey();
+            return row.make(format, options, role, run)->survey();
     }
     return {};
 }

@@ -35,6 +35,7 @@ struct FileSurvey {
     QByteArray likelyEncoding; ///< a codec's name; empty for plain ASCII
     QString declaredEncoding; ///< what the file's header says
     bool encodingMatches = true; ///< the chosen encoding reads the texts as they are meant
+    bool isInDegrees = false; ///< the header says so
 };
 
 /// Surveys the file of a role; `options.encoding` is the name of the codec in force, and `run` the

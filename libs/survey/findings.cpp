@@ -24,12 +24,18 @@ void makeUnique(QVector<QPointF>& places)
     places.erase(std::unique(places.begin(), places.end(), isSame), places.end());
 }
 
-void findConflictsOf(int object, const DefPolygon& polygon, QVector<PointConflict>& found)
+/// Adds what one object has; lists no more than `most` in all.
+void addConflictsOf(
+    const ObjectName& object, const DefPolygon& polygon, int most, Findings<PointConflict>& found)
 {
     const QBitArray conflicting = conflictingPoints(polygon);
     if (conflicting.count(true) == 0)
         return;
-    const int first = found.size();
+    struct Conflict {
+        QString def;
+        QVector<QPointF> places;
+    };
+    QVector<Conflict> conflicts;
     QHash<DefKey, int> indices;
     int vertexIndex = 0;
     for (const QVector<DefPoint>& contour : polygon.contours) {
@@ -37,16 +43,21 @@ void findConflictsOf(int object, const DefPolygon& polygon, QVector<PointConflic
             if (!conflicting.testBit(vertexIndex++))
                 continue;
             const auto known = indices.constFind(DefKey{ vertex.def });
-            const int index = known == indices.cend() ? found.size() : *known;
+            const int index = known == indices.cend() ? conflicts.size() : *known;
             if (known == indices.cend()) {
                 indices.insert(DefKey{ vertex.def }, index);
-                found.append({ object, vertex.def, {} });
+                conflicts.append({ vertex.def, {} });
             }
-            found[index].places.append(QPointF(vertex.x, vertex.y));
+            conflicts[index].places.append(QPointF(vertex.x, vertex.y));
         }
     }
-    for (int i = first; i < found.size(); ++i)
-        makeUnique(found[i].places);
+    found.total += conflicts.size();
+    for (int i = 0; i < conflicts.size() && found.listed.size() < most; ++i) {
+        QVector<QPointF>& places = conflicts[i].places;
+        makeUnique(places);
+        found.listed.append(
+            { object, shortened(conflicts.at(i).def), { places.mid(0, most), places.size() } });
+    }
 }
 
 /// The vertices of a contour without the one that closes it.
@@ -78,17 +89,24 @@ bool isEastingFirst(const DefPoint& vertex)
 
 } // namespace
 
-QVector<PointConflict> findPointConflicts(const QVector<DefPolygon>& objects)
+QString shortened(const QString& def)
 {
-    QVector<PointConflict> found;
+    constexpr int most = 200;
+    return def.size() <= most ? def : def.left(most) + QChar(0x2026);
+}
+
+Findings<PointConflict> findPointConflicts(const QVector<DefPolygon>& objects, int most)
+{
+    Findings<PointConflict> found;
     for (int i = 0; i < objects.size(); ++i)
-        findConflictsOf(i, objects.at(i), found);
+        addConflictsOf({ i, shortened(objects.at(i).def) }, objects.at(i), most, found);
     return found;
 }
 
-QVector<DuplicateDef> findDuplicateDefs(const QVector<DefPolygon>& objects)
+Findings<DuplicateDef> findDuplicateDefs(const QVector<DefPolygon>& objects, int most)
 {
-    QVector<DuplicateDef> found;
+    constexpr int unlisted = -1;
+    Findings<DuplicateDef> found;
     const QBitArray duplicates = duplicateDefs(objects);
     QHash<DefKey, int> indices;
     for (int i = 0; i < objects.size(); ++i) {
@@ -96,31 +114,47 @@ QVector<DuplicateDef> findDuplicateDefs(const QVector<DefPolygon>& objects)
             continue;
         const QString& def = objects.at(i).def;
         const auto known = indices.constFind(DefKey{ def });
+        int index = unlisted;
         if (known != indices.cend()) {
-            found[*known].objects.append(i);
-            continue;
+            index = *known;
+        } else {
+            ++found.total;
+            if (found.listed.size() < most) {
+                index = found.listed.size();
+                found.listed.append({ shortened(def), {} });
+            }
+            indices.insert(DefKey{ def }, index);
         }
-        indices.insert(DefKey{ def }, found.size());
-        found.append({ def, { i } });
+        if (index == unlisted)
+            continue;
+        Findings<int>& bearers = found.listed[index].objects;
+        ++bearers.total;
+        if (bearers.listed.size() < most)
+            bearers.listed.append(i);
     }
     return found;
 }
 
-QVector<IncompleteObject> findIncompleteObjects(
-    const QVector<DefPolygon>& objects, const QVector<Shape>& shapes)
+Findings<IncompleteObject> findIncompleteObjects(
+    const QVector<DefPolygon>& objects, const QVector<Shape>& shapes, int most)
 {
-    QVector<IncompleteObject> found;
+    Findings<IncompleteObject> found;
     for (int i = 0; i < objects.size(); ++i) {
         const int needed = static_cast<int>(shapes.value(i, Shape::Line));
         const auto& contours = objects.at(i).contours;
+        const auto add = [&](int contour, int vertices) {
+            if (found.total++ < most)
+                found.listed.append(
+                    { { i, shortened(objects.at(i).def) }, contour, vertices, needed });
+        };
         if (contours.isEmpty())
-            found.append({ i, -1, 0, needed });
+            add(-1, 0);
         for (int contour = 0; contour < contours.size(); ++contour) {
             const bool isArea = needed == static_cast<int>(Shape::Area);
             const int vertices =
                 isArea ? openSize(contours.at(contour)) : contours.at(contour).size();
             if (vertices < needed)
-                found.append({ i, contour, vertices, needed });
+                add(contour, vertices);
         }
     }
     return found;
@@ -144,4 +178,59 @@ AxisOrder guessAxisOrder(const QVector<DefPolygon>& objects)
     if (isMost(eastingFirst))
         return AxisOrder::EastingFirst;
     return isMost(northingFirst) ? AxisOrder::NorthingFirst : AxisOrder::Unknown;
+}
+
+namespace {
+
+/// The extent of an object's places.
+struct Extent {
+    double minX = std::numeric_limits<double>::infinity();
+    double maxX = -std::numeric_limits<double>::infinity();
+    double minY = std::numeric_limits<double>::infinity();
+    double maxY = -std::numeric_limits<double>::infinity();
+
+    explicit Extent(const DefPolygon& object)
+    {
+        for (const QVector<DefPoint>& contour : object.contours) {
+            for (const DefPoint& vertex : contour) {
+                minX = std::min(minX, vertex.x);
+                maxX = std::max(maxX, vertex.x);
+                minY = std::min(minY, vertex.y);
+                maxY = std::max(maxY, vertex.y);
+            }
+        }
+    }
+};
+
+/// Whether an object of this extent is a small one in degrees.
+bool isInDegrees(const Extent& extent)
+{
+    constexpr double most = 0.36;
+    const auto isOnEarth = [](double least, double greatest, double limit) {
+        return greatest <= limit && least >= -limit && (least >= 1 || greatest <= -1);
+    };
+    return extent.maxX - extent.minX <= most && extent.maxY - extent.minY <= most
+        && isOnEarth(extent.minX, extent.maxX, 180) && isOnEarth(extent.minY, extent.maxY, 90);
+}
+
+} // namespace
+
+std::optional<QPointF> guessDegrees(const QVector<DefPolygon>& objects)
+{
+    qint64 total = 0;
+    qint64 inDegrees = 0;
+    QPointF sum;
+    for (const DefPolygon& object : objects) {
+        if (object.contours.isEmpty())
+            continue;
+        const Extent extent(object);
+        ++total;
+        if (!isInDegrees(extent))
+            continue;
+        ++inDegrees;
+        sum += QPointF(extent.minX / 2 + extent.maxX / 2, extent.minY / 2 + extent.maxY / 2);
+    }
+    if (total == 0 || inDegrees * 10 < total * 9)
+        return {};
+    return sum / static_cast<double>(inDegrees);
 }
