@@ -1,7 +1,9 @@
 #include "commands.h"
+#include "fileprogress.h"
 #include "geometry/designation.h"
 #include "importarguments.h"
 #include "jobs.h"
+#include "losses.h"
 #include "outputfile.h"
 #include "resultwriter.h"
 #include "standardinput.h"
@@ -21,16 +23,14 @@ const QString standardOutput = QStringLiteral("-");
 
 QList<QCommandLineOption> convertCommandLineOptions()
 {
-    return {
+    return QList<QCommandLineOption>{
         { { QStringLiteral("o"), QStringLiteral("output") },
             QStringLiteral("Куда записать результат; «-» или без параметра - стандартный вывод."),
             QStringLiteral("ФАЙЛ") },
         { QStringLiteral("out-dir"),
             QStringLiteral("Папка результатов: для каждого файла - файл xml того же имени."),
             QStringLiteral("ПАПКА") },
-        { QStringLiteral("jobs"),
-            QStringLiteral("Сколько файлов обрабатывать одновременно; без параметра - 1."),
-            QStringLiteral("ЧИСЛО"), QStringLiteral("1") },
+        jobsOption(),
         { QStringLiteral("partial"),
             QStringLiteral("Записать и то, что прочитано до ошибки импорта.") },
         { QStringLiteral("field"),
@@ -45,7 +45,8 @@ QList<QCommandLineOption> convertCommandLineOptions()
         { QStringLiteral("object-column"),
             QStringLiteral("Столбец обозначения объекта, считая с 1; без параметра - 1."),
             QStringLiteral("ЧИСЛО"), QStringLiteral("1") },
-    };
+    }
+    + tellingOptions();
 }
 
 void readField(const QString& text, QMap<int, QString>& fields)
@@ -93,14 +94,15 @@ void makeEncodable(QVector<DefPolygon>& objects)
     }
 }
 
-QString targetIn(const QString& folder, const QString& fileName)
+QString targetIn(const QString& folder, const ImportTask& task)
 {
-    return QDir(folder).filePath(QFileInfo(fileName).completeBaseName() + QStringLiteral(".xml"));
+    const QDir place(task.subfolder.isEmpty() ? folder : QDir(folder).filePath(task.subfolder));
+    return QDir::cleanPath(
+        place.filePath(QFileInfo(task.fileName()).completeBaseName() + QStringLiteral(".xml")));
 }
 
-QStringList readTargets(const QCommandLineParser& parser)
+QStringList readTargets(const QCommandLineParser& parser, const QVector<ImportTask>& tasks)
 {
-    const QStringList files = parser.positionalArguments();
     const QString output = parser.value(QStringLiteral("output"));
     const QString folder = parser.value(QStringLiteral("out-dir"));
     for (const char* option : { "output", "out-dir" }) {
@@ -110,22 +112,24 @@ QStringList readTargets(const QCommandLineParser& parser)
     }
     if (!output.isEmpty() && !folder.isEmpty())
         throw Failure{ WrongUsage, QStringLiteral("-o и --out-dir вместе не указывают") };
-    if (folder.isEmpty() && files.size() > 1)
+    if (folder.isEmpty() && tasks.size() > 1)
         throw Failure{ WrongUsage, QStringLiteral("для нескольких файлов укажите --out-dir") };
     if (folder.isEmpty())
         return { output.isEmpty() ? standardOutput : output };
 
     QStringList targets;
-    for (const QString& file : files)
-        targets.append(targetIn(folder, file));
+    for (const ImportTask& task : tasks)
+        targets.append(targetIn(folder, task));
     return targets;
 }
 
 /// What the command line asks for.
 struct ConvertOptions {
     QVector<ImportTask> tasks;
+    Telling telling;
     QStringList targets; ///< of the files, in their order
     ResultOptions result;
+    bool makesFolders = false;
     bool partial = false;
     bool sort = false;
     int jobs = 1;
@@ -135,15 +139,18 @@ struct ConvertOptions {
 ConvertOptions readConvertOptions(const QCommandLineParser& parser)
 {
     ConvertOptions options;
-    options.targets = readTargets(parser);
     options.tasks = readImportTasks(parser);
+    options.telling = readTelling(parser);
+    options.targets = readTargets(parser, options.tasks);
+    options.makesFolders = parser.isSet(QStringLiteral("out-dir"));
     checkTargets(options.tasks, options.targets);
     options.result = readResultOptions(parser);
     options.partial = parser.isSet(QStringLiteral("partial"));
     options.sort = parser.isSet(QStringLiteral("sort"));
     options.jobs = readNumber(parser, QStringLiteral("jobs"), 1, maxJobs);
     options.forwarded = forwardedArguments(parser, convertCommandLineOptions(),
-        { QStringLiteral("output"), QStringLiteral("out-dir"), QStringLiteral("jobs") });
+        { QStringLiteral("output"), QStringLiteral("out-dir"), QStringLiteral("jobs"),
+            QStringLiteral("recursive") });
     return options;
 }
 
@@ -157,17 +164,31 @@ void writeXml(const QString& target, QVector<DefPolygon>& objects, const ResultO
     out.commit();
 }
 
+/// Makes the folders that the results are to be in.
+void makeFolders(const ConvertOptions& options)
+{
+    if (!options.makesFolders)
+        return;
+    for (const QString& target : options.targets)
+        QDir().mkpath(QFileInfo(target).path());
+}
+
 ExitStatus convertFile(const ConvertOptions& options)
 {
-    const ImportTask& task = options.tasks.first();
+    ImportTask task = options.tasks.first();
     const QString& target = options.targets.first();
+    makeFolders(options);
     OutputFile::checkPlace(target);
     spoolStandardInput(task.fileName());
+    const FileProgress progress(filesOf(*task.format, task.options), options.telling.quiet);
+    resolveEncoding(task, options.telling);
     ImportRun import = runImport(*task.format, task.options);
     for (const ImportMessage& message : qAsConst(import.messages))
         printMessage(task.fileName(), message.text);
     const bool failed = !import.messages.isEmpty();
     if (failed && !options.partial)
+        return Failed;
+    if (!failed && !tellLosses(task, import, &options.result.info, options.telling))
         return Failed;
     if (options.sort)
         sortObjects(import.objects);
@@ -186,6 +207,7 @@ QString outcome(const JobResult& result, const QString& target)
 /// Every file in a process of its own: what goes wrong with one costs only that one.
 ExitStatus convertFiles(const ConvertOptions& options)
 {
+    makeFolders(options);
     OutputFile::checkPlace(options.targets.first());
     QList<QStringList> argumentLists;
     for (int i = 0; i < options.tasks.size(); ++i) {
@@ -197,14 +219,16 @@ ExitStatus convertFiles(const ConvertOptions& options)
     runJobs(
         argumentLists, options.jobs, [&](int index, const JobResult& result, Progress& progress) {
             progress.print(result.errors);
-            progress.print(options.tasks.at(index).fileName() + QStringLiteral(": ")
-                + outcome(result, options.targets.at(index)));
+            if (!options.telling.quiet || !result.exited() || result.status != Done)
+                progress.print(options.tasks.at(index).fileName() + QStringLiteral(": ")
+                    + outcome(result, options.targets.at(index)));
             failures += !result.exited() || result.status != Done ? 1 : 0;
         });
-    printError(QStringLiteral("Всего файлов: %1, записано: %2, с ошибками: %3")
-                   .arg(options.tasks.size())
-                   .arg(options.tasks.size() - failures)
-                   .arg(failures));
+    if (!options.telling.quiet)
+        printError(QStringLiteral("Всего файлов: %1, записано: %2, с ошибками: %3")
+                       .arg(options.tasks.size())
+                       .arg(options.tasks.size() - failures)
+                       .arg(failures));
     return failures == 0 ? Done : Failed;
 }
 

@@ -12,7 +12,8 @@ class QCommandLineParser;
 /// A file of the command line and how it is imported.
 struct ImportTask {
     const Format* format; ///< never null
-    ImportOptions options;
+    ImportOptions options; ///< the encoding may be "auto" until it is resolved
+    QString subfolder; ///< where a folder was named: the place of the file below it
 
     const QString& fileName() const { return options.objectFileName; }
 };
@@ -20,7 +21,8 @@ struct ImportTask {
 /// The options of the command line that every command has.
 QList<QCommandLineOption> importCommandLineOptions();
 
-/// The files of the command line, in order, each with what the options say of all of them.
+/// The files of the command line, and of the folders on it, in order, each with what the options
+/// say of all of them.
 QVector<ImportTask> readImportTasks(const QCommandLineParser& parser);
 
 /// The option --columns, for the commands that know of the host's catalogue.

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 
@@ -15,6 +16,8 @@
 namespace {
 
 constexpr int bufferSize = 1 << 20;
+
+std::atomic<qint64> totalWritten{ 0 };
 
 QString errorText(int error)
 {
@@ -119,6 +122,11 @@ void OutputFile::checkPlace(const QString& fileName)
 
 OutputFile::~OutputFile() = default;
 
+qint64 OutputFile::bytesWritten()
+{
+    return totalWritten;
+}
+
 void OutputFile::commit()
 {
     flushBuffer();
@@ -128,6 +136,9 @@ void OutputFile::commit()
         if (saved ? !saved->commit() : m_file->error() != QFileDevice::NoError)
             m_error = errno != 0 ? errno : EIO;
     }
+    // Whoever read the answer has had enough of it: nothing to tell.
+    if (m_error == EPIPE && m_fileName == QLatin1String("-"))
+        throw Failure{ Failed, QString() };
     if (m_error != 0)
         fail(m_fileName, QStringLiteral("ошибка записи"), m_error);
 }
@@ -155,5 +166,6 @@ void OutputFile::flushBuffer()
     }
     if (m_error == 0 && m_file->write(m_buffer) != m_buffer.size())
         m_error = errno != 0 ? errno : EIO;
+    totalWritten += m_buffer.size();
     m_buffer.resize(0);
 }

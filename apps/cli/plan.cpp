@@ -1,5 +1,7 @@
 #include "commands.h"
+#include "fileprogress.h"
 #include "importarguments.h"
+#include "losses.h"
 #include "outputfile.h"
 #include "plan/planfile.h"
 #include "standardinput.h"
@@ -7,6 +9,7 @@
 
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSize>
 
 namespace {
@@ -15,7 +18,7 @@ constexpr int maxSide = 20000;
 
 QList<QCommandLineOption> planCommandLineOptions()
 {
-    return {
+    return QList<QCommandLineOption>{
         { { QStringLiteral("o"), QStringLiteral("output") },
             QStringLiteral("Файл рисунка; вид рисунка - по расширению."),
             QStringLiteral("ФАЙЛ.svg|ФАЙЛ.png") },
@@ -24,14 +27,17 @@ QList<QCommandLineOption> planCommandLineOptions()
             QStringLiteral("ШxВ"), QStringLiteral("1600x1200") },
         { QStringLiteral("partial"),
             QStringLiteral("Нарисовать и то, что прочитано до ошибки импорта.") },
-    };
+    }
+    + tellingOptions();
 }
 
 QSize readSize(const QCommandLineParser& parser)
 {
     const QString what = QStringLiteral("--size");
     const QString text = parser.value(QStringLiteral("size"));
-    const QStringList sides = text.split(QLatin1Char('x'));
+    // As people type it: Latin or Cyrillic, or the sign itself.
+    static const QRegularExpression separator(QStringLiteral("[xXхХ×]"));
+    const QStringList sides = text.split(separator);
     if (sides.size() != 2)
         throw Failure{ WrongUsage, QStringLiteral("%1: ожидается ШxВ, а не «%2»").arg(what, text) };
     return { parseNumber(sides.at(0), what, 200, maxSide),
@@ -55,6 +61,7 @@ struct PlanOptions {
     QString target;
     PlanFormat format = PlanFormat::Svg;
     QSize size;
+    Telling telling;
     bool partial = false;
 };
 
@@ -64,6 +71,7 @@ PlanOptions readPlanOptions(const QCommandLineParser& parser)
     options.target = parser.value(QStringLiteral("output"));
     options.format = readPlanFormat(options.target);
     options.size = readSize(parser);
+    options.telling = readTelling(parser);
     options.tasks = readImportTasks(parser);
     checkTargets(options.tasks, { options.target });
     options.partial = parser.isSet(QStringLiteral("partial"));
@@ -93,15 +101,21 @@ ExitStatus runPlan(const QCommandLineParser& parser)
 
     QVector<DefPolygon> objects;
     bool failed = false;
-    for (const ImportTask& task : options.tasks) {
+    bool complete = true;
+    for (ImportTask task : options.tasks) {
         spoolStandardInput(task.fileName());
+        const FileProgress progress(filesOf(*task.format, task.options), options.telling.quiet);
+        resolveEncoding(task, options.telling);
         const ImportRun import = runImport(*task.format, task.options);
         objects += import.objects;
         failed = failed || !import.messages.isEmpty();
         for (const ImportMessage& message : import.messages)
             printMessage(task.fileName(), message.text);
+        // A picture shows the axes for itself.
+        if (import.messages.isEmpty())
+            complete = tellLosses(task, import, nullptr, options.telling) && complete;
     }
-    if (failed && !options.partial)
+    if ((failed && !options.partial) || !complete)
         return Failed;
     writePicture(options, objects);
     return failed ? Failed : Done;

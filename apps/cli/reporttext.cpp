@@ -18,8 +18,9 @@ QString placeText(const QString& fileName, int line)
 
 class ReportText {
 public:
-    explicit ReportText(const Report& report)
+    ReportText(const Report& report, bool inColours)
         : m_report(report)
+        , m_inColours(inColours)
     {
     }
 
@@ -31,7 +32,8 @@ public:
         for (const FileSurvey& survey : m_report.surveys)
             addContents(survey);
         for (const ReportMessage& message : m_report.messages)
-            addAt(message.fileName, message.line, QStringLiteral("сообщение: ") + message.text);
+            addAt(
+                message.fileName, message.line, QStringLiteral("сообщение: ") + message.text, red);
         for (const FileSurvey& survey : m_report.surveys)
             addCauses(survey);
         addAll(m_report.conflicts, &ReportText::addConflict, "точек в разных местах");
@@ -44,6 +46,11 @@ public:
     }
 
 private:
+    // The numbers of colours on a terminal.
+    static constexpr int red = 31;
+    static constexpr int green = 32;
+    static constexpr int yellow = 33;
+
     template <typename Finding>
     void addAll(const Findings<Finding>& findings, void (ReportText::*addOne)(const Finding&),
         const char* what)
@@ -57,9 +64,11 @@ private:
         }
     }
 
-    void addAt(const QString& fileName, int line, const QString& text)
+    void addAt(const QString& fileName, int line, const QString& text, int colour = 0)
     {
-        m_text += printable(placeText(fileName, line) + text) + QLatin1Char('\n');
+        const QString shown = printable(text);
+        m_text += printable(placeText(fileName, line))
+            + (colour > 0 ? coloured(shown, colour) : shown) + QLatin1Char('\n');
     }
 
     void add(const QString& text) { addAt(m_report.fileName, 0, text); }
@@ -86,8 +95,10 @@ private:
     void addCauses(const FileSurvey& survey)
     {
         for (const FoundCause& found : survey.causes) {
-            addAt(found.fileName, found.line, QStringLiteral("причина: ") + causeText(found));
-            addAt(found.fileName, found.line, QStringLiteral("что делать: ") + remedyText(found));
+            addAt(
+                found.fileName, found.line, QStringLiteral("причина: ") + causeText(found), yellow);
+            addAt(found.fileName, found.line, QStringLiteral("что делать: ") + remedyText(found),
+                green);
         }
     }
 
@@ -137,13 +148,20 @@ private:
                 .arg(object.needed));
     }
 
+    /// `text` in the colour of this number, which terminals know.
+    QString coloured(const QString& text, int colour) const
+    {
+        return m_inColours ? QStringLiteral("\033[%1m%2\033[0m").arg(colour).arg(text) : text;
+    }
+
     const Report& m_report;
+    const bool m_inColours;
     QString m_text;
 };
 
 } // namespace
 
-QString reportText(const Report& report)
+QString reportText(const Report& report, bool inColours)
 {
-    return ReportText(report).text();
+    return ReportText(report, inColours).text();
 }

@@ -3,6 +3,8 @@
 #include "survey/dxfsurvey.h"
 #include "survey/mifsurvey.h"
 
+#include <QFileInfo>
+
 #include <memory>
 
 namespace {
@@ -25,6 +27,27 @@ constexpr struct {
 };
 
 } // namespace
+
+QByteArray likelyEncoding(const Format& format, const QString& fileName)
+{
+    EncodingGuess guess;
+    QFile file(fileName);
+    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray start = file.read(EncodingGuess::sampleSize);
+    const std::string_view sample(start.constData(), static_cast<size_t>(start.size()));
+    const QByteArray mark = codecOfMark(sample);
+    const QByteArray wide = mark.isEmpty() ? utf16WithoutMark(sample) : mark;
+    if (!wide.isEmpty())
+        return wide;
+    for (const QString& name : { fileName, format.companionFile(fileName) }) {
+        ByteLines lines;
+        if (name.isEmpty() || !lines.open(name, nullptr, &guess))
+            continue;
+        while (lines.next()) { }
+    }
+    return guess.codecName();
+}
 
 FileSurvey surveyFile(
     const Format& format, const ImportOptions& options, FileRole role, const ImportRun& run)
