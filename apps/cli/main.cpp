@@ -18,7 +18,8 @@
 
 namespace {
 
-const Command* const commands[] = { &convertCommand, &checkCommand, &planCommand, &prepareCommand };
+const Command* const commands[] = { &convertCommand, &checkCommand, &planCommand, &exportCommand,
+    &prepareCommand };
 
 /// Gives Qt's parser of command lines Russian texts wherever the program runs.
 class ParserTexts : public QTranslator {
