@@ -96,9 +96,9 @@ void makeEncodable(QVector<DefPolygon>& objects)
 
 QString targetIn(const QString& folder, const ImportTask& task)
 {
-    const QDir place(task.subfolder.isEmpty() ? folder : QDir(folder).filePath(task.subfolder));
-    return QDir::cleanPath(
-        place.filePath(QFileInfo(task.fileName()).completeBaseName() + QStringLiteral(".xml")));
+    const bool isAtTop = task.subfolder.isEmpty() || task.subfolder == QLatin1String(".");
+    const QDir place(isAtTop ? folder : QDir(folder).filePath(task.subfolder));
+    return place.filePath(QFileInfo(task.fileName()).completeBaseName() + QStringLiteral(".xml"));
 }
 
 QStringList readTargets(const QCommandLineParser& parser, const QVector<ImportTask>& tasks)

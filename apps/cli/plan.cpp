@@ -5,6 +5,7 @@
 #include "outputfile.h"
 #include "plan/planfile.h"
 #include "standardinput.h"
+#include "survey/findings.h"
 #include "targets.h"
 
 #include <QCommandLineParser>
@@ -20,10 +21,20 @@ QList<QCommandLineOption> planCommandLineOptions()
 {
     return QList<QCommandLineOption>{
         { { QStringLiteral("o"), QStringLiteral("output") },
-            QStringLiteral("Файл рисунка; вид рисунка - по расширению."),
+            QStringLiteral("Файл рисунка; вид рисунка - по расширению; «-» - стандартный "
+                           "вывод."),
             QStringLiteral("ФАЙЛ.svg|ФАЙЛ.png") },
+        { QStringLiteral("to"),
+            QStringLiteral("Вид рисунка, если его не назвало расширение; для «-» - svg."),
+            QStringLiteral("svg|png") },
+        { QStringLiteral("north-up"),
+            QStringLiteral("Север вверху: первая координата - северная, если величины не говорят "
+                           "иного.") },
+        { QStringLiteral("as-is"),
+            QStringLiteral("Первая координата вправо, вторая вверх, что бы они ни значили.") },
         { QStringLiteral("size"),
-            QStringLiteral("Ширина и высота рисунка в пикселях; без параметра - 1600x1200."),
+            QStringLiteral("Ширина и высота рисунка в пикселях; без параметра - по форме объектов, "
+                           "не больше 1600x1200."),
             QStringLiteral("ШxВ"), QStringLiteral("1600x1200") },
         { QStringLiteral("partial"),
             QStringLiteral("Нарисовать и то, что прочитано до ошибки импорта.") },
@@ -44,15 +55,41 @@ QSize readSize(const QCommandLineParser& parser)
         parseNumber(sides.at(1), what, 200, maxSide) };
 }
 
-PlanFormat readPlanFormat(const QString& target)
+PlanFormat readPlanFormat(const QCommandLineParser& parser, const QString& target)
 {
-    const QString suffix = QFileInfo(target).suffix().toLower();
+    const QString to = parser.value(QStringLiteral("to")).toLower();
+    const QString suffix = to.isEmpty() ? QFileInfo(target).suffix().toLower() : to;
+    if (target == QLatin1String("-") && to.isEmpty())
+        return PlanFormat::Svg;
     if (suffix == QLatin1String("svg"))
         return PlanFormat::Svg;
     if (suffix == QLatin1String("png"))
         return PlanFormat::Png;
     throw Failure{ WrongUsage,
         QStringLiteral("укажите файл рисунка: -o ФАЙЛ.svg или -o ФАЙЛ.png") };
+}
+
+/// What decides which coordinate runs upwards.
+enum class Orientation { Auto, NorthUp, AsIs };
+
+Orientation readOrientation(const QCommandLineParser& parser)
+{
+    const bool northUp = parser.isSet(QStringLiteral("north-up"));
+    const bool asIs = parser.isSet(QStringLiteral("as-is"));
+    if (northUp && asIs)
+        throw Failure{ WrongUsage, QStringLiteral("--north-up и --as-is вместе не указывают") };
+    return northUp ? Orientation::NorthUp : asIs ? Orientation::AsIs : Orientation::Auto;
+}
+
+PlanAxes axesOf(const QVector<DefPolygon>& objects, Orientation orientation)
+{
+    const AxisOrder order = guessAxisOrder(objects);
+    if (orientation == Orientation::AsIs)
+        return { false, order == AxisOrder::EastingFirst };
+    // Who asks for the north where sizes tell nothing has the northing first, as catalogues do.
+    if (orientation == Orientation::NorthUp)
+        return { order != AxisOrder::EastingFirst, true };
+    return { order == AxisOrder::NorthingFirst, order != AxisOrder::Unknown };
 }
 
 /// What the command line asks for.
@@ -62,6 +99,8 @@ struct PlanOptions {
     PlanFormat format = PlanFormat::Svg;
     QSize size;
     Telling telling;
+    bool hasSize = false; ///< and not only the most
+    Orientation orientation = Orientation::Auto;
     bool partial = false;
 };
 
@@ -69,8 +108,10 @@ PlanOptions readPlanOptions(const QCommandLineParser& parser)
 {
     PlanOptions options;
     options.target = parser.value(QStringLiteral("output"));
-    options.format = readPlanFormat(options.target);
+    options.format = readPlanFormat(parser, options.target);
     options.size = readSize(parser);
+    options.hasSize = parser.isSet(QStringLiteral("size"));
+    options.orientation = readOrientation(parser);
     options.telling = readTelling(parser);
     options.tasks = readImportTasks(parser);
     checkTargets(options.tasks, { options.target });
@@ -89,7 +130,9 @@ QString titleOf(const QVector<ImportTask>& tasks)
 void writePicture(const PlanOptions& options, const QVector<DefPolygon>& objects)
 {
     OutputFile out(options.target);
-    if (!writePlan(out, options.format, options.size, objects, titleOf(options.tasks)))
+    PlanPainter plan(objects, axesOf(objects, options.orientation));
+    const QSize size = options.hasSize ? options.size : plan.pageWithin(options.size);
+    if (!writePlan(out, options.format, size, plan, titleOf(options.tasks)))
         throw Failure{ Failed, QStringLiteral("для рисунка такого размера не хватает памяти") };
     out.commit();
 }

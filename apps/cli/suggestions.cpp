@@ -31,7 +31,7 @@ QString nearestName(const QString& typed, const QStringList& names)
     constexpr int longest = 64;
     if (typed.size() > longest)
         return {};
-    int least = std::max(1, typed.size() / 2);
+    int least = std::max(1, typed.size() / 3);
     QString nearest;
     for (const QString& name : names) {
         // A beginning of a name is as good as a slip.
