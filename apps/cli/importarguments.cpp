@@ -191,7 +191,7 @@ QVector<ImportTask> readImportTasks(const QCommandLineParser& parser)
             ImportTask task{ &findFormat(file, format), options, {} };
             task.options.objectFileName = file;
             if (isFolder)
-                task.subfolder = QDir(argument).relativeFilePath(QFileInfo(file).path());
+                task.subfolder = QDir(argument).relativeFilePath(QFileInfo(file).absolutePath());
             if (!isFolder || !isSameFile(file, options.pointFileName))
                 tasks.append(task);
         }

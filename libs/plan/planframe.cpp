@@ -70,11 +70,11 @@ void PlanFrame::drawGrid()
     for (int i = 0; i < most; ++i) {
         const double x = startX + i * step;
         const QPointF foot = m_view.at(x, startY);
-        if (!(foot.x() < frame.right() - arm))
+        if (!(foot.x() < frame.right() - arm) || !std::isfinite(x))
             break;
         for (int j = 0; j < most; ++j) {
             const QPointF place = m_view.at(x, startY + j * step);
-            if (!(place.y() > frame.top() + arm))
+            if (!(place.y() > frame.top() + arm) || !std::isfinite(place.x()))
                 break;
             crosses.append(
                 QPolygonF(QVector<QPointF>{ place - QPointF(arm, 0), place + QPointF(arm, 0) }));
@@ -86,7 +86,7 @@ void PlanFrame::drawGrid()
     }
     for (int j = 0; j < most; ++j) {
         const QPointF foot = m_view.at(startX, startY + j * step);
-        if (!(foot.y() > frame.top() + 2 * lineHeight))
+        if (!(foot.y() > frame.top() + 2 * lineHeight) || !std::isfinite(startY + j * step))
             break;
         text(QPointF(frame.left() + 2, foot.y() - 2), number(startY + j * step), planGrey);
         m_space.take(QRectF(frame.left(), foot.y() - 14, 70, 14));

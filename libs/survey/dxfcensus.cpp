@@ -61,7 +61,7 @@ void DxfCensus::take(ByteLines& lines)
         // Only short codes are looked for.
         m_code = std::string_view(code.data(), size);
         if (size <= 2)
-            takePair(lines.line, lines.number - 1);
+            takePair(lines.line, lines.number);
     }
     endEntity();
     endPolyline();
@@ -73,7 +73,7 @@ void DxfCensus::takePair(std::string_view value, int line)
         endEntity();
         startEntity(trimmed(value), line);
     } else if (m_role != Role::None || m_section == Section::Header) {
-        takeValue(value, line);
+        takeValue(value);
     }
 }
 
@@ -142,7 +142,7 @@ void DxfCensus::countKind(std::string_view kind, const char* suffix)
     ++m_lastCount->count;
 }
 
-void DxfCensus::takeValue(std::string_view value, int line)
+void DxfCensus::takeValue(std::string_view value)
 {
     const auto is = [this](const char* code) { return m_code == code; };
     if (is("1")) {
@@ -200,7 +200,6 @@ void DxfCensus::takeValue(std::string_view value, int line)
         const std::string_view name = trimmed(value).substr(0, maxNameLength);
         codepage = QByteArray(name.data(), static_cast<int>(name.size()));
     }
-    Q_UNUSED(line)
 }
 
 void DxfCensus::endEntity()

@@ -59,7 +59,7 @@ private:
     };
 
     void takePair(std::string_view value, int line);
-    void takeValue(std::string_view value, int line);
+    void takeValue(std::string_view value);
     void startEntity(std::string_view kind, int line);
     void startBlockContent(std::string_view kind);
     void countKind(std::string_view kind, const char* suffix);

@@ -69,7 +69,11 @@ void MifSurvey::takeObjectLine(std::string_view line)
     const size_t start = line.find_first_not_of(" \t\v\f");
     if (start == std::string_view::npos || (line[start] | 0x20) < 'a' || (line[start] | 0x20) > 'z')
         return;
-    const MifObjectKind* const kind = mifObjectKind(firstWord(textView(line)));
+    // Bytes beyond ASCII behind it may be a space of another kind.
+    size_t end = start;
+    while (end < line.size() && line[end] > ' ')
+        ++end;
+    const MifObjectKind* const kind = mifObjectKind(textView(line.substr(start, end - start)));
     if (!kind)
         return;
     ++m_survey.kinds[kind->name.data()].count;
