@@ -4,8 +4,11 @@
 #include "geometry/designation.h"
 
 #include <QHash>
+#include <QRandomGenerator>
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -89,6 +92,74 @@ bool isEastingFirst(const DefPoint& vertex)
 
 } // namespace
 
+namespace {
+
+/// An object by the hash of its designation. A hash of them all would take several times the room.
+struct Bearer {
+    uint hash;
+    int object;
+};
+
+/// Objects with a designation, those with the same one behind each other.
+std::vector<Bearer> sortedBearers(const QVector<DefPolygon>& objects)
+{
+    // A seed of its own: nobody can write a file whose designations collide.
+    static const uint seed = QRandomGenerator::system()->generate();
+    std::vector<Bearer> bearers;
+    bearers.reserve(static_cast<size_t>(objects.size()));
+    for (int i = 0; i < objects.size(); ++i) {
+        if (!objects.at(i).def.isEmpty())
+            bearers.push_back({ qHash(DefKey{ objects.at(i).def }, seed), i });
+    }
+    std::sort(bearers.begin(), bearers.end(), [](const Bearer& a, const Bearer& b) {
+        return a.hash < b.hash || (a.hash == b.hash && a.object < b.object);
+    });
+    return bearers;
+}
+
+/// Objects with one designation; some others may have the same hash and stand among them.
+struct Group {
+    int first;
+    size_t begin;
+    size_t end;
+};
+
+/// Adds the designations that occur twice among the bearers of one hash.
+void addGroups(const std::vector<Bearer>& bearers, size_t begin, size_t end,
+    const QVector<DefPolygon>& objects, std::vector<Group>& groups)
+{
+    // Hardly ever more than one.
+    std::vector<std::pair<int, int>> firstAndCount;
+    for (size_t i = begin; i < end; ++i) {
+        const QString& def = objects.at(bearers[i].object).def;
+        const auto known = std::find_if(firstAndCount.begin(), firstAndCount.end(),
+            [&](const auto& entry) { return sameDef(objects.at(entry.first).def, def); });
+        if (known == firstAndCount.end())
+            firstAndCount.emplace_back(bearers[i].object, 1);
+        else if (++known->second == 2)
+            groups.push_back({ known->first, begin, end });
+    }
+}
+
+/// The designations that several objects have, in the order of their first objects.
+std::vector<Group> groupsOf(const std::vector<Bearer>& bearers, const QVector<DefPolygon>& objects)
+{
+    std::vector<Group> groups;
+    for (size_t begin = 0; begin < bearers.size();) {
+        size_t end = begin + 1;
+        while (end < bearers.size() && bearers[end].hash == bearers[begin].hash)
+            ++end;
+        if (end - begin > 1)
+            addGroups(bearers, begin, end, objects, groups);
+        begin = end;
+    }
+    std::sort(groups.begin(), groups.end(),
+        [](const Group& a, const Group& b) { return a.first < b.first; });
+    return groups;
+}
+
+} // namespace
+
 QString shortened(const QString& def)
 {
     constexpr int most = 200;
@@ -105,32 +176,21 @@ Findings<PointConflict> findPointConflicts(const QVector<DefPolygon>& objects, i
 
 Findings<DuplicateDef> findDuplicateDefs(const QVector<DefPolygon>& objects, int most)
 {
-    constexpr int unlisted = -1;
     Findings<DuplicateDef> found;
-    const QBitArray duplicates = duplicateDefs(objects);
-    QHash<DefKey, int> indices;
-    for (int i = 0; i < objects.size(); ++i) {
-        if (!duplicates.testBit(i))
+    const std::vector<Bearer> bearers = sortedBearers(objects);
+    for (const Group& group : groupsOf(bearers, objects)) {
+        if (found.total++ >= most)
             continue;
-        const QString& def = objects.at(i).def;
-        const auto known = indices.constFind(DefKey{ def });
-        int index = unlisted;
-        if (known != indices.cend()) {
-            index = *known;
-        } else {
-            ++found.total;
-            if (found.listed.size() < most) {
-                index = found.listed.size();
-                found.listed.append({ shortened(def), {} });
-            }
-            indices.insert(DefKey{ def }, index);
+        DuplicateDef duplicate{ shortened(objects.at(group.first).def), {} };
+        const QString& def = objects.at(group.first).def;
+        for (size_t i = group.begin; i < group.end; ++i) {
+            const int object = bearers[i].object;
+            if (!sameDef(objects.at(object).def, def))
+                continue;
+            if (duplicate.objects.total++ < most)
+                duplicate.objects.listed.append(object);
         }
-        if (index == unlisted)
-            continue;
-        Findings<int>& bearers = found.listed[index].objects;
-        ++bearers.total;
-        if (bearers.listed.size() < most)
-            bearers.listed.append(i);
+        found.listed.append(duplicate);
     }
     return found;
 }
