@@ -4,6 +4,22 @@
 #include <QCoreApplication>
 #include <QTextCodec>
 
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+/// How a drawing is written in each format.
+constexpr struct {
+    const char* id;
+    void (*write)(const Drawing&, const QString& prefix, const QTextCodec* codec);
+} writers[] = {
+    { "mif", writeMif },
+    { "dxf", writeDxf },
+};
+
+} // namespace
+
 int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
@@ -26,21 +42,17 @@ int main(int argc, char* argv[])
     parser.addOptions({ layout, format, vertices, encoding });
     parser.process(application);
 
-    const bool isDxf = parser.value(format) == QLatin1String("dxf");
+    const auto writer = std::find_if(std::begin(writers), std::end(writers),
+        [&](const auto& row) { return parser.value(format) == QLatin1String(row.id); });
     const QTextCodec* codec = QTextCodec::codecForName(parser.value(encoding).toLatin1());
     const int vertexCount = parser.value(vertices).toInt();
-    const bool formatIsKnown = isDxf || parser.value(format) == QLatin1String("mif");
-    if (parser.positionalArguments().size() != 1 || !formatIsKnown || !codec || vertexCount <= 0
-        || !layoutNames().contains(parser.value(layout)))
+    if (parser.positionalArguments().size() != 1 || writer == std::end(writers) || !codec
+        || vertexCount <= 0 || !layoutNames().contains(parser.value(layout)))
         parser.showHelp(EXIT_FAILURE);
 
     Drawing drawing;
     drawing.shapes = makeLayout(parser.value(layout), vertexCount);
     drawing.points = distinctVertices(drawing.shapes);
-    const QString prefix = parser.positionalArguments().constFirst();
-    if (isDxf)
-        writeDxf(drawing, prefix, codec);
-    else
-        writeMif(drawing, prefix, codec);
+    writer->write(drawing, parser.positionalArguments().constFirst(), codec);
     return EXIT_SUCCESS;
 }

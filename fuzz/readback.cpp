@@ -4,7 +4,6 @@
 #include "resultwriter.h"
 
 #include <QXmlStreamReader>
-#include <QXmlStreamWriter>
 
 namespace {
 
@@ -14,7 +13,7 @@ const QString fieldText = QStringLiteral("знак");
 bool isXmlText(const QString& text)
 {
     const QVector<uint> characters = text.toUcs4();
-    return std::all_of(characters.cbegin(), characters.cend(), [](uint c) {
+    return text.isValidUtf16() && std::all_of(characters.cbegin(), characters.cend(), [](uint c) {
         return c == '\t' || c == '\n' || (c >= 0x20 && c < 0xD800) || (c >= 0xE000 && c < 0xFFFE)
             || c >= 0x10000;
     }) && !text.contains(QChar::ReplacementCharacter);
@@ -86,16 +85,12 @@ void requireReadBack(QVector<DefPolygon>& objects)
     options.catalogueTableName = QStringLiteral("Координаты");
     options.info = { 0, 1, 2, 1 };
     options.fields.insert(3, fieldText);
-    QString text;
-    QXmlStreamWriter writer(&text);
-    writer.setAutoFormatting(true);
-    writeResult(writer, objects, options);
+    const QString text = resultText(objects, options);
     const bool isLegal = std::all_of(objects.cbegin(), objects.cend(),
         [](const DefPolygon& object) { return isXmlText(object); });
     if (!isLegal)
         return;
 
-    require(!writer.hasError(), "the result can be written");
     QXmlStreamReader xml(text);
     require(xml.readNextStartElement() && xml.name() == QLatin1String("FormTable"),
         "the result is a table");

@@ -15,7 +15,6 @@
 #include <QFileDialog>
 #include <QScopedValueRollback>
 #include <QSettings>
-#include <QXmlStreamWriter>
 
 #include <algorithm>
 
@@ -74,12 +73,7 @@ QString Dialog::stringResult()
     options.update = m_ui->updateCheck->isChecked();
     options.info = m_info;
     options.fields = m_fieldNumValueMap;
-
-    QString result;
-    QXmlStreamWriter writer(&result);
-    writer.setAutoFormatting(true);
-    writeResult(writer, m_objects, options);
-    return result;
+    return resultText(m_objects, options);
 }
 
 void Dialog::equalizeToolButtons()
@@ -200,9 +194,12 @@ void Dialog::exchangeObjects(QVector<DefPolygon>& objects)
 
 void Dialog::showPolygon(DefPolygon* polygon)
 {
-    // The fields may widen the table, without a signal: the reset shows the new columns too.
-    m_polygonModel.setFieldNumValueMap(m_fieldNumValueMap);
+    const int columnCount = m_polygonModel.columnCount();
     m_polygonModel.setPolygon(polygon);
+    m_polygonModel.setFieldNumValueMap(m_fieldNumValueMap);
+    // The extra fields widen the table without a signal: only a reset shows the new columns.
+    if (m_polygonModel.columnCount() != columnCount)
+        m_polygonModel.setPolygon(polygon);
 }
 
 void Dialog::procCurrentChanged(const QModelIndex& current, const QModelIndex& previous)

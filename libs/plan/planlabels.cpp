@@ -57,7 +57,9 @@ bool PlanSpace::take(const QRectF& rect)
     const int right = cellOf(rect.right());
     const int top = cellOf(rect.top());
     const int bottom = cellOf(rect.bottom());
-    const auto begin = [&](int row) { return m_cells.begin() + row * m_columns + left; };
+    const auto begin = [&](int row) {
+        return m_cells.begin() + std::ptrdiff_t(row) * m_columns + left;
+    };
     const int width = right - left + 1;
     for (int row = top; row <= bottom; ++row) {
         if (std::find(begin(row), begin(row) + width, true) != begin(row) + width)

@@ -95,6 +95,8 @@ void DxfCensus::startEntity(std::string_view kind, int line)
 {
     m_role = Role::None;
     m_line = line;
+    if (kind.empty())
+        return;
     if (kind == "SECTION") {
         endPolyline();
         m_role = Role::Section;

@@ -90,7 +90,7 @@ uint qHash(const DefKey& key, uint seed)
             character = QChar::surrogateToUcs4(def.at(i), def.at(i + 1));
             ++i;
         }
-        hash = (hash ^ QChar::toCaseFolded(character)) * 0x9E3779B1u;
+        hash = (hash ^ QChar::toCaseFolded(character)) * 0x9E3779B1U;
         hash ^= hash >> 15;
     }
     return hash;

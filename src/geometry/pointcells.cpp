@@ -25,7 +25,7 @@ constexpr size_t leastSlots = 1024;
 /// number to the next.
 constexpr double cellLimit = 9007199254740992.0;
 
-constexpr quint64 lowHalf = 0xFFFFFFFFu;
+constexpr quint64 lowHalf = 0xFFFFFFFFU;
 
 } // namespace
 

@@ -10,6 +10,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCryptographicHash>
+#include <QDir>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
@@ -454,6 +455,7 @@ private:
     void live(unsigned seed, const MakeDialog& makeDialog, Life& life);
 
     QStringList m_files;
+    const QString m_folder = QDir::currentPath();
 };
 
 void TestRandomUser::init()
@@ -465,6 +467,7 @@ void TestRandomUser::init()
 
 void TestRandomUser::cleanup()
 {
+    QDir::setCurrent(m_folder);
     QVERIFY(!QGuiApplication::overrideCursor());
 }
 
@@ -490,7 +493,7 @@ void TestRandomUser::writeFiles(const TempFiles& folder)
         "б\nа\n");
     m_files.clear();
     for (const char* name : { "few", "few", "many", "many", "broken", "missing" })
-        m_files.append(folder.path(QLatin1String(name)) + QStringLiteral(".mif"));
+        m_files.append(QLatin1String(name) + QStringLiteral(".mif"));
 }
 
 template <typename MakeDialog>
@@ -500,6 +503,8 @@ void TestRandomUser::live(unsigned seed, const MakeDialog& makeDialog, Life& lif
     OwnStore store;
     const StatusLog messages;
     writeFiles(store);
+    // The name of the folder is another each time; none of it may be seen.
+    QVERIFY(QDir::setCurrent(store.path(QString())));
     {
         const auto dialog = makeDialog();
         dialog->resize(900, 500);
@@ -509,14 +514,10 @@ void TestRandomUser::live(unsigned seed, const MakeDialog& makeDialog, Life& lif
         RandomUser user(*dialog, m_files, seed);
         for (int i = 0; i < actCount; ++i) {
             const QString act = user.act();
-            QStringList sight = Sight(*dialog).lines;
-            // Files lie in another folder each time.
-            sight.replaceInStrings(store.path(QString()), QString());
-            life.moments.append(Moment{ act, sight, pixelsOf(*dialog) });
+            life.moments.append(Moment{ act, Sight(*dialog).lines, pixelsOf(*dialog) });
         }
     }
     life.messages = messages.messages();
-    life.messages.replaceInStrings(store.path(QString()), QString());
     life.settings = storedSettings();
 }
 

@@ -54,7 +54,7 @@ void splitDef(const QString& def, QString& prefix, int& number)
 
 void sortObjects(QVector<DefPolygon>& objects)
 {
-    std::stable_sort(objects.begin(), objects.end(), [](const DefPolygon& a, const DefPolygon& b) {
+    std::sort(objects.begin(), objects.end(), [](const DefPolygon& a, const DefPolygon& b) {
         QString prefixA, prefixB;
         int numberA, numberB;
         splitDef(a.def, prefixA, numberA);
