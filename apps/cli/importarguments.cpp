@@ -177,7 +177,8 @@ QList<QCommandLineOption> importCommandLineOptions()
     };
 }
 
-QVector<ImportTask> readImportTasks(const QCommandLineParser& parser)
+QVector<ImportTask> readImportTasks(
+    const QCommandLineParser& parser, const Format* (*formatOfOther)(const QString& fileName))
 {
     const Format* const format = readFormat(parser);
     const ImportOptions options = readOptions(parser);
@@ -188,7 +189,8 @@ QVector<ImportTask> readImportTasks(const QCommandLineParser& parser)
         const QStringList files = isFolder ? filesIn(argument, format, recursive)
                                            : QStringList{ inputFileName(argument) };
         for (const QString& file : files) {
-            ImportTask task{ &findFormat(file, format), options, {} };
+            const Format* const other = !format && formatOfOther ? formatOfOther(file) : nullptr;
+            ImportTask task{ other ? other : &findFormat(file, format), options, {} };
             task.options.objectFileName = file;
             if (isFolder)
                 task.subfolder = QDir(argument).relativeFilePath(QFileInfo(file).absolutePath());

@@ -22,8 +22,10 @@ struct ImportTask {
 QList<QCommandLineOption> importCommandLineOptions();
 
 /// The files of the command line, and of the folders on it, in order, each with what the options
-/// say of all of them.
-QVector<ImportTask> readImportTasks(const QCommandLineParser& parser);
+/// say of all of them. `formatOfOther`, which may be null, tells the format of a file that is none
+/// of those known.
+QVector<ImportTask> readImportTasks(const QCommandLineParser& parser,
+    const Format* (*formatOfOther)(const QString& fileName) = nullptr);
 
 /// The option --columns, for the commands that know of the host's catalogue.
 QCommandLineOption columnsOption();

@@ -1,6 +1,7 @@
 #include "reporttext.h"
 
 #include "console.h"
+#include "survey/preparecalls.h"
 #include "survey/report.h"
 
 namespace {

@@ -1,5 +1,6 @@
 #include "survey/encodingguess.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -14,24 +15,6 @@ bool isHigh(char c)
 bool isLatinLetter(char c)
 {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
-/// The length of the stretch of ASCII bytes that `bytes` starts with.
-size_t asciiLength(std::string_view bytes)
-{
-    constexpr size_t word = sizeof(quint64);
-    constexpr quint64 highBits = Q_UINT64_C(0x8080808080808080);
-    size_t length = 0;
-    quint64 eight = 0;
-    while (length + word <= bytes.size()) {
-        std::memcpy(&eight, bytes.data() + length, word);
-        if ((eight & highBits) != 0)
-            break;
-        length += word;
-    }
-    while (length < bytes.size() && !isHigh(bytes[length]))
-        ++length;
-    return length;
 }
 
 /// The number of bytes that follow the first one of a UTF-8 sequence, or -1.
@@ -50,6 +33,22 @@ int continuationCount(Byte lead)
 bool isAmongLatin(char before, char after)
 {
     return !isHigh(before) && !isHigh(after) && (isLatinLetter(before) || isLatinLetter(after));
+}
+
+/// How many ASCII characters the bytes begin with.
+size_t asciiLength(std::string_view bytes)
+{
+    constexpr quint64 highBits = 0x8080808080808080;
+    size_t length = 0;
+    quint64 word = 0;
+    for (; length + sizeof(word) <= bytes.size(); length += sizeof(word)) {
+        std::memcpy(&word, bytes.data() + length, sizeof(word));
+        if ((word & highBits) != 0)
+            break;
+    }
+    while (length < bytes.size() && !isHigh(bytes[length]))
+        ++length;
+    return length;
 }
 
 /// Whether a text may hold a character of this number: no control, but for white space and the mark
@@ -79,29 +78,25 @@ bool isUtf16(std::string_view start, size_t high)
 
 void EncodingGuess::add(std::string_view bytes)
 {
-    for (size_t i = 0; i < bytes.size(); ++i) {
-        // Behind an ASCII byte that is settled, only the last two of a stretch matter.
-        if (m_continuations == 0 && !isHigh(m_last)) {
-            const size_t length = asciiLength(bytes.substr(i));
-            i += length;
-            if (length > 0) {
-                m_before = length > 1 ? bytes[i - 2] : m_last;
-                m_last = bytes[i - 1];
-            }
-            if (i == bytes.size())
-                return;
-        }
-        addByte(bytes[i]);
+    while (!bytes.empty()) {
+        // Most bytes are ASCII, and stand behind others.
+        const bool isAmongAscii = m_continuations == 0 && !isHigh(m_last);
+        const size_t ascii = isAmongAscii ? asciiLength(bytes) : 0;
+        if (ascii == 0)
+            take(bytes[0]);
+        else
+            m_before = ascii > 1 ? bytes[ascii - 2] : m_last;
+        m_last = bytes[std::max<size_t>(ascii, 1) - 1];
+        bytes.remove_prefix(std::max<size_t>(ascii, 1));
     }
 }
 
-void EncodingGuess::addByte(char byte)
+void EncodingGuess::take(char byte)
 {
     if (isHigh(m_last))
         countHighByte(m_before, m_last, byte);
     followSequence(byte);
     m_before = m_last;
-    m_last = byte;
 }
 
 void EncodingGuess::followSequence(char byte)

@@ -21,7 +21,7 @@ public:
     QByteArray codecName() const;
 
 private:
-    void addByte(char byte);
+    void take(char byte);
     void followSequence(char byte);
     void countHighByte(char before, char last, char after);
 

@@ -351,8 +351,10 @@ void LineReader::chooseCodec(const QByteArray& firstBlock)
 {
     if (!m_codecIsChosen) {
         m_codec = QTextCodec::codecForUtfText(firstBlock, m_codec);
-        m_isSingleByte = readByteTable(*m_codec, m_byteTable);
-        m_findsInBytes = m_codec->mibEnum() == utf8Mib || m_isSingleByte;
+        // Each single byte of UTF-8 gives a character, too: that of an error.
+        const bool isUtf8 = m_codec->mibEnum() == utf8Mib;
+        m_isSingleByte = !isUtf8 && readByteTable(*m_codec, m_byteTable);
+        m_findsInBytes = isUtf8 || m_isSingleByte;
         m_codecIsChosen = true;
     }
     // A mark is passed over here, at the start of the file; behind it, it would be a character.
