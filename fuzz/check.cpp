@@ -22,20 +22,21 @@ void requireSoundSurvey(const FileSurvey& survey, int lineCount)
 
 void requireSoundFindings(const QVector<DefPolygon>& objects, const QVector<Shape>& shapes)
 {
-    for (const PointConflict& conflict : findPointConflicts(objects)) {
-        require(conflict.places.size() >= 2, "a conflict has two places");
-        require(conflictingPoints(objects.at(conflict.object)).count(true) > 0,
+    for (const PointConflict& conflict : findPointConflicts(objects, allFindings).listed) {
+        require(conflict.places.total >= 2, "a conflict has two places");
+        require(conflictingPoints(objects.at(conflict.object.object)).count(true) > 0,
             "the catalogue paints the conflict");
     }
     const QBitArray duplicates = duplicateDefs(objects);
     int marked = 0;
-    for (const DuplicateDef& duplicate : findDuplicateDefs(objects)) {
-        marked += duplicate.objects.size();
-        for (const int object : duplicate.objects)
+    for (const DuplicateDef& duplicate : findDuplicateDefs(objects, allFindings).listed) {
+        marked += static_cast<int>(duplicate.objects.total);
+        for (const int object : duplicate.objects.listed)
             require(duplicates.at(object), "the list paints the duplicate");
     }
     require(marked == duplicates.count(true), "all that the list paints is found");
-    for (const IncompleteObject& incomplete : findIncompleteObjects(objects, shapes))
+    for (const IncompleteObject& incomplete :
+        findIncompleteObjects(objects, shapes, allFindings).listed)
         require(incomplete.vertices < incomplete.needed, "an incomplete contour lacks vertices");
     guessAxisOrder(objects);
 }
@@ -59,7 +60,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         writeText(folder, QStringLiteral("plan.mid"), input.text(1));
 
     const Format& format = *formatOfFile(options.objectFileName);
-    const Report report = makeReport(format, options, GeometryInfo());
+    const Report report = makeReport(format, options, GeometryInfo(), listedFindings);
     // Lines may end at a line feed of any encoding, and the second line of a pair may be missing.
     const int lineCount = input.text(0).count('\n') + input.text(1).count('\n') + 3;
     for (const FileSurvey& survey : report.surveys)

@@ -21,4 +21,5 @@ struct Command {
 extern const Command convertCommand;
 extern const Command checkCommand;
 extern const Command planCommand;
+extern const Command exportCommand;
 extern const Command prepareCommand;

@@ -6,6 +6,8 @@
 
 #include <clocale>
 #include <cstdio>
+#include <mutex>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -17,6 +19,10 @@ namespace {
 constexpr int utf8Mib = 106;
 
 QTextCodec* systemCodec = nullptr;
+
+constexpr const char* clearLine = "\r\033[K";
+std::mutex statusMutex;
+bool statusIsShown = false;
 
 QString escaped(uint c)
 {
@@ -72,7 +78,27 @@ QString printable(const QString& text)
 void printError(const QString& text)
 {
     const QByteArray line = printable(text).toLocal8Bit() + '\n';
+    const std::lock_guard<std::mutex> lock(statusMutex);
+    if (std::exchange(statusIsShown, false))
+        std::fputs(clearLine, stderr);
     std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
+}
+
+void showProgressLine(const QString& text)
+{
+    const QByteArray line = printable(text).toLocal8Bit();
+    const std::lock_guard<std::mutex> lock(statusMutex);
+    if (statusIsShown || !text.isEmpty())
+        std::fputs(clearLine, stderr);
+    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
+    std::fflush(stderr);
+    statusIsShown = !text.isEmpty();
+}
+
+bool mayBeColoured(int descriptor)
+{
+    return isatty(descriptor) == 1 && qEnvironmentVariableIsEmpty("NO_COLOR")
+        && qgetenv("TERM") != "dumb";
 }
 
 void printMessage(const QString& fileName, const QString& text)

@@ -30,6 +30,13 @@ void printError(const QString& text);
 /// Writes a line about a file to standard error.
 void printMessage(const QString& fileName, const QString& text);
 
+/// Shows a line on standard error, which is a terminal, until the next line is printed or shown;
+/// nothing for an empty text. Any thread may do so.
+void showProgressLine(const QString& text);
+
+/// Whether what goes to this descriptor may have colours: it is a terminal and nobody objects.
+bool mayBeColoured(int descriptor);
+
 /// Without a locale (in a job or a container) arguments, file names and messages would be limited
 /// to ASCII: makes them UTF-8. Names of files that are no UTF-8 keep their bytes all the same. The
 /// default encoding of the imported files stays what it was.

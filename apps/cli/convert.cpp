@@ -1,8 +1,10 @@
 #include "commands.h"
+#include "fileprogress.h"
 #include "foreignfile.h"
 #include "geometry/designation.h"
 #include "importarguments.h"
 #include "jobs.h"
+#include "losses.h"
 #include "outputfile.h"
 #include "prepare/reporttext.h"
 #include "preparearguments.h"
@@ -34,9 +36,7 @@ QList<QCommandLineOption> convertCommandLineOptions()
         { QStringLiteral("out-dir"),
             QStringLiteral("Папка результатов: для каждого файла - файл xml того же имени."),
             QStringLiteral("ПАПКА") },
-        { QStringLiteral("jobs"),
-            QStringLiteral("Сколько файлов обрабатывать одновременно; без параметра - 1."),
-            QStringLiteral("ЧИСЛО"), QStringLiteral("1") },
+        jobsOption(),
         { QStringLiteral("partial"),
             QStringLiteral("Записать и то, что прочитано до ошибки импорта.") },
         { QStringLiteral("field"),
@@ -55,7 +55,7 @@ QList<QCommandLineOption> convertCommandLineOptions()
             QStringLiteral("Сначала подготовить копию файла, как это делает prepare; с ним "
                            "действуют и параметры подготовки, от --level до --scale.") },
     }
-    + preparationOptions();
+    + tellingOptions() + preparationOptions();
 }
 
 void readField(const QString& text, QMap<int, QString>& fields)
@@ -84,14 +84,15 @@ ResultOptions readResultOptions(const QCommandLineParser& parser)
     return options;
 }
 
-QString targetIn(const QString& folder, const QString& fileName)
+QString targetIn(const QString& folder, const ImportTask& task)
 {
-    return QDir(folder).filePath(QFileInfo(fileName).completeBaseName() + QStringLiteral(".xml"));
+    const bool isAtTop = task.subfolder.isEmpty() || task.subfolder == QLatin1String(".");
+    const QDir place(isAtTop ? folder : QDir(folder).filePath(task.subfolder));
+    return place.filePath(QFileInfo(task.fileName()).completeBaseName() + QStringLiteral(".xml"));
 }
 
-QStringList readTargets(const QCommandLineParser& parser)
+QStringList readTargets(const QCommandLineParser& parser, const QVector<ImportTask>& tasks)
 {
-    const QStringList files = parser.positionalArguments();
     const QString output = parser.value(QStringLiteral("output"));
     const QString folder = parser.value(QStringLiteral("out-dir"));
     for (const char* option : { "output", "out-dir" }) {
@@ -101,22 +102,24 @@ QStringList readTargets(const QCommandLineParser& parser)
     }
     if (!output.isEmpty() && !folder.isEmpty())
         throw Failure{ WrongUsage, QStringLiteral("-o и --out-dir вместе не указывают") };
-    if (folder.isEmpty() && files.size() > 1)
+    if (folder.isEmpty() && tasks.size() > 1)
         throw Failure{ WrongUsage, QStringLiteral("для нескольких файлов укажите --out-dir") };
     if (folder.isEmpty())
         return { output.isEmpty() ? standardOutput : output };
 
     QStringList targets;
-    for (const QString& file : files)
-        targets.append(targetIn(folder, file));
+    for (const ImportTask& task : tasks)
+        targets.append(targetIn(folder, task));
     return targets;
 }
 
 /// What the command line asks for.
 struct ConvertOptions {
     QVector<ImportTask> tasks;
+    Telling telling;
     QStringList targets; ///< of the files, in their order
     ResultOptions result;
+    bool makesFolders = false;
     std::optional<prep::PrepareOptions> preparation; ///< none to read the files as they are
     bool partial = false;
     bool sort = false;
@@ -128,7 +131,8 @@ std::optional<prep::PrepareOptions> readPreparation(const QCommandLineParser& pa
 {
     if (parser.isSet(QStringLiteral("prepare"))) {
         prep::PrepareOptions options = readPreparationOptions(parser);
-        if (options.fromEncoding.isEmpty())
+        if (options.fromEncoding.isEmpty()
+            && parser.value(QStringLiteral("encoding")) != QLatin1String("auto"))
             options.fromEncoding = readCodec(parser, "encoding");
         return options;
     }
@@ -146,16 +150,19 @@ std::optional<prep::PrepareOptions> readPreparation(const QCommandLineParser& pa
 ConvertOptions readConvertOptions(const QCommandLineParser& parser)
 {
     ConvertOptions options;
-    options.targets = readTargets(parser);
     options.preparation = readPreparation(parser);
     options.tasks = readImportTasks(parser, options.preparation ? formatOfForeignFile : nullptr);
+    options.telling = readTelling(parser);
+    options.targets = readTargets(parser, options.tasks);
+    options.makesFolders = parser.isSet(QStringLiteral("out-dir"));
     checkTargets(options.tasks, options.targets);
     options.result = readResultOptions(parser);
     options.partial = parser.isSet(QStringLiteral("partial"));
     options.sort = parser.isSet(QStringLiteral("sort"));
     options.jobs = readNumber(parser, QStringLiteral("jobs"), 1, maxJobs);
     options.forwarded = forwardedArguments(parser, convertCommandLineOptions(),
-        { QStringLiteral("output"), QStringLiteral("out-dir"), QStringLiteral("jobs") });
+        { QStringLiteral("output"), QStringLiteral("out-dir"), QStringLiteral("jobs"),
+            QStringLiteral("recursive") });
     return options;
 }
 
@@ -168,6 +175,15 @@ void writeXml(
         writer.write(object);
     writer.finish();
     out.commit();
+}
+
+/// Makes the folders that the results are to be in.
+void makeFolders(const ConvertOptions& options)
+{
+    if (!options.makesFolders)
+        return;
+    for (const QString& target : options.targets)
+        QDir().mkpath(QFileInfo(target).path());
 }
 
 /// Puts a prepared copy in the place of a file, and tells what that took. False when something was
@@ -212,16 +228,25 @@ ExitStatus convertFile(const ConvertOptions& options)
     ImportTask task = options.tasks.first();
     const QString& target = options.targets.first();
     const QString fileName = task.fileName();
+    makeFolders(options);
     OutputFile::checkPlace(target);
     spoolStandardInput(fileName);
+    const FileProgress progress(filesOf(*task.format, task.options), options.telling.quiet);
     std::optional<QTemporaryDir> folder;
     const bool isWhole =
         !options.preparation || prepareCopies(task, *options.preparation, folder.emplace());
+    resolveEncoding(task, options.telling);
     ImportRun import = runImport(*task.format, task.options);
     for (const ImportMessage& message : qAsConst(import.messages))
         printMessage(fileName, message.text);
     const bool failed = !import.messages.isEmpty();
     if (failed && !options.partial)
+        return Failed;
+    // What the preparation took and left it has told itself.
+    if (!isWhole && options.telling.strict)
+        return Failed;
+    if (!failed && !options.preparation
+        && !tellLosses(task, import, &options.result.info, options.telling))
         return Failed;
     if (options.sort)
         sortObjects(import.objects);
@@ -244,6 +269,7 @@ QString outcome(const JobResult& result, const QString& target)
 /// Every file in a process of its own: what goes wrong with one costs only that one.
 ExitStatus convertFiles(const ConvertOptions& options)
 {
+    makeFolders(options);
     OutputFile::checkPlace(options.targets.first());
     QList<QStringList> argumentLists;
     for (int i = 0; i < options.tasks.size(); ++i) {
@@ -256,16 +282,18 @@ ExitStatus convertFiles(const ConvertOptions& options)
     runJobs(
         argumentLists, options.jobs, [&](int index, const JobResult& result, Progress& progress) {
             progress.print(result.errors);
-            progress.print(options.tasks.at(index).fileName() + QStringLiteral(": ")
-                + outcome(result, options.targets.at(index)));
+            if (!options.telling.quiet || !result.exited() || result.status != Done)
+                progress.print(options.tasks.at(index).fileName() + QStringLiteral(": ")
+                    + outcome(result, options.targets.at(index)));
             const bool isLossy = result.exited() && result.status == Found;
             lossy += isLossy ? 1 : 0;
             failures += !isLossy && (!result.exited() || result.status != Done) ? 1 : 0;
         });
-    printError(QStringLiteral("Всего файлов: %1, записано: %2, с ошибками: %3")
-                   .arg(options.tasks.size())
-                   .arg(options.tasks.size() - failures)
-                   .arg(failures));
+    if (!options.telling.quiet)
+        printError(QStringLiteral("Всего файлов: %1, записано: %2, с ошибками: %3")
+                       .arg(options.tasks.size())
+                       .arg(options.tasks.size() - failures)
+                       .arg(failures));
     if (failures > 0)
         return Failed;
     return lossy > 0 ? Found : Done;

@@ -2,8 +2,12 @@
 
 #include "console.h"
 #include "standardinput.h"
+#include "suggestions.h"
 
 #include <QCommandLineParser>
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
 #include <QTextCodec>
 
 namespace {
@@ -40,9 +44,12 @@ QByteArray readEncoding(const QCommandLineParser& parser)
 {
     const QString text = parser.value(QStringLiteral("encoding"));
     const QByteArray name = text.toLatin1();
+    if (name == "auto")
+        return name;
     if (name != defaultEncoding() && !QTextCodec::codecForName(name)) {
         throw Failure{ WrongUsage,
-            QStringLiteral("неизвестная кодировка «%1»; список даёт --list-encodings").arg(text) };
+            QStringLiteral("неизвестная кодировка «%1»%2; список даёт --list-encodings")
+                .arg(text, suggestionText(text, encodingList().split(QLatin1Char('\n')))) };
     }
     return name == defaultEncoding() ? systemEncoding() : name;
 }
@@ -60,14 +67,62 @@ const Format* readFormat(const QCommandLineParser& parser)
     return format;
 }
 
+/// The file that this one goes with: the MIF file of a MID file; empty for other files.
+QString ownerOf(const QString& fileName)
+{
+    const QFileInfo info(fileName);
+    if (info.suffix().compare(QLatin1String("mid"), Qt::CaseInsensitive) != 0)
+        return {};
+    const QString wanted = info.completeBaseName() + QStringLiteral(".mif");
+    for (const QString& name : info.dir().entryList(QDir::Files)) {
+        if (name.compare(wanted, Qt::CaseInsensitive) == 0)
+            return fileName.chopped(info.fileName().size()) + name;
+    }
+    return fileName.chopped(info.fileName().size()) + wanted;
+}
+
 const Format& findFormat(const QString& fileName, const Format* chosen)
 {
     const Format* const found = chosen ? chosen : formatOfFile(fileName);
     if (found)
         return *found;
+    const QString owner = ownerOf(fileName);
+    if (!owner.isEmpty()) {
+        throw Failure{ WrongUsage,
+            QStringLiteral("%1: импортируют файл MIF, а MID читается вместе с ним: укажите %2")
+                .arg(fileName, owner) };
+    }
     throw Failure{ WrongUsage,
         QStringLiteral("%1: формат по расширению не определить; укажите --format %2")
             .arg(fileName, formatNames()) };
+}
+
+/// The files of a folder that have the suffix of a format, in order of their names.
+QStringList filesIn(const QString& folder, const Format* format, bool recursive)
+{
+    QStringList files;
+    QDirIterator it(folder, QDir::Files,
+        recursive ? QDirIterator::Subdirectories : QDirIterator::NoIteratorFlags);
+    while (it.hasNext()) {
+        const QString file = it.next();
+        const Format* const found = formatOfFile(file);
+        if (found && (!format || found == format))
+            files.append(file);
+    }
+    if (files.isEmpty()) {
+        throw Failure{ WrongUsage,
+            QStringLiteral("%1: в папке нет файлов mif и dxf%2")
+                .arg(folder,
+                    recursive ? QString()
+                              : QStringLiteral("; вложенные папки просматривает --recursive")) };
+    }
+    files.sort();
+    return files;
+}
+
+bool isSameFile(const QString& a, const QString& b)
+{
+    return !b.isEmpty() && QFileInfo(a) == QFileInfo(b);
 }
 
 ImportOptions readOptions(const QCommandLineParser& parser)
@@ -113,8 +168,11 @@ QList<QCommandLineOption> importCommandLineOptions()
             defaults.objectPref),
         option("object-start", "Начальный номер объектов без обозначения; без параметра - 1.",
             "ЧИСЛО", QString::number(defaults.objectStartNum)),
-        option("encoding", "Кодировка файлов; без параметра - Default, то есть кодировка системы.",
+        option("encoding",
+            "Кодировка файлов; auto - по их байтам; без параметра - Default, то есть кодировка "
+            "системы.",
             "ИМЯ", QString::fromLatin1(defaultEncoding())),
+        option("recursive", "Искать файлы и во вложенных папках.", ""),
         option("list-encodings", "Показать имена кодировок и закончить работу.", ""),
     };
 }
@@ -124,13 +182,21 @@ QVector<ImportTask> readImportTasks(
 {
     const Format* const format = readFormat(parser);
     const ImportOptions options = readOptions(parser);
+    const bool recursive = parser.isSet(QStringLiteral("recursive"));
     QVector<ImportTask> tasks;
     for (const QString& argument : parser.positionalArguments()) {
-        const QString file = inputFileName(argument);
-        const Format* const other = !format && formatOfOther ? formatOfOther(file) : nullptr;
-        ImportTask task{ other ? other : &findFormat(file, format), options };
-        task.options.objectFileName = file;
-        tasks.append(task);
+        const bool isFolder = QFileInfo(argument).isDir();
+        const QStringList files = isFolder ? filesIn(argument, format, recursive)
+                                           : QStringList{ inputFileName(argument) };
+        for (const QString& file : files) {
+            const Format* const other = !format && formatOfOther ? formatOfOther(file) : nullptr;
+            ImportTask task{ other ? other : &findFormat(file, format), options, {} };
+            task.options.objectFileName = file;
+            if (isFolder)
+                task.subfolder = QDir(argument).relativeFilePath(QFileInfo(file).absolutePath());
+            if (!isFolder || !isSameFile(file, options.pointFileName))
+                tasks.append(task);
+        }
     }
     return tasks;
 }
@@ -152,7 +218,13 @@ GeometryInfo readColumns(const QCommandLineParser& parser)
             QStringLiteral("%1: ожидается N,X,Y, а не «%2»").arg(what, text) };
     }
     const auto column = [&](int i) { return parseNumber(columns.at(i), what, 1, maxColumn) - 1; };
-    return { column(0), column(1), column(2), 0 };
+    const GeometryInfo info{ column(0), column(1), column(2), 0 };
+    if (info.nColNum == info.xColNum || info.nColNum == info.yColNum
+        || info.xColNum == info.yColNum) {
+        throw Failure{ WrongUsage,
+            QStringLiteral("%1: один столбец указан дважды: «%2»").arg(what, text) };
+    }
+    return info;
 }
 
 QString encodingList()
@@ -163,7 +235,17 @@ QString encodingList()
     names.removeAll(QString());
     names.sort(Qt::CaseInsensitive);
     names.removeDuplicates();
-    names.prepend(QString::fromLatin1(defaultEncoding()));
+    // Those that drawings in Russian have come first.
+    const QStringList first{ QString::fromLatin1(defaultEncoding()), QStringLiteral("auto"),
+        QStringLiteral("windows-1251"), QStringLiteral("UTF-8"), QStringLiteral("IBM866"),
+        QStringLiteral("KOI8-R") };
+    for (int i = 0; i < first.size(); ++i) {
+        for (int j = names.size() - 1; j >= 0; --j) {
+            if (names.at(j).compare(first.at(i), Qt::CaseInsensitive) == 0)
+                names.removeAt(j);
+        }
+        names.insert(i, first.at(i));
+    }
     return names.join(QLatin1Char('\n'));
 }
 

@@ -12,7 +12,8 @@ class QCommandLineParser;
 /// A file of the command line and how it is imported.
 struct ImportTask {
     const Format* format; ///< never null
-    ImportOptions options;
+    ImportOptions options; ///< the encoding may be "auto" until it is resolved
+    QString subfolder; ///< where a folder was named: the place of the file below it
 
     const QString& fileName() const { return options.objectFileName; }
 };
@@ -20,8 +21,9 @@ struct ImportTask {
 /// The options of the command line that every command has.
 QList<QCommandLineOption> importCommandLineOptions();
 
-/// The files of the command line, in order, each with what the options say of all of them.
-/// `formatOfOther`, which may be null, tells the format of a file that is none of those known.
+/// The files of the command line, and of the folders on it, in order, each with what the options
+/// say of all of them. `formatOfOther`, which may be null, tells the format of a file that is none
+/// of those known.
 QVector<ImportTask> readImportTasks(const QCommandLineParser& parser,
     const Format* (*formatOfOther)(const QString& fileName) = nullptr);
 

@@ -150,6 +150,14 @@ private:
 
 } // namespace
 
+QCommandLineOption jobsOption()
+{
+    return { { QStringLiteral("j"), QStringLiteral("jobs") },
+        QStringLiteral("Сколько файлов обрабатывать одновременно; -j без числа - по числу ядер; "
+                       "без параметра - 1."),
+        QStringLiteral("ЧИСЛО"), QStringLiteral("1") };
+}
+
 QString JobResult::trouble(const QString& work) const
 {
     return end == NotStarted ? QStringLiteral("не хватает ресурсов, чтобы запустить процесс")

@@ -11,6 +11,9 @@ class QCommandLineParser;
 
 constexpr int maxJobs = 256;
 
+/// The option --jobs; without a value it stands for all cores.
+QCommandLineOption jobsOption();
+
 /// What became of a process of this program.
 struct JobResult {
     enum End { Exited, Crashed, NotStarted };

@@ -1,10 +1,14 @@
 #include "commands.h"
+#include "explanation.h"
 #include "importarguments.h"
 #include "interrupt.h"
+#include "jobs.h"
 #include "outputfile.h"
+#include "suggestions.h"
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
+#include <QThread>
 #include <QTranslator>
 
 #include <algorithm>
@@ -14,7 +18,8 @@
 
 namespace {
 
-const Command* const commands[] = { &convertCommand, &checkCommand, &planCommand, &prepareCommand };
+const Command* const commands[] = { &convertCommand, &checkCommand, &planCommand, &exportCommand,
+    &prepareCommand };
 
 /// Gives Qt's parser of command lines Russian texts wherever the program runs.
 class ParserTexts : public QTranslator {
@@ -32,8 +37,6 @@ public:
         } texts[] = {
             { "Options:", "Параметры:" },
             { "Arguments:", "Аргументы:" },
-            { "Unknown option '%1'.", "неизвестный параметр «%1»" },
-            { "Unknown options: %1.", "неизвестные параметры: %1" },
             { "Missing value after '%1'.", "параметру «%1» нужно значение" },
             { "Unexpected value after '%1'.", "параметр «%1» не принимает значения" },
         };
@@ -66,9 +69,9 @@ QString generalHelp()
     }
     return text
         + QStringLiteral("\nПараметры:\n"
-                         "  -h, --help  Показать эту справку.\n"
-                         "  --version   Показать версию.\n\n"
-                         "Справка по команде: importgeometry КОМАНДА --help\n"
+                         "  -h, --help     Показать эту справку.\n"
+                         "  -V, --version  Показать версию.\n\n"
+                         "Справка по команде: importgeometry help КОМАНДА\n"
                          "Коды завершения: 0 - выполнено, 1 - ошибка импорта или записи,\n"
                          "2 - неверная командная строка, 3 - проверка нашла замечания.\n");
 }
@@ -82,6 +85,42 @@ QString commandHelp(const Command& command, const QCommandLineParser& parser)
         + text.mid(text.indexOf(QLatin1Char('\n')) + 1);
 }
 
+/// The names of all options of a command, with their dashes.
+QStringList optionNames(const Command& command)
+{
+    QStringList names{ QStringLiteral("--help") };
+    for (const QCommandLineOption& option : command.options() + importCommandLineOptions())
+        names.append(QStringLiteral("--") + option.names().constLast());
+    return names;
+}
+
+QString parseErrorText(const Command& command, const QCommandLineParser& parser)
+{
+    const QStringList unknown = parser.unknownOptionNames();
+    if (unknown.isEmpty())
+        return parser.errorText();
+    const QString dashes = QLatin1String(unknown.first().size() > 1 ? "--" : "-");
+    const QString typed = dashes + unknown.first();
+    return QStringLiteral("неизвестный параметр «%1»%2")
+        .arg(typed, suggestionText(typed, optionNames(command)));
+}
+
+/// The arguments with the number of cores behind a -j or --jobs that has none.
+QStringList withAllCores(QStringList arguments)
+{
+    const int end = arguments.indexOf(QStringLiteral("--"));
+    for (int i = (end < 0 ? arguments.size() : end) - 1; i > 0; --i) {
+        bool hasNumber = false;
+        if (arguments.at(i) != QLatin1String("-j") && arguments.at(i) != QLatin1String("--jobs"))
+            continue;
+        arguments.value(i + 1).toInt(&hasNumber);
+        if (!hasNumber)
+            arguments.insert(
+                i + 1, QString::number(qBound(1, QThread::idealThreadCount(), maxJobs)));
+    }
+    return arguments;
+}
+
 ExitStatus runCommand(const Command& command, const QStringList& arguments)
 {
     const QString help = QStringLiteral("help");
@@ -92,8 +131,8 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments)
     parser.addOptions(command.options());
     parser.addOptions(importCommandLineOptions());
     parser.addOption({ { QStringLiteral("h"), help }, QStringLiteral("Показать эту справку.") });
-    if (!parser.parse(arguments))
-        throw Failure{ WrongUsage, parser.errorText() };
+    if (!parser.parse(withAllCores(arguments)))
+        throw Failure{ WrongUsage, parseErrorText(command, parser) };
     if (parser.isSet(help)) {
         printOut(commandHelp(command, parser));
         return Done;
@@ -102,9 +141,28 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments)
         printOut(encodingList() + QLatin1Char('\n'));
         return Done;
     }
+    if (parser.optionNames().contains(QStringLiteral("explain"))) {
+        printOut(explanation(parser.value(QStringLiteral("explain"))));
+        return Done;
+    }
     if (parser.positionalArguments().isEmpty())
         throw Failure{ WrongUsage, QStringLiteral("не указан ни один файл") };
     return command.run(parser);
+}
+
+QStringList commandNames()
+{
+    QStringList names;
+    for (const Command* command : commands)
+        names.append(QString::fromLatin1(command->name));
+    return names;
+}
+
+const Command* findCommand(const QString& name)
+{
+    const auto found = std::find_if(std::begin(commands), std::end(commands),
+        [&name](const Command* command) { return name == QLatin1String(command->name); });
+    return found == std::end(commands) ? nullptr : *found;
 }
 
 ExitStatus run(const Command* command, QStringList arguments)
@@ -113,25 +171,27 @@ ExitStatus run(const Command* command, QStringList arguments)
         arguments.removeAt(1);
         return runCommand(*command, arguments);
     }
-    const QString first = arguments.value(1);
+    QString first = arguments.value(1);
+    if (first == QLatin1String("help") && arguments.size() > 2) {
+        first = arguments.at(2);
+        if (const Command* const asked = findCommand(first))
+            return runCommand(*asked, { arguments.first(), QStringLiteral("--help") });
+    } else if (first == QLatin1String("help")) {
+        first = QStringLiteral("--help");
+    }
     if (first == QLatin1String("-h") || first == QLatin1String("--help")) {
         printOut(generalHelp());
         return Done;
     }
-    if (first == QLatin1String("--version")) {
+    if (first == QLatin1String("-V") || first == QLatin1String("--version")) {
         printOut(QStringLiteral("importgeometry " PROJECT_VERSION "\n"));
         return Done;
     }
     throw Failure{ WrongUsage,
-        first.isEmpty() ? QStringLiteral("не указана команда: convert, check, plan или prepare")
-                        : QStringLiteral("неизвестная команда «%1»").arg(first) };
-}
-
-const Command* findCommand(const char* name)
-{
-    const auto found = std::find_if(std::begin(commands), std::end(commands),
-        [name](const Command* command) { return name && std::strcmp(command->name, name) == 0; });
-    return found == std::end(commands) ? nullptr : *found;
+        first.isEmpty()
+            ? QStringLiteral("не указана команда: ") + commandNames().join(QLatin1String(", "))
+            : QStringLiteral("неизвестная команда «%1»%2")
+                  .arg(first, suggestionText(first, commandNames())) };
 }
 
 std::unique_ptr<QCoreApplication> makeApplication(bool needsGui, int& argc, char** argv)
@@ -159,7 +219,7 @@ int main(int argc, char** argv)
         return Failed;
     }
     Interrupt::install();
-    const Command* const command = findCommand(argc > 1 ? argv[1] : nullptr);
+    const Command* const command = findCommand(QString::fromLocal8Bit(argc > 1 ? argv[1] : ""));
     const auto application = makeApplication(command && command->needsGui, argc, argv);
     ParserTexts texts;
     QCoreApplication::installTranslator(&texts);
@@ -168,7 +228,8 @@ int main(int argc, char** argv)
         Interrupt::obey();
         return status;
     } catch (const Failure& failure) {
-        printError(QStringLiteral("importgeometry: ") + failure.text);
+        if (!failure.text.isEmpty())
+            printError(QStringLiteral("importgeometry: ") + failure.text);
         if (failure.status == WrongUsage)
             printError(QStringLiteral("Справка: importgeometry%1 --help")
                            .arg(command ? QLatin1Char(' ') + QString::fromLatin1(command->name)

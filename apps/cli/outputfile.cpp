@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QSaveFile>
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 
@@ -17,6 +18,8 @@
 namespace {
 
 constexpr int bufferSize = 1 << 17;
+
+std::atomic<qint64> totalWritten{ 0 };
 
 QString errorText(int error)
 {
@@ -136,6 +139,11 @@ void OutputFile::checkPlace(const QString& fileName)
 
 OutputFile::~OutputFile() = default;
 
+qint64 OutputFile::bytesWritten()
+{
+    return totalWritten;
+}
+
 void OutputFile::commit()
 {
     flushBuffer();
@@ -145,6 +153,9 @@ void OutputFile::commit()
         if (saved ? !saved->commit() : m_file->error() != QFileDevice::NoError)
             m_error = errno != 0 ? errno : EIO;
     }
+    // Whoever read the answer has had enough of it: nothing to tell.
+    if (m_error == EPIPE && m_fileName == QLatin1String("-"))
+        throw Failure{ Failed, QString() };
     if (m_error != 0)
         fail(m_fileName, QStringLiteral("ошибка записи"), m_error);
 }
@@ -181,6 +192,7 @@ void OutputFile::writeThrough(const char* data, qint64 size)
     }
     if (m_error == 0 && m_file->write(data, size) != size)
         m_error = errno != 0 ? errno : EIO;
+    totalWritten += size;
 }
 
 void writeJson(const QJsonArray& answers)

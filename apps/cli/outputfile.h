@@ -22,7 +22,12 @@ public:
     /// Fails at once where opening could not succeed, so that no work is done in vain.
     static void checkPlace(const QString& fileName);
 
+    /// How many bytes this process has written through all of them. Any thread may ask.
+    static qint64 bytesWritten();
+
     bool isSequential() const override { return true; }
+    /// Hands over what is gathered, so that a reader has it.
+    void flushAll() { flushBuffer(); }
     /// Writes what is left and lets the file appear.
     void commit();
 

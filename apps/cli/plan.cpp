@@ -1,12 +1,16 @@
 #include "commands.h"
+#include "fileprogress.h"
 #include "importarguments.h"
+#include "losses.h"
 #include "outputfile.h"
 #include "plan/planfile.h"
 #include "standardinput.h"
+#include "survey/findings.h"
 #include "targets.h"
 
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSize>
 
 namespace {
@@ -15,32 +19,48 @@ constexpr int maxSide = 20000;
 
 QList<QCommandLineOption> planCommandLineOptions()
 {
-    return {
+    return QList<QCommandLineOption>{
         { { QStringLiteral("o"), QStringLiteral("output") },
-            QStringLiteral("Файл рисунка; вид рисунка - по расширению."),
+            QStringLiteral("Файл рисунка; вид рисунка - по расширению; «-» - стандартный "
+                           "вывод."),
             QStringLiteral("ФАЙЛ.svg|ФАЙЛ.png") },
+        { QStringLiteral("to"),
+            QStringLiteral("Вид рисунка, если его не назвало расширение; для «-» - svg."),
+            QStringLiteral("svg|png") },
+        { QStringLiteral("north-up"),
+            QStringLiteral("Север вверху: первая координата - северная, если величины не говорят "
+                           "иного.") },
+        { QStringLiteral("as-is"),
+            QStringLiteral("Первая координата вправо, вторая вверх, что бы они ни значили.") },
         { QStringLiteral("size"),
-            QStringLiteral("Ширина и высота рисунка в пикселях; без параметра - 1600x1200."),
+            QStringLiteral("Ширина и высота рисунка в пикселях; без параметра - по форме объектов, "
+                           "не больше 1600x1200."),
             QStringLiteral("ШxВ"), QStringLiteral("1600x1200") },
         { QStringLiteral("partial"),
             QStringLiteral("Нарисовать и то, что прочитано до ошибки импорта.") },
-    };
+    }
+    + tellingOptions();
 }
 
 QSize readSize(const QCommandLineParser& parser)
 {
     const QString what = QStringLiteral("--size");
     const QString text = parser.value(QStringLiteral("size"));
-    const QStringList sides = text.split(QLatin1Char('x'));
+    // As people type it: Latin or Cyrillic, or the sign itself.
+    static const QRegularExpression separator(QStringLiteral("[xXхХ×]"));
+    const QStringList sides = text.split(separator);
     if (sides.size() != 2)
         throw Failure{ WrongUsage, QStringLiteral("%1: ожидается ШxВ, а не «%2»").arg(what, text) };
     return { parseNumber(sides.at(0), what, 200, maxSide),
         parseNumber(sides.at(1), what, 200, maxSide) };
 }
 
-PlanFormat readPlanFormat(const QString& target)
+PlanFormat readPlanFormat(const QCommandLineParser& parser, const QString& target)
 {
-    const QString suffix = QFileInfo(target).suffix().toLower();
+    const QString to = parser.value(QStringLiteral("to")).toLower();
+    const QString suffix = to.isEmpty() ? QFileInfo(target).suffix().toLower() : to;
+    if (target == QLatin1String("-") && to.isEmpty())
+        return PlanFormat::Svg;
     if (suffix == QLatin1String("svg"))
         return PlanFormat::Svg;
     if (suffix == QLatin1String("png"))
@@ -49,12 +69,38 @@ PlanFormat readPlanFormat(const QString& target)
         QStringLiteral("укажите файл рисунка: -o ФАЙЛ.svg или -o ФАЙЛ.png") };
 }
 
+/// What decides which coordinate runs upwards.
+enum class Orientation { Auto, NorthUp, AsIs };
+
+Orientation readOrientation(const QCommandLineParser& parser)
+{
+    const bool northUp = parser.isSet(QStringLiteral("north-up"));
+    const bool asIs = parser.isSet(QStringLiteral("as-is"));
+    if (northUp && asIs)
+        throw Failure{ WrongUsage, QStringLiteral("--north-up и --as-is вместе не указывают") };
+    return northUp ? Orientation::NorthUp : asIs ? Orientation::AsIs : Orientation::Auto;
+}
+
+PlanAxes axesOf(const QVector<DefPolygon>& objects, Orientation orientation)
+{
+    const AxisOrder order = guessAxisOrder(objects);
+    if (orientation == Orientation::AsIs)
+        return { false, order == AxisOrder::EastingFirst };
+    // Who asks for the north where sizes tell nothing has the northing first, as catalogues do.
+    if (orientation == Orientation::NorthUp)
+        return { order != AxisOrder::EastingFirst, true };
+    return { order == AxisOrder::NorthingFirst, order != AxisOrder::Unknown };
+}
+
 /// What the command line asks for.
 struct PlanOptions {
     QVector<ImportTask> tasks;
     QString target;
     PlanFormat format = PlanFormat::Svg;
     QSize size;
+    Telling telling;
+    bool hasSize = false; ///< and not only the most
+    Orientation orientation = Orientation::Auto;
     bool partial = false;
 };
 
@@ -62,8 +108,11 @@ PlanOptions readPlanOptions(const QCommandLineParser& parser)
 {
     PlanOptions options;
     options.target = parser.value(QStringLiteral("output"));
-    options.format = readPlanFormat(options.target);
+    options.format = readPlanFormat(parser, options.target);
     options.size = readSize(parser);
+    options.hasSize = parser.isSet(QStringLiteral("size"));
+    options.orientation = readOrientation(parser);
+    options.telling = readTelling(parser);
     options.tasks = readImportTasks(parser);
     checkTargets(options.tasks, { options.target });
     options.partial = parser.isSet(QStringLiteral("partial"));
@@ -81,7 +130,9 @@ QString titleOf(const QVector<ImportTask>& tasks)
 void writePicture(const PlanOptions& options, const QVector<DefPolygon>& objects)
 {
     OutputFile out(options.target);
-    if (!writePlan(out, options.format, options.size, objects, titleOf(options.tasks)))
+    PlanPainter plan(objects, axesOf(objects, options.orientation));
+    const QSize size = options.hasSize ? options.size : plan.pageWithin(options.size);
+    if (!writePlan(out, options.format, size, plan, titleOf(options.tasks)))
         throw Failure{ Failed, QStringLiteral("для рисунка такого размера не хватает памяти") };
     out.commit();
 }
@@ -93,15 +144,21 @@ ExitStatus runPlan(const QCommandLineParser& parser)
 
     QVector<DefPolygon> objects;
     bool failed = false;
-    for (const ImportTask& task : options.tasks) {
+    bool complete = true;
+    for (ImportTask task : options.tasks) {
         spoolStandardInput(task.fileName());
+        const FileProgress progress(filesOf(*task.format, task.options), options.telling.quiet);
+        resolveEncoding(task, options.telling);
         const ImportRun import = runImport(*task.format, task.options);
         objects += import.objects;
         failed = failed || !import.messages.isEmpty();
         for (const ImportMessage& message : import.messages)
             printMessage(task.fileName(), message.text);
+        // A picture shows the axes for itself.
+        if (import.messages.isEmpty())
+            complete = tellLosses(task, import, nullptr, options.telling) && complete;
     }
-    if (failed && !options.partial)
+    if ((failed && !options.partial) || !complete)
         return Failed;
     writePicture(options, objects);
     return failed ? Failed : Done;

@@ -60,23 +60,24 @@ QJsonObject toJson(const FileSurvey& survey)
 
 QJsonObject reportJson(const Report& report)
 {
-    const auto objectJson = [&report](int object) {
-        return QJsonObject{ { QStringLiteral("object"), object + 1 },
-            { QStringLiteral("designation"), report.defs.at(object) } };
+    const auto objectJson = [](const ObjectName& object) {
+        return QJsonObject{ { QStringLiteral("object"), object.object + 1 },
+            { QStringLiteral("designation"), object.def } };
     };
     const auto conflictJson = [&](const PointConflict& conflict) {
         QJsonObject json = objectJson(conflict.object);
         json.insert(QStringLiteral("point"), conflict.def);
-        json.insert(QStringLiteral("places"), toJsonArray(conflict.places, [](QPointF place) {
-            return QJsonObject{ { QStringLiteral("x"), place.x() },
-                { QStringLiteral("y"), place.y() } };
-        }));
+        json.insert(
+            QStringLiteral("places"), toJsonArray(conflict.places.listed, [](QPointF place) {
+                return QJsonObject{ { QStringLiteral("x"), place.x() },
+                    { QStringLiteral("y"), place.y() } };
+            }));
         return json;
     };
     const auto duplicateJson = [](const DuplicateDef& duplicate) {
         return QJsonObject{ { QStringLiteral("designation"), duplicate.def },
             { QStringLiteral("objects"),
-                toJsonArray(duplicate.objects, [](int object) { return object + 1; }) } };
+                toJsonArray(duplicate.objects.listed, [](int object) { return object + 1; }) } };
     };
     const auto incompleteJson = [&](const IncompleteObject& incomplete) {
         QJsonObject json = objectJson(incomplete.object);
@@ -99,8 +100,12 @@ QJsonObject reportJson(const Report& report)
         { QStringLiteral("contents"), toJsonArray(report.surveys, asJson) },
         { QStringLiteral("messages"), toJsonArray(report.messages, asJson) },
         { QStringLiteral("causes"), causes },
-        { QStringLiteral("conflicts"), toJsonArray(report.conflicts, conflictJson) },
-        { QStringLiteral("duplicates"), toJsonArray(report.duplicates, duplicateJson) },
-        { QStringLiteral("incomplete"), toJsonArray(report.incomplete, incompleteJson) },
+        { QStringLiteral("conflicts"), toJsonArray(report.conflicts.listed, conflictJson) },
+        { QStringLiteral("duplicates"), toJsonArray(report.duplicates.listed, duplicateJson) },
+        { QStringLiteral("incomplete"), toJsonArray(report.incomplete.listed, incompleteJson) },
+        { QStringLiteral("unlisted"),
+            QJsonObject{ { QStringLiteral("conflicts"), report.conflicts.unlisted() },
+                { QStringLiteral("duplicates"), report.duplicates.unlisted() },
+                { QStringLiteral("incomplete"), report.incomplete.unlisted() } } },
         { QStringLiteral("findings"), report.findingCount() } };
 }

@@ -19,8 +19,9 @@ QString placeText(const QString& fileName, int line)
 
 class ReportText {
 public:
-    explicit ReportText(const Report& report)
+    ReportText(const Report& report, bool inColours)
         : m_report(report)
+        , m_inColours(inColours)
     {
     }
 
@@ -32,15 +33,13 @@ public:
         for (const FileSurvey& survey : m_report.surveys)
             addContents(survey);
         for (const ReportMessage& message : m_report.messages)
-            addAt(message.fileName, message.line, QStringLiteral("сообщение: ") + message.text);
+            addAt(
+                message.fileName, message.line, QStringLiteral("сообщение: ") + message.text, red);
         for (const FileSurvey& survey : m_report.surveys)
             addCauses(survey);
-        for (const PointConflict& conflict : m_report.conflicts)
-            addConflict(conflict);
-        for (const DuplicateDef& duplicate : m_report.duplicates)
-            addDuplicate(duplicate);
-        for (const IncompleteObject& object : m_report.incomplete)
-            addIncomplete(object);
+        addAll(m_report.conflicts, &ReportText::addConflict, "точек в разных местах");
+        addAll(m_report.duplicates, &ReportText::addDuplicate, "повторяющихся обозначений");
+        addAll(m_report.incomplete, &ReportText::addIncomplete, "неполных контуров");
         add(m_report.findingCount() == 0
                 ? QStringLiteral("замечаний нет")
                 : QStringLiteral("замечаний: %1").arg(m_report.findingCount()));
@@ -48,12 +47,29 @@ public:
     }
 
 private:
-    /// More than these say no more to a reader; the JSON has them all.
-    static constexpr int maxListed = 10;
+    // The numbers of colours on a terminal.
+    static constexpr int red = 31;
+    static constexpr int green = 32;
+    static constexpr int yellow = 33;
 
-    void addAt(const QString& fileName, int line, const QString& text)
+    template <typename Finding>
+    void addAll(const Findings<Finding>& findings, void (ReportText::*addOne)(const Finding&),
+        const char* what)
     {
-        m_text += printable(placeText(fileName, line) + text) + QLatin1Char('\n');
+        for (const Finding& finding : findings.listed)
+            (this->*addOne)(finding);
+        if (findings.unlisted() > 0) {
+            add(QStringLiteral("и ещё %1: %2 (все показывает --all)")
+                    .arg(QString::fromUtf8(what))
+                    .arg(findings.unlisted()));
+        }
+    }
+
+    void addAt(const QString& fileName, int line, const QString& text, int colour = 0)
+    {
+        const QString shown = printable(text);
+        m_text += printable(placeText(fileName, line))
+            + (colour > 0 ? coloured(shown, colour) : shown) + QLatin1Char('\n');
     }
 
     void add(const QString& text) { addAt(m_report.fileName, 0, text); }
@@ -80,27 +96,26 @@ private:
     void addCauses(const FileSurvey& survey)
     {
         for (const FoundCause& found : survey.causes) {
-            addAt(found.fileName, found.line, QStringLiteral("причина: ") + causeText(found));
-            addAt(found.fileName, found.line, QStringLiteral("что делать: ") + remedyText(found));
-            const QString call = prepareCall(found, survey.fileName);
-            if (!call.isEmpty())
-                addAt(found.fileName, found.line, QStringLiteral("исправит копию: ") + call);
+            addAt(
+                found.fileName, found.line, QStringLiteral("причина: ") + causeText(found), yellow);
+            addAt(found.fileName, found.line, QStringLiteral("что делать: ") + remedyText(found),
+                green);
         }
     }
 
-    QString objectText(int object) const
+    static QString objectText(const ObjectName& object)
     {
-        return QStringLiteral("объект %1 %2").arg(object + 1).arg(quoted(m_report.defs.at(object)));
+        return QStringLiteral("объект %1 %2").arg(object.object + 1).arg(quoted(object.def));
     }
 
-    template <typename Items, typename ToText>
-    static QString list(const Items& items, ToText toText)
+    template <typename Item, typename ToText>
+    static QString list(const Findings<Item>& items, ToText toText)
     {
         QStringList texts;
-        for (int i = 0; i < items.size() && i < maxListed; ++i)
-            texts.append(toText(items.at(i)));
-        if (items.size() > maxListed)
-            texts.append(QStringLiteral("и ещё %1").arg(items.size() - maxListed));
+        for (const Item& item : items.listed)
+            texts.append(toText(item));
+        if (items.unlisted() > 0)
+            texts.append(QStringLiteral("и ещё %1").arg(items.unlisted()));
         return texts.join(QLatin1String(", "));
     }
 
@@ -134,13 +149,20 @@ private:
                 .arg(object.needed));
     }
 
+    /// `text` in the colour of this number, which terminals know.
+    QString coloured(const QString& text, int colour) const
+    {
+        return m_inColours ? QStringLiteral("\033[%1m%2\033[0m").arg(colour).arg(text) : text;
+    }
+
     const Report& m_report;
+    const bool m_inColours;
     QString m_text;
 };
 
 } // namespace
 
-QString reportText(const Report& report)
+QString reportText(const Report& report, bool inColours)
 {
-    return ReportText(report).text();
+    return ReportText(report, inColours).text();
 }

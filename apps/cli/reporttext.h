@@ -4,5 +4,5 @@
 
 struct Report;
 
-/// A report for people: a line for each thing.
-QString reportText(const Report& report);
+/// A report for people: a line for each thing, in colours for a terminal that shows them.
+QString reportText(const Report& report, bool inColours);

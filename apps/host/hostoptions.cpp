@@ -39,7 +39,7 @@ void declareOptions(QCommandLineParser& parser)
             QStringLiteral("Координаты")),
         option("columns",
             QStringLiteral("Столбцы номера точки, x, y и обозначения объекта, считая с нуля."),
-            QStringLiteral("n,x,y,o"), QStringLiteral("0,1,2,1")),
+            QStringLiteral("n,x,y,o"), QStringLiteral("0,2,1,1")),
         option("file", QStringLiteral("Файл объектов."), file),
         option("point-file", QStringLiteral("Отдельный файл точек."), file),
         option("encoding", QStringLiteral("Кодировка файлов."), name),

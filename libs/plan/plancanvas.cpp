@@ -7,6 +7,9 @@ namespace {
 
 constexpr double lineWidth = 1.2;
 
+/// By its attributes drawing programs know a group for a layer.
+const QString inkscape = QStringLiteral("http://www.inkscape.org/namespaces/inkscape");
+
 QPainterPath painterPath(const QVector<QPolygonF>& polygons)
 {
     QPainterPath path;
@@ -46,7 +49,8 @@ void PainterCanvas::drawContours(const QVector<QPolygonF>& lines, const QVector<
     m_painter.strokePath(painterPath(lines), QPen(line, lineWidth));
 }
 
-void PainterCanvas::drawDot(const QPointF& place, double radius, const QColor& color)
+void PainterCanvas::drawDot(
+    const QPointF& place, double radius, const QColor& color, const QString&, const QString&)
 {
     m_painter.setPen(Qt::NoPen);
     m_painter.setBrush(color);
@@ -69,6 +73,7 @@ SvgCanvas::SvgCanvas(QIODevice& device, const QSize& size, const QString& title)
     m_writer.writeStartDocument();
     m_writer.writeStartElement(QStringLiteral("svg"));
     m_writer.writeDefaultNamespace(QStringLiteral("http://www.w3.org/2000/svg"));
+    m_writer.writeNamespace(inkscape, QStringLiteral("inkscape"));
     attribute("width", QString::number(size.width()));
     attribute("height", QString::number(size.height()));
     attribute("viewBox", QStringLiteral("0 0 %1 %2").arg(size.width()).arg(size.height()));
@@ -102,13 +107,34 @@ void SvgCanvas::drawContours(const QVector<QPolygonF>& lines, const QVector<QPol
     attribute("stroke-width", lineWidth);
 }
 
-void SvgCanvas::drawDot(const QPointF& place, double radius, const QColor& color)
+void SvgCanvas::beginGroup(const QString& id, const QString& title, bool isLayer)
 {
-    m_writer.writeEmptyElement(QStringLiteral("circle"));
+    m_writer.writeStartElement(QStringLiteral("g"));
+    attribute("id", id);
+    if (isLayer) {
+        m_writer.writeAttribute(inkscape, QStringLiteral("groupmode"), QStringLiteral("layer"));
+        m_writer.writeAttribute(inkscape, QStringLiteral("label"), withoutControls(title));
+    } else {
+        m_writer.writeTextElement(QStringLiteral("title"), withoutControls(title));
+    }
+}
+
+void SvgCanvas::endGroup()
+{
+    m_writer.writeEndElement();
+}
+
+void SvgCanvas::drawDot(const QPointF& place, double radius, const QColor& color, const QString& id,
+    const QString& title)
+{
+    m_writer.writeStartElement(QStringLiteral("circle"));
+    attribute("id", id);
     attribute("cx", place.x());
     attribute("cy", place.y());
     attribute("r", radius);
     fill(color);
+    m_writer.writeTextElement(QStringLiteral("title"), withoutControls(title));
+    m_writer.writeEndElement();
 }
 
 void SvgCanvas::drawText(

@@ -12,10 +12,15 @@ class QPainter;
 class PlanCanvas {
 public:
     virtual ~PlanCanvas() = default;
+    /// What is drawn until endGroup() belongs together: a layer, or an object with its name.
+    virtual void beginGroup(const QString& id, const QString& title, bool isLayer) = 0;
+    virtual void endGroup() = 0;
     /// Open or closed lines; `areas` are filled, where they overlap every other time.
     virtual void drawContours(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,
         const QColor& line, const QColor& area) = 0;
-    virtual void drawDot(const QPointF& place, double radius, const QColor& color) = 0;
+    /// A dot with an identifier and a name of its own.
+    virtual void drawDot(const QPointF& place, double radius, const QColor& color,
+        const QString& id, const QString& title) = 0;
     /// A line of text that starts at `place` on its base line.
     virtual void drawText(
         const QPointF& place, const QString& text, const QFont& font, const QColor& color) = 0;
@@ -25,9 +30,12 @@ public:
 class PainterCanvas : public PlanCanvas {
 public:
     explicit PainterCanvas(QPainter& painter);
+    void beginGroup(const QString&, const QString&, bool) override { }
+    void endGroup() override { }
     void drawContours(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,
         const QColor& line, const QColor& area) override;
-    void drawDot(const QPointF& place, double radius, const QColor& color) override;
+    void drawDot(const QPointF& place, double radius, const QColor& color, const QString& id,
+        const QString& title) override;
     void drawText(
         const QPointF& place, const QString& text, const QFont& font, const QColor& color) override;
 
@@ -40,9 +48,12 @@ class SvgCanvas : public PlanCanvas {
 public:
     SvgCanvas(QIODevice& device, const QSize& size, const QString& title);
     ~SvgCanvas() override;
+    void beginGroup(const QString& id, const QString& title, bool isLayer) override;
+    void endGroup() override;
     void drawContours(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,
         const QColor& line, const QColor& area) override;
-    void drawDot(const QPointF& place, double radius, const QColor& color) override;
+    void drawDot(const QPointF& place, double radius, const QColor& color, const QString& id,
+        const QString& title) override;
     void drawText(
         const QPointF& place, const QString& text, const QFont& font, const QColor& color) override;
 

@@ -7,12 +7,11 @@
 #include <QImageWriter>
 #include <QPainter>
 
-bool writePlan(QIODevice& device, PlanFormat format, const QSize& size,
-    const QVector<DefPolygon>& objects, const QString& title)
+bool writePlan(QIODevice& device, PlanFormat format, const QSize& size, PlanPainter& plan,
+    const QString& title)
 {
-    PlanPainter plan(objects);
     if (format == PlanFormat::Svg) {
-        SvgCanvas canvas(device, size, title);
+        SvgCanvas canvas(device, size, planText(title));
         plan.paint(canvas, size, title);
         return true;
     }

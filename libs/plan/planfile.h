@@ -1,17 +1,13 @@
 #pragma once
 
-#include "geometry/defpolygon.h"
+#include "plan/planpainter.h"
 
-#include <QSize>
-#include <QString>
-#include <QVector>
-
-class QIODevice;
+#include <QIODevice>
 
 /// What a plan is written as.
 enum class PlanFormat { Svg, Png };
 
-/// Draws the objects with the title on a picture of `size` pixels and writes it to the device.
-/// False when there is no memory for such a picture; what the device reports is left to its owner.
-bool writePlan(QIODevice& device, PlanFormat format, const QSize& size,
-    const QVector<DefPolygon>& objects, const QString& title);
+/// Draws the plan with the title on a picture of `size` pixels and writes it to the device. False
+/// when there is no memory for such a picture; what the device reports is left to its owner.
+bool writePlan(QIODevice& device, PlanFormat format, const QSize& size, PlanPainter& plan,
+    const QString& title);

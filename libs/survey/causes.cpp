@@ -1,5 +1,8 @@
 #include "survey/causes.h"
 
+#include <QFileInfo>
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <iterator>
 
@@ -9,97 +12,129 @@ struct CauseTexts {
     Cause cause;
     const char* id;
     const char* text; ///< %1 is the detail, %2 the count
-    const char* remedy; ///< %1 is the detail
+    const char* remedy; ///< %1 is the detail, %f the file, %p the command that prepares it
 };
 
 constexpr CauseTexts causeTexts[] = {
     { Cause::EmptyFile, "empty-file", "Файл пуст.", "Получите файл заново." },
     { Cause::NotText, "not-text", "Это не текстовый файл, а %1.",
-        "Сохраните чертёж в текстовом (ASCII) формате DXF." },
+        "Двоичный DXF запишет текстом команда: %p; DWG сохраните в программе черчения как "
+        "текстовый "
+        "(ASCII) DXF." },
+    { Cause::OtherFormat, "other-format", "Под этим именем лежит файл другого вида: %1.",
+        "Выгрузите объекты в MIF или DXF из программы, в которой файл сделан." },
     { Cause::BlankFirstLine, "blank-first-line",
         "Файл начинается с пустой строки, и поэтому его начало не узнаётся.",
-        "Удалите пустые строки в начале файла." },
+        "Исправленную копию пишет команда: %p" },
     { Cause::LeadingComment, "leading-comment",
         "Файл начинается с комментария (код 999), а читается только файл, который начинается с "
         "раздела HEADER.",
-        "Удалите в начале файла строки «999» вместе со строкой текста после каждой из них." },
+        "Исправленную копию пишет команда: %p" },
     { Cause::MissingHeader, "missing-header",
         "Файл начинается с раздела %1, а читается только файл, который начинается с раздела "
         "HEADER.",
-        "Сохраните полный чертёж в DXF или вставьте в начало файла строки 0, SECTION, 2, HEADER, "
-        "0, ENDSEC." },
+        "Исправленную копию пишет команда: %p" },
     { Cause::NotDxf, "not-dxf", "Файл не начинается так, как начинается DXF.",
         "Проверьте, тот ли это файл, и сохраните чертёж в DXF заново." },
     { Cause::BlockInsertsOnly, "block-inserts",
         "В чертеже нет линий и полилиний, а содержимое блоков (вставок: %2) не читается.",
-        "Разбейте блоки на части (команда EXPLODE) и сохраните чертёж заново." },
+        "Копию с разбитыми блоками пишет команда: %p" },
     { Cause::MTextOnly, "mtext",
         "Надписи записаны как MTEXT (%2), а обозначения ищутся только в TEXT.",
-        "Разбейте надписи MTEXT на строки TEXT (команда EXPLODE) и сохраните чертёж заново." },
+        "Копию с надписями TEXT пишет команда: %p" },
     { Cause::UnsortedTexts, "unsorted-texts",
         "В чертеже нет точек, поэтому надписи (%2) не упорядочены и объект может получить не "
         "ближайшую.",
-        "Отключите поиск обозначений точек (--search-points off) или укажите файл точек "
-        "(--points)." },
+        "Отключите поиск обозначений точек (--search-points off), укажите файл точек (--points) "
+        "или сделайте копию командой: %p" },
     { Cause::ClosedFlag, "closed-flag",
         "Замкнутые полилинии POLYLINE (%2) прочитаны незамкнутыми: их флаг 70 равен %1, а "
         "узнаётся только 1.",
-        "Преобразуйте их в LWPOLYLINE (команда CONVERTPOLY) и сохраните чертёж заново." },
+        "Исправленную копию пишет команда: %p" },
     { Cause::Bulges, "bulges", "Дуговые отрезки полилиний (%2) прочитаны прямыми.",
-        "Замените дуги ломаными с нужным шагом и сохраните чертёж заново." },
+        "Копию, в которой дуги заменены хордами, пишет команда: %p" },
+    { Cause::LeftOut, "left-out", "Не прочитана часть элементов: %1.",
+        "Копию, в которой они разбиты на линии и надписи, пишет команда: %p" },
+    { Cause::HiddenLayers, "hidden-layers",
+        "Прочитаны и элементы замороженных или выключенных слоёв: %2.",
+        "Копию без них пишет команда: %p --visible" },
+    { Cause::PaperSpace, "paper-space",
+        "Прочитаны как объекты и элементы листа (оформление чертежа): %2.",
+        "Копию без них пишет команда: %p" },
+    { Cause::Mesh, "mesh", "Сети POLYLINE (%2) прочитаны как полилинии.",
+        "Копию без сетей пишет команда: %p" },
+    { Cause::OneVertex, "one-vertex", "В полилинии LWPOLYLINE одна вершина; таких полилиний: %2.",
+        "Копию без них пишет команда: %p" },
     { Cause::MifHeader, "mif-header",
         "Первые три строки файла должны быть Version, Charset и Delimiter со значением, а на "
         "месте строки %1 стоит другое.",
-        "Допишите недостающую строку: Version 300, Charset \"WindowsCyrillic\" или "
-        "Delimiter \",\"." },
+        "Исправленную копию пишет команда: %p" },
     { Cause::Delimiter, "delimiter",
         "Разделитель столбцов в строке Delimiter - пробел или табуляция, и такой заголовок не "
         "принимается.",
-        "Замените разделитель запятой или точкой с запятой в строке Delimiter и в файле MID." },
+        "Копию с запятой пишет команда: %p" },
+    { Cause::DelimiterMissing, "delimiter-missing",
+        "В начале файла нет строки Delimiter: столбцы файла MID разделены табуляцией, а такой "
+        "заголовок не принимается.",
+        "Копию с запятой пишет команда (вписать Delimiter одной строкой мало): %p" },
+    { Cause::MidDelimiter, "mid-delimiter",
+        "Строки файла MID не делятся на столбцы разделителем из строки Delimiter, в них стоит %1: "
+        "обозначением становится вся строка.",
+        "Впишите этот разделитель в строку Delimiter или выгрузите пару файлов заново." },
     { Cause::NoData, "no-data", "В файле нет строки Data, после которой стоят объекты.",
         "Получите файл заново: он, видимо, оборван." },
     { Cause::MidOtherCase, "mid-other-case",
         "Файл MID есть, но его имя отличается регистром букв: %1.",
-        "Переименуйте его так, как указано в сообщении об ошибке." },
+        "Переименуйте его так, как указано в сообщении об ошибке, или сделайте копию командой: "
+        "%p" },
     { Cause::MidMissing, "mid-missing", "Рядом с файлом MIF нет файла MID.",
-        "Положите файл MID рядом или отключите поиск обозначений точек и объектов." },
+        "Положите файл MID рядом или импортируйте без него: --search-points off --search-objects "
+        "off." },
     { Cause::MidUnreadable, "mid-unreadable", "Файл MID есть, но открыть его не удаётся.",
         "Проверьте, файл ли это и есть ли право его читать." },
     { Cause::MidBlankRow, "mid-blank-row",
         "В файле MID вместо строки объекта пустая строка: её значение пусто или разорвано "
-        "переводом "
-        "строки.",
-        "Впишите в эту строку значения столбцов, хотя бы пустые кавычки \"\", или уберите "
-        "разрыв." },
+        "переводом строки.",
+        "Исправленную копию пишет команда: %p" },
     { Cause::MidTooShort, "mid-too-short", "В файле MID меньше строк, чем объектов в MIF.",
-        "Выгрузите пару файлов MIF и MID заново." },
+        "Выгрузите пару файлов MIF и MID заново; копию с пустыми строками вместо недостающих пишет "
+        "команда: %p" },
     { Cause::MidTooLong, "mid-too-long",
         "В файле MID строк больше, чем объектов в MIF, на %2: обозначения могли достаться чужим "
         "объектам.",
-        "Уберите из значений столбцов переводы строк и выгрузите пару файлов заново." },
+        "Копию, в которой разорванные строки соединены, пишет команда: %p" },
     { Cause::Collection, "collection",
         "В файле есть коллекция (COLLECTION), на ней чтение заканчивается.",
-        "Разберите коллекции на отдельные объекты и выгрузите файл заново." },
+        "Копию, в которой коллекции разобраны на объекты, пишет команда: %p" },
     { Cause::CountOnNextLine, "count-on-next-line",
         "Число частей или вершин объекта %1 стоит не в одной строке с ним.",
-        "Перенесите число в конец строки с именем объекта." },
-    { Cause::BlankLine, "blank-line", "Пустая строка стоит внутри объекта.",
-        "Удалите эту строку." },
+        "Исправленную копию пишет команда: %p" },
+    { Cause::BlankLine, "blank-line",
+        "Пустая строка стоит там, где файл не может продолжаться; пустых строк отсюда до конца "
+        "файла: %2.",
+        "Копию без таких строк пишет команда: %p" },
     { Cause::TrailingBlankLine, "trailing-blank-line",
         "После последней пары строк файла стоит пустая строка.",
-        "Удалите пустые строки в конце файла." },
+        "Исправленную копию пишет команда: %p" },
     { Cause::BadObject, "bad-object",
         "Объект %1 записан не полностью или содержит не число на месте числа.",
-        "Исправьте объект в этом месте или выгрузите файл заново." },
+        "Исправьте объект в этом месте, выгрузите файл заново или сделайте копию без него "
+        "командой: %p" },
     { Cause::NothingInside, "nothing-inside", "В файле нет ни одного объекта.",
         "Проверьте, тот ли это файл, и выгрузите его заново." },
     { Cause::NoObjects, "no-objects", "В файле нет объектов, из которых складываются контуры: %1.",
-        "Если это файл точек, укажите его параметром --points; иначе преобразуйте нужные объекты в "
-        "полилинии и выгрузите файл заново." },
+        "Если это файл точек, укажите его параметром --points; кривые и надписи переведёт команда: "
+        "%p" },
     { Cause::Axes, "axes", "Север и восток переставлены: %1.",
-        "Поменяйте местами номера столбцов X и Y (--columns) или координаты в файле." },
+        "Поменяйте местами номера столбцов X и Y (--columns) или сделайте копию командой: %p "
+        "--swap-xy" },
+    { Cause::Degrees, "degrees",
+        "Координаты записаны в градусах, а допуск 0.01 и два знака после запятой рассчитаны на "
+        "метры: вершины сливаются.",
+        "Пересчитайте координаты в метры, например командой: ogr2ogr -f \"MapInfo File\" -dsco "
+        "FORMAT=MIF -s_srs EPSG:4326 -t_srs EPSG:%1 %o %f" },
     { Cause::Encoding, "encoding", "Байты файла похожи на %1, а выбрана другая кодировка.",
-        "Выберите кодировку %1 (--encoding %1)." },
+        "Выберите кодировку %1 (--encoding %1 или --encoding auto)." },
 };
 
 const CauseTexts& textsOf(Cause cause)
@@ -108,7 +143,48 @@ const CauseTexts& textsOf(Cause cause)
         [cause](const CauseTexts& texts) { return texts.cause == cause; });
 }
 
+/// A name as a shell takes it for one word.
+QString quoted(const QString& name)
+{
+    static const QRegularExpression special(
+        QStringLiteral("[^\\w./+,:@%=-]"), QRegularExpression::UseUnicodePropertiesOption);
+    if (!name.contains(special) && !name.startsWith(QLatin1Char('-')))
+        return name;
+    return QLatin1Char('\'') + QString(name).replace(QLatin1Char('\''), QLatin1String("'\\''"))
+        + QLatin1Char('\'');
+}
+
+/// A new name beside the file, with an ending such as "-готов" before its suffix.
+QString besideName(const QString& fileName, const QString& ending, const QString& suffix)
+{
+    const QFileInfo info(fileName);
+    const QString folder = fileName.left(fileName.size() - info.fileName().size());
+    return folder + info.completeBaseName() + ending + QLatin1Char('.') + suffix;
+}
+
+QString prepareCommandLine(const QString& fileName)
+{
+    const QString suffix = QFileInfo(fileName).suffix().toLower();
+    return QStringLiteral("importgeometry prepare %1 -o %2")
+        .arg(quoted(fileName), quoted(besideName(fileName, QStringLiteral("-готов"), suffix)));
+}
+
 } // namespace
+
+std::vector<Cause> allCauses()
+{
+    std::vector<Cause> causes;
+    for (const CauseTexts& texts : causeTexts)
+        causes.push_back(texts.cause);
+    return causes;
+}
+
+std::optional<Cause> causeOfId(const QString& id)
+{
+    const auto found = std::find_if(std::begin(causeTexts), std::end(causeTexts),
+        [&id](const CauseTexts& texts) { return id == QLatin1String(texts.id); });
+    return found == std::end(causeTexts) ? std::optional<Cause>() : found->cause;
+}
 
 QString causeId(Cause cause)
 {
@@ -124,6 +200,12 @@ QString causeText(const FoundCause& found)
 
 QString remedyText(const FoundCause& found)
 {
-    return QString::fromUtf8(textsOf(found.cause).remedy)
-        .replace(QLatin1String("%1"), found.detail);
+    const QString file = found.source.isEmpty() ? QStringLiteral("ФАЙЛ.mif") : found.source;
+    QString text = QString::fromUtf8(textsOf(found.cause).remedy);
+    text.replace(QLatin1String("%2"), QString::number(found.count));
+    text.replace(QLatin1String("%1"), found.detail);
+    text.replace(QLatin1String("%o"),
+        quoted(besideName(file, QStringLiteral("-метры"), QStringLiteral("mif"))));
+    text.replace(QLatin1String("%p"), prepareCommandLine(file));
+    return text.replace(QLatin1String("%f"), quoted(file));
 }

@@ -1,101 +1,30 @@
 #include "survey/dxfsurvey.h"
 
-#include "import/number.h"
+#include "import/dxfpairs.h"
 
-#include <utility>
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
-constexpr const char* inBlocks = " (в блоках)";
+/// Kinds whose absence nobody misses: they draw nothing, or only views of the rest.
+constexpr const char* silentKinds[] = { "VIEWPORT", "ATTDEF", "ACAD_PROXY_ENTITY", "POINT",
+    "CIRCLE", "ELLIPSE", "INSERT", "TEXT", "LINE", "POLYLINE", "LWPOLYLINE" };
 
-/// The marks of a POLYLINE in code 70.
-constexpr int closedBit = 1;
-constexpr int meshBits = 16 | 64;
-
-bool isOneOf(TextView text, std::initializer_list<const char*> names)
+bool isSilent(const std::string& kind)
 {
-    return std::any_of(names.begin(), names.end(),
-        [text](const char* name) { return text == QLatin1String(name); });
+    return kind.back() == ')'
+        || std::any_of(std::begin(silentKinds), std::end(silentKinds),
+            [&kind](const char* silent) { return kind == silent; });
 }
 
 } // namespace
 
-// The census
-
-void DxfSurvey::takeCensus(LineReader& in)
+void DxfSurvey::takeCensus(ByteLines& lines)
 {
-    DxfPairs pairs(in);
-    while (!pairs.atEnd()) {
-        // A blank line in the place of a code is passed over.
-        if (pairs.readCodeValue())
-            takePair(pairs, in.lineNum());
-    }
-    endPolyline();
-}
-
-void DxfSurvey::takePair(const DxfPairs& pairs, int line)
-{
-    if (std::exchange(m_sectionStarts, false)) {
-        m_section = pairs.value == QLatin1String("ENTITIES") ? Section::Entities
-            : pairs.value == QLatin1String("BLOCKS")         ? Section::Blocks
-                                                             : Section::Other;
-        return;
-    }
-    if (pairs.isEntity()) {
-        startEntity(pairs.value, line);
-        return;
-    }
-    if (m_codepageFollows && pairs.code == QLatin1String("3"))
-        m_survey.declaredEncoding = pairs.value.toString();
-    m_codepageFollows =
-        pairs.code == QLatin1String("9") && pairs.value == QLatin1String("$DWGCODEPAGE");
-    if (pairs.code == QLatin1String("1") && m_kind == QLatin1String("TEXT")) {
-        takeDesignation(pairs.value);
-    } else if (pairs.code == QLatin1String("70") && m_polyline.line > 0) {
-        if (m_kind == QLatin1String("POLYLINE"))
-            m_polyline.flags = pairs.value.toString();
-        m_polyline.closed = m_polyline.closed || pairs.value == QLatin1String("1");
-    } else if (pairs.code == QLatin1String("42")
-        && (m_kind == QLatin1String("LWPOLYLINE") || m_polyline.line > 0)) {
-        bool ok = false;
-        const double bulge = toDouble(pairs.value, &ok);
-        m_bulges += ok && bulge != 0 ? 1 : 0;
-    }
-}
-
-void DxfSurvey::startEntity(TextView kind, int line)
-{
-    m_kind.clear();
-    const bool isVertex = kind == QLatin1String("VERTEX");
-    if (!isVertex)
-        endPolyline();
-    m_sectionStarts = kind == QLatin1String("SECTION");
-    if (m_sectionStarts || m_section == Section::Other || kind.isEmpty()
-        || isOneOf(kind, { "SEQEND", "ENDSEC", "EOF", "BLOCK", "ENDBLK" }))
-        return;
-    if (m_section == Section::Blocks) {
-        if (!isVertex)
-            ++m_survey.kinds[kind.toString().toStdString() + inBlocks].count;
-        return;
-    }
-    m_kind = kind.toString();
-    if (isVertex)
-        return;
-    ++m_survey.kinds[m_kind.toStdString()].count;
-    if (m_kind == QLatin1String("POLYLINE"))
-        m_polyline.line = line;
-}
-
-void DxfSurvey::endPolyline()
-{
-    const Polyline polyline = std::exchange(m_polyline, {});
-    const int flags = polyline.flags.toInt();
-    if ((flags & closedBit) == 0 || polyline.closed || (flags & meshBits) != 0)
-        return;
-    if (m_openedByFlag++ == 0) {
-        m_firstFlags = polyline.flags;
-        m_firstFlagsLine = polyline.line;
-    }
+    m_census.take(lines);
+    m_survey.kinds = std::move(m_census.kinds);
+    m_survey.declaredEncoding = QString::fromLatin1(m_census.codepage);
 }
 
 // Failures
@@ -118,14 +47,6 @@ void DxfSurvey::explainHeader()
         addCause(Cause::BlankFirstLine, 1);
         return;
     }
-    if (pairs.code.toString().startsWith(QLatin1String("AutoCAD Binary DXF"))) {
-        addCause(Cause::NotText, 0, QStringLiteral("двоичный DXF"));
-        return;
-    }
-    if (pairs.code.toString().startsWith(QLatin1String("AC10"))) {
-        addCause(Cause::NotText, 0, QStringLiteral("чертёж DWG"));
-        return;
-    }
     if (pairs.code == comment)
         addCause(Cause::LeadingComment, 1);
     while (pairs.code == comment && !pairs.atEnd() && pairs.readCodeValue()) { }
@@ -145,7 +66,11 @@ void DxfSurvey::explainEntity(const ImportFailure& failure)
     // should stand.
     const Place place = placeOf(failure.line);
     if (failure.line % 2 == 1 && place.exists && place.text.isEmpty())
-        addCause(place.isBlankToEnd ? Cause::TrailingBlankLine : Cause::BlankLine, failure.line);
+        addCause(place.isBlankToEnd ? Cause::TrailingBlankLine : Cause::BlankLine, failure.line, {},
+            place.isBlankToEnd ? 0 : place.blankLines);
+    else if (failure.entity == QLatin1String("LWPOLYLINE")
+        && failure.entityLine == m_census.singleVertex.line)
+        addCause(Cause::OneVertex, failure.entityLine, {}, m_census.singleVertex.count);
     else if (failure.entity.size() > 0)
         addCause(Cause::BadObject, failure.entityLine, failure.entity);
     else
@@ -172,8 +97,54 @@ void DxfSurvey::judge()
         addCause(Cause::MTextOnly, 0, {}, countOf("MTEXT"));
     if (contours > 0 && leavesTextsUnsorted())
         addCause(Cause::UnsortedTexts, 0, {}, countOf("TEXT"));
-    if (readOf("POLYLINE") > 0 && m_openedByFlag > 0)
-        addCause(Cause::ClosedFlag, m_firstFlagsLine, m_firstFlags, m_openedByFlag);
-    if (readOf("POLYLINE") + readOf("LWPOLYLINE") > 0 && m_bulges > 0)
-        addCause(Cause::Bulges, 0, {}, m_bulges);
+    if (readsObjects() && contours > 0)
+        judgeLeftOut();
+    judgeObjects();
+}
+
+/// What was read, and not as it is meant.
+void DxfSurvey::judgeObjects()
+{
+    const qint64 polylines = readOf("POLYLINE");
+    if (polylines > 0 && m_census.openedByFlag.count > 0) {
+        addCause(Cause::ClosedFlag, m_census.openedByFlag.line,
+            QString::fromLatin1(m_census.openingFlags), m_census.openedByFlag.count);
+    }
+    if (polylines > 0 && m_census.meshes.count > 0)
+        addCause(Cause::Mesh, m_census.meshes.line, {}, m_census.meshes.count);
+    if (polylines + readOf("LWPOLYLINE") > 0 && m_census.bulges > 0)
+        addCause(Cause::Bulges, 0, {}, m_census.bulges);
+    if (polylines + readOf("LWPOLYLINE") + readOf("LINE") == 0)
+        return;
+    if (m_census.hidden > 0)
+        addCause(Cause::HiddenLayers, 0, {}, m_census.hidden);
+    if (m_census.paper > 0)
+        addCause(Cause::PaperSpace, 0, {}, m_census.paper);
+}
+
+void DxfSurvey::judgeLeftOut()
+{
+    constexpr int maxNamed = 12;
+    QStringList names;
+    qint64 count = 0;
+    const auto add = [&](const QString& name, qint64 missing) {
+        if (missing == 0)
+            return;
+        count += missing;
+        if (names.size() < maxNamed)
+            names.append(QStringLiteral("%1 - %2").arg(name).arg(missing));
+    };
+    for (const auto& [kind, counts] : m_survey.kinds) {
+        const bool isTold = kind == "MTEXT" && countOf("TEXT") == 0;
+        if (!isSilent(kind) && !isTold)
+            add(QString::fromStdString(kind), counts.count - counts.read);
+    }
+    // Without a pass for points these are not even that.
+    if (!readsPoints() && m_options.pointFileName.isEmpty()) {
+        add(QStringLiteral("CIRCLE"), countOf("CIRCLE"));
+        add(QStringLiteral("ELLIPSE"), countOf("ELLIPSE"));
+    }
+    add(QStringLiteral("вставки блоков с линиями (INSERT)"), m_census.insertsWithGeometry);
+    if (count > 0)
+        addCause(Cause::LeftOut, 0, names.join(QLatin1String(", ")), count);
 }

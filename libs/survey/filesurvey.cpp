@@ -3,20 +3,24 @@
 #include "survey/dxfsurvey.h"
 #include "survey/mifsurvey.h"
 
+#include <QFileInfo>
+
 #include <memory>
 
 namespace {
 
 template <typename FormatSurveyor>
-std::unique_ptr<Surveyor> make(const ImportOptions& options, FileRole role, const ImportRun& run)
+std::unique_ptr<Surveyor> make(
+    const Format& format, const ImportOptions& options, FileRole role, const ImportRun& run)
 {
-    return std::make_unique<FormatSurveyor>(options, role, run);
+    return std::make_unique<FormatSurveyor>(format, options, role, run);
 }
 
 /// How the files of a format are surveyed.
 constexpr struct {
     const char* format;
-    std::unique_ptr<Surveyor> (*make)(const ImportOptions&, FileRole, const ImportRun&);
+    std::unique_ptr<Surveyor> (*make)(
+        const Format&, const ImportOptions&, FileRole, const ImportRun&);
 } surveyors[] = {
     { "mif", make<MifSurvey> },
     { "dxf", make<DxfSurvey> },
@@ -24,12 +28,33 @@ constexpr struct {
 
 } // namespace
 
+QByteArray likelyEncoding(const Format& format, const QString& fileName)
+{
+    EncodingGuess guess;
+    QFile file(fileName);
+    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray start = file.read(EncodingGuess::sampleSize);
+    const std::string_view sample(start.constData(), static_cast<size_t>(start.size()));
+    const QByteArray mark = codecOfMark(sample);
+    const QByteArray wide = mark.isEmpty() ? utf16WithoutMark(sample) : mark;
+    if (!wide.isEmpty())
+        return wide;
+    for (const QString& name : { fileName, format.companionFile(fileName) }) {
+        ByteLines lines;
+        if (name.isEmpty() || !lines.open(name, nullptr, &guess))
+            continue;
+        while (lines.next()) { }
+    }
+    return guess.codecName();
+}
+
 FileSurvey surveyFile(
     const Format& format, const ImportOptions& options, FileRole role, const ImportRun& run)
 {
     for (const auto& row : surveyors) {
         if (format.id == QLatin1String(row.format))
-            return row.make(options, role, run)->survey();
+            return row.make(format, options, role, run)->survey();
     }
     return {};
 }

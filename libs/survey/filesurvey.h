@@ -35,7 +35,12 @@ struct FileSurvey {
     QByteArray likelyEncoding; ///< a codec's name; empty for plain ASCII
     QString declaredEncoding; ///< what the file's header says
     bool encodingMatches = true; ///< the chosen encoding reads the texts as they are meant
+    bool isInDegrees = false; ///< the header says so
 };
+
+/// The encoding that the bytes of a file and of its companion look like: a codec's name; empty for
+/// plain ASCII and for no file.
+QByteArray likelyEncoding(const Format& format, const QString& fileName);
 
 /// Surveys the file of a role; `options.encoding` is the name of the codec in force, and `run` the
 /// import with these options.

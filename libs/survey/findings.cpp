@@ -4,8 +4,11 @@
 #include "geometry/designation.h"
 
 #include <QHash>
+#include <QRandomGenerator>
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -24,12 +27,18 @@ void makeUnique(QVector<QPointF>& places)
     places.erase(std::unique(places.begin(), places.end(), isSame), places.end());
 }
 
-void findConflictsOf(int object, const DefPolygon& polygon, QVector<PointConflict>& found)
+/// Adds what one object has; lists no more than `most` in all.
+void addConflictsOf(
+    const ObjectName& object, const DefPolygon& polygon, int most, Findings<PointConflict>& found)
 {
     const QBitArray conflicting = conflictingPoints(polygon);
     if (conflicting.count(true) == 0)
         return;
-    const int first = found.size();
+    struct Conflict {
+        QString def;
+        QVector<QPointF> places;
+    };
+    QVector<Conflict> conflicts;
     QHash<DefKey, int> indices;
     int vertexIndex = 0;
     for (const QVector<DefPoint>& contour : polygon.contours) {
@@ -37,16 +46,21 @@ void findConflictsOf(int object, const DefPolygon& polygon, QVector<PointConflic
             if (!conflicting.testBit(vertexIndex++))
                 continue;
             const auto known = indices.constFind(DefKey{ vertex.def });
-            const int index = known == indices.cend() ? found.size() : *known;
+            const int index = known == indices.cend() ? conflicts.size() : *known;
             if (known == indices.cend()) {
                 indices.insert(DefKey{ vertex.def }, index);
-                found.append({ object, vertex.def, {} });
+                conflicts.append({ vertex.def, {} });
             }
-            found[index].places.append(QPointF(vertex.x, vertex.y));
+            conflicts[index].places.append(QPointF(vertex.x, vertex.y));
         }
     }
-    for (int i = first; i < found.size(); ++i)
-        makeUnique(found[i].places);
+    found.total += conflicts.size();
+    for (int i = 0; i < conflicts.size() && found.listed.size() < most; ++i) {
+        QVector<QPointF>& places = conflicts[i].places;
+        makeUnique(places);
+        found.listed.append(
+            { object, shortened(conflicts.at(i).def), { places.mid(0, most), places.size() } });
+    }
 }
 
 /// The vertices of a contour without the one that closes it.
@@ -78,49 +92,129 @@ bool isEastingFirst(const DefPoint& vertex)
 
 } // namespace
 
-QVector<PointConflict> findPointConflicts(const QVector<DefPolygon>& objects)
+namespace {
+
+/// An object by the hash of its designation. A hash of them all would take several times the room.
+struct Bearer {
+    uint hash;
+    int object;
+};
+
+/// Objects with a designation, those with the same one behind each other.
+std::vector<Bearer> sortedBearers(const QVector<DefPolygon>& objects)
 {
-    QVector<PointConflict> found;
+    // A seed of its own: nobody can write a file whose designations collide.
+    static const uint seed = QRandomGenerator::system()->generate();
+    std::vector<Bearer> bearers;
+    bearers.reserve(static_cast<size_t>(objects.size()));
+    for (int i = 0; i < objects.size(); ++i) {
+        if (!objects.at(i).def.isEmpty())
+            bearers.push_back({ qHash(DefKey{ objects.at(i).def }, seed), i });
+    }
+    std::sort(bearers.begin(), bearers.end(), [](const Bearer& a, const Bearer& b) {
+        return a.hash < b.hash || (a.hash == b.hash && a.object < b.object);
+    });
+    return bearers;
+}
+
+/// Objects with one designation; some others may have the same hash and stand among them.
+struct Group {
+    int first;
+    size_t begin;
+    size_t end;
+};
+
+/// Adds the designations that occur twice among the bearers of one hash.
+void addGroups(const std::vector<Bearer>& bearers, size_t begin, size_t end,
+    const QVector<DefPolygon>& objects, std::vector<Group>& groups)
+{
+    // Hardly ever more than one.
+    std::vector<std::pair<int, int>> firstAndCount;
+    for (size_t i = begin; i < end; ++i) {
+        const QString& def = objects.at(bearers[i].object).def;
+        const auto known = std::find_if(firstAndCount.begin(), firstAndCount.end(),
+            [&](const auto& entry) { return sameDef(objects.at(entry.first).def, def); });
+        if (known == firstAndCount.end())
+            firstAndCount.emplace_back(bearers[i].object, 1);
+        else if (++known->second == 2)
+            groups.push_back({ known->first, begin, end });
+    }
+}
+
+/// The designations that several objects have, in the order of their first objects.
+std::vector<Group> groupsOf(const std::vector<Bearer>& bearers, const QVector<DefPolygon>& objects)
+{
+    std::vector<Group> groups;
+    for (size_t begin = 0; begin < bearers.size();) {
+        size_t end = begin + 1;
+        while (end < bearers.size() && bearers[end].hash == bearers[begin].hash)
+            ++end;
+        if (end - begin > 1)
+            addGroups(bearers, begin, end, objects, groups);
+        begin = end;
+    }
+    std::sort(groups.begin(), groups.end(),
+        [](const Group& a, const Group& b) { return a.first < b.first; });
+    return groups;
+}
+
+} // namespace
+
+QString shortened(const QString& def)
+{
+    constexpr int most = 200;
+    return def.size() <= most ? def : def.left(most) + QChar(0x2026);
+}
+
+Findings<PointConflict> findPointConflicts(const QVector<DefPolygon>& objects, int most)
+{
+    Findings<PointConflict> found;
     for (int i = 0; i < objects.size(); ++i)
-        findConflictsOf(i, objects.at(i), found);
+        addConflictsOf({ i, shortened(objects.at(i).def) }, objects.at(i), most, found);
     return found;
 }
 
-QVector<DuplicateDef> findDuplicateDefs(const QVector<DefPolygon>& objects)
+Findings<DuplicateDef> findDuplicateDefs(const QVector<DefPolygon>& objects, int most)
 {
-    QVector<DuplicateDef> found;
-    const QBitArray duplicates = duplicateDefs(objects);
-    QHash<DefKey, int> indices;
-    for (int i = 0; i < objects.size(); ++i) {
-        if (!duplicates.testBit(i))
+    Findings<DuplicateDef> found;
+    const std::vector<Bearer> bearers = sortedBearers(objects);
+    for (const Group& group : groupsOf(bearers, objects)) {
+        if (found.total++ >= most)
             continue;
-        const QString& def = objects.at(i).def;
-        const auto known = indices.constFind(DefKey{ def });
-        if (known != indices.cend()) {
-            found[*known].objects.append(i);
-            continue;
+        DuplicateDef duplicate{ shortened(objects.at(group.first).def), {} };
+        const QString& def = objects.at(group.first).def;
+        for (size_t i = group.begin; i < group.end; ++i) {
+            const int object = bearers[i].object;
+            if (!sameDef(objects.at(object).def, def))
+                continue;
+            if (duplicate.objects.total++ < most)
+                duplicate.objects.listed.append(object);
         }
-        indices.insert(DefKey{ def }, found.size());
-        found.append({ def, { i } });
+        found.listed.append(duplicate);
     }
     return found;
 }
 
-QVector<IncompleteObject> findIncompleteObjects(
-    const QVector<DefPolygon>& objects, const QVector<Shape>& shapes)
+Findings<IncompleteObject> findIncompleteObjects(
+    const QVector<DefPolygon>& objects, const QVector<Shape>& shapes, int most)
 {
-    QVector<IncompleteObject> found;
+    Findings<IncompleteObject> found;
     for (int i = 0; i < objects.size(); ++i) {
         const int needed = static_cast<int>(shapes.value(i, Shape::Line));
         const auto& contours = objects.at(i).contours;
+        const auto add = [&](int contour, int vertices) {
+            if (found.total++ < most)
+                found.listed.append(
+                    { { i, shortened(objects.at(i).def) }, contour, vertices, needed });
+        };
         if (contours.isEmpty())
-            found.append({ i, -1, 0, needed });
+            add(-1, 0);
         for (int contour = 0; contour < contours.size(); ++contour) {
             const bool isArea = needed == static_cast<int>(Shape::Area);
             const int vertices =
                 isArea ? openSize(contours.at(contour)) : contours.at(contour).size();
             if (vertices < needed)
-                found.append({ i, contour, vertices, needed });
+                add(contour, vertices);
         }
     }
     return found;
@@ -144,4 +238,59 @@ AxisOrder guessAxisOrder(const QVector<DefPolygon>& objects)
     if (isMost(eastingFirst))
         return AxisOrder::EastingFirst;
     return isMost(northingFirst) ? AxisOrder::NorthingFirst : AxisOrder::Unknown;
+}
+
+namespace {
+
+/// The extent of an object's places.
+struct Extent {
+    double minX = std::numeric_limits<double>::infinity();
+    double maxX = -std::numeric_limits<double>::infinity();
+    double minY = std::numeric_limits<double>::infinity();
+    double maxY = -std::numeric_limits<double>::infinity();
+
+    explicit Extent(const DefPolygon& object)
+    {
+        for (const QVector<DefPoint>& contour : object.contours) {
+            for (const DefPoint& vertex : contour) {
+                minX = std::min(minX, vertex.x);
+                maxX = std::max(maxX, vertex.x);
+                minY = std::min(minY, vertex.y);
+                maxY = std::max(maxY, vertex.y);
+            }
+        }
+    }
+};
+
+/// Whether an object of this extent is a small one in degrees.
+bool isInDegrees(const Extent& extent)
+{
+    constexpr double most = 0.36;
+    const auto isOnEarth = [](double least, double greatest, double limit) {
+        return greatest <= limit && least >= -limit && (least >= 1 || greatest <= -1);
+    };
+    return extent.maxX - extent.minX <= most && extent.maxY - extent.minY <= most
+        && isOnEarth(extent.minX, extent.maxX, 180) && isOnEarth(extent.minY, extent.maxY, 90);
+}
+
+} // namespace
+
+std::optional<QPointF> guessDegrees(const QVector<DefPolygon>& objects)
+{
+    qint64 total = 0;
+    qint64 inDegrees = 0;
+    QPointF sum;
+    for (const DefPolygon& object : objects) {
+        if (object.contours.isEmpty())
+            continue;
+        const Extent extent(object);
+        ++total;
+        if (!isInDegrees(extent))
+            continue;
+        ++inDegrees;
+        sum += QPointF(extent.minX / 2 + extent.maxX / 2, extent.minY / 2 + extent.maxY / 2);
+    }
+    if (total == 0 || inDegrees * 10 < total * 9)
+        return {};
+    return sum / static_cast<double>(inDegrees);
 }

@@ -5,32 +5,59 @@
 #include <QPointF>
 #include <QVector>
 
+#include <limits>
+#include <optional>
+
+/// The first findings of a kind, and the number of all.
+template <typename Finding>
+struct Findings {
+    QVector<Finding> listed;
+    qint64 total = 0;
+
+    qint64 unlisted() const { return total - listed.size(); }
+};
+
+/// So many findings of a kind, and places of one, are listed unless all are asked for.
+constexpr int listedFindings = 10;
+constexpr int allFindings = std::numeric_limits<int>::max();
+
+/// An object that something was found about.
+struct ObjectName {
+    int object; ///< zero-based
+    QString def; ///< cut where it is long
+};
+
 /// Points of one object that bear one designation at different places.
 struct PointConflict {
-    int object; ///< zero-based
+    ObjectName object;
     QString def;
-    QVector<QPointF> places;
+    Findings<QPointF> places;
 };
 
 /// Objects that bear one designation.
 struct DuplicateDef {
     QString def;
-    QVector<int> objects; ///< zero-based
+    Findings<int> objects; ///< zero-based
 };
 
 /// An object without contours, or a contour with fewer different vertices than its kind needs.
 struct IncompleteObject {
-    int object; ///< zero-based
+    ObjectName object;
     int contour; ///< zero-based; -1 for an object without contours
     int vertices;
     int needed;
 };
 
-QVector<PointConflict> findPointConflicts(const QVector<DefPolygon>& objects);
-QVector<DuplicateDef> findDuplicateDefs(const QVector<DefPolygon>& objects);
+// Each lists at most so many findings.
+
+Findings<PointConflict> findPointConflicts(const QVector<DefPolygon>& objects, int most);
+Findings<DuplicateDef> findDuplicateDefs(const QVector<DefPolygon>& objects, int most);
 /// `shapes` are those of the objects.
-QVector<IncompleteObject> findIncompleteObjects(
-    const QVector<DefPolygon>& objects, const QVector<Shape>& shapes);
+Findings<IncompleteObject> findIncompleteObjects(
+    const QVector<DefPolygon>& objects, const QVector<Shape>& shapes, int most);
+
+/// `def` cut to a length that a report has room for.
+QString shortened(const QString& def);
 
 /// Which of a vertex's coordinates runs to the east.
 enum class AxisOrder { Unknown, EastingFirst, NorthingFirst };
@@ -43,3 +70,8 @@ enum class AxisOrder { Unknown, EastingFirst, NorthingFirst };
 /// million in the national one. Six digits that stand before 4 to 10 million are an easting
 /// without its zone; in the other order they may as well be a northing of a local system.
 AxisOrder guessAxisOrder(const QVector<DefPolygon>& objects);
+
+/// The middle of coordinates that look like degrees of longitude and latitude, in this order; none
+/// for others. Nine of ten objects must be a thousandth as large as the Earth, or smaller, and lie
+/// between 1 and 180, or 90, degrees.
+std::optional<QPointF> guessDegrees(const QVector<DefPolygon>& objects);

@@ -5,8 +5,6 @@
 #include "survey/filesurvey.h"
 #include "survey/findings.h"
 
-#include <QStringList>
-
 /// A message of the import and the place that it speaks of.
 struct ReportMessage {
     QString text;
@@ -20,17 +18,22 @@ struct Report {
     QByteArray chosenEncoding;
     qint64 objectCount = 0;
     qint64 vertexCount = 0;
-    QStringList defs; ///< of the objects
     QVector<ReportMessage> messages;
     QVector<FileSurvey> surveys; ///< of the file, and of the file of points if there is one
-    QVector<PointConflict> conflicts;
-    QVector<DuplicateDef> duplicates;
-    QVector<IncompleteObject> incomplete;
+    Findings<PointConflict> conflicts;
+    Findings<DuplicateDef> duplicates;
+    Findings<IncompleteObject> incomplete;
     bool unreadable = false; ///< there was no file to look at
 
     qint64 findingCount() const;
 };
 
 /// Imports a file and looks at its bytes; `columns` are those of the catalogue that it is meant
-/// for.
-Report makeReport(const Format& format, const ImportOptions& options, const GeometryInfo& columns);
+/// for. Of each kind of findings about objects at most so many are listed.
+Report makeReport(const Format& format, const ImportOptions& options, const GeometryInfo& columns,
+    int mostListed);
+
+/// What an import did not take of its file, or took for something else than it is: the surveys of
+/// the file and of the file of points. `columns` may be null where axes do not matter.
+QVector<FileSurvey> surveyRun(const Format& format, const ImportOptions& options,
+    const ImportRun& run, const GeometryInfo* columns);

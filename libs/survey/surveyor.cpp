@@ -1,13 +1,17 @@
 #include "survey/surveyor.h"
 
+#include "survey/filekind.h"
+
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
-constexpr qint64 blockSize = 1 << 20;
+/// So many bytes of designations show whether an encoding reads them.
+constexpr int designationSample = 1 << 16;
 
 std::string_view view(const QByteArray& bytes)
 {
@@ -20,19 +24,12 @@ QByteArray startOf(const QString& fileName)
     return file.open(QIODevice::ReadOnly) ? file.read(EncodingGuess::sampleSize) : QByteArray();
 }
 
-void addBytes(EncodingGuess& guess, const QString& fileName)
-{
-    QFile file(fileName);
-    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly))
-        return;
-    for (QByteArray block = file.read(blockSize); !block.isEmpty(); block = file.read(blockSize))
-        guess.add(view(block));
-}
-
 } // namespace
 
-Surveyor::Surveyor(const ImportOptions& options, FileRole role, const ImportRun& run)
-    : m_options(options)
+Surveyor::Surveyor(
+    const Format& format, const ImportOptions& options, FileRole role, const ImportRun& run)
+    : m_format(format)
+    , m_options(options)
     , m_role(role)
     , m_run(run)
 {
@@ -45,11 +42,13 @@ FileSurvey Surveyor::survey()
         addCause(Cause::EmptyFile, 0);
         return m_survey;
     }
-    guessEncoding();
-    LineReader in;
-    if (open(in, m_survey.fileName))
-        takeCensus(in);
-    in.close();
+    if (isOfOtherKind())
+        return m_survey;
+    lookAtStart();
+    ByteLines lines;
+    if (open(lines, m_survey.fileName))
+        takeCensus(lines);
+    tellEncoding();
     countReads();
     explainFailures();
     judge();
@@ -58,30 +57,40 @@ FileSurvey Surveyor::survey()
     return m_survey;
 }
 
-void Surveyor::guessEncoding()
+bool Surveyor::isOfOtherKind()
 {
     const QByteArray start = startOf(m_survey.fileName);
-    const QByteArray mark = codecOfMark(view(start));
-    const QByteArray wide = mark.isEmpty() ? utf16WithoutMark(view(start)) : mark;
-    m_survey.likelyEncoding = wide.isEmpty() ? guessFromBytes() : wide;
+    const std::optional<FileKind> kind = fileKindOf(view(start));
+    if (!kind || kind->isOf(m_format))
+        return false;
+    addCause(kind->isBinaryDrawing ? Cause::NotText : Cause::OtherFormat, 0,
+        QString::fromUtf8(kind->name));
+    return true;
+}
+
+void Surveyor::lookAtStart()
+{
+    const QByteArray start = startOf(m_survey.fileName);
+    m_mark = codecOfMark(view(start));
+    const QByteArray wide = m_mark.isEmpty() ? utf16WithoutMark(view(start)) : m_mark;
+    m_survey.likelyEncoding = wide;
+    m_codec = wide.isEmpty() ? nullptr : QTextCodec::codecForName(wide);
+    m_wide = wide == "UTF-8" ? nullptr : m_codec;
+}
+
+void Surveyor::tellEncoding()
+{
+    const bool isWide = m_wide != nullptr;
+    if (m_survey.likelyEncoding.isEmpty())
+        m_survey.likelyEncoding = m_guess.codecName();
     const bool isAsciiFile = m_survey.likelyEncoding.isEmpty();
     m_codec = QTextCodec::codecForName(isAsciiFile ? "ISO-8859-1" : m_survey.likelyEncoding);
     const QTextCodec* const chosen = QTextCodec::codecForName(m_options.encoding);
     // A reader believes a byte-order mark more than the chosen encoding.
-    if (!mark.isEmpty() || isAsciiFile || chosen == m_codec)
+    if (!m_mark.isEmpty() || isAsciiFile || chosen == m_codec || !chosen)
         return;
-    if (wide.isEmpty())
-        m_doubted = chosen;
-    else
-        m_survey.encodingMatches = chosen && chosen->toUnicode(start) == m_codec->toUnicode(start);
-}
-
-QByteArray Surveyor::guessFromBytes() const
-{
-    EncodingGuess guess;
-    addBytes(guess, m_survey.fileName);
-    addBytes(guess, companionFile());
-    return guess.codecName();
+    const QByteArray sample = isWide ? startOf(m_survey.fileName) : m_designations;
+    m_survey.encodingMatches = chosen->toUnicode(sample) == m_codec->toUnicode(sample);
 }
 
 bool Surveyor::open(LineReader& in, const QString& fileName) const
@@ -89,12 +98,19 @@ bool Surveyor::open(LineReader& in, const QString& fileName) const
     return QFileInfo(fileName).isFile() && in.open(fileName, m_codec);
 }
 
-void Surveyor::takeDesignation(TextView text)
+bool Surveyor::open(ByteLines& lines, const QString& fileName)
 {
-    if (!m_doubted || !m_survey.encodingMatches || text.isAscii())
+    return lines.open(fileName, m_wide, &m_guess);
+}
+
+void Surveyor::takeDesignation(std::string_view text)
+{
+    const auto isHigh = [](char c) { return static_cast<unsigned char>(c) >= 0x80; };
+    const int room = designationSample - m_designations.size();
+    if (room <= 0 || std::none_of(text.begin(), text.end(), isHigh))
         return;
-    const QString meant = text.toString();
-    m_survey.encodingMatches = m_doubted->toUnicode(m_codec->fromUnicode(meant)) == meant;
+    m_designations.append(text.data(), std::min(static_cast<int>(text.size()), room));
+    m_designations.append('\n');
 }
 
 Surveyor::Place Surveyor::placeOf(int line) const
@@ -108,8 +124,18 @@ Surveyor::Place Surveyor::placeOf(int line) const
     place.exists = !in.atEnd();
     place.text = in.readLine().trimmed().toString();
     place.isBlankToEnd = place.text.isEmpty();
-    while (place.isBlankToEnd && !in.atEnd())
-        place.isBlankToEnd = in.readLine().trimmed().isEmpty();
+    if (!place.isBlankToEnd)
+        return place;
+    place.blankLines = 1;
+    qint64 blankSince = 0;
+    while (!in.atEnd()) {
+        if (in.readLine().trimmed().isEmpty()) {
+            ++blankSince;
+            continue;
+        }
+        place.isBlankToEnd = false;
+        place.blankLines += std::exchange(blankSince, 0);
+    }
     return place;
 }
 
@@ -121,7 +147,7 @@ void Surveyor::addCause(Cause cause, int line, const QString& detail, qint64 cou
 void Surveyor::addCauseOf(
     const QString& fileName, Cause cause, int line, const QString& detail, qint64 count)
 {
-    m_survey.causes.append({ cause, fileName, line, detail, count });
+    m_survey.causes.append({ cause, fileName, line, detail, count, m_survey.fileName });
 }
 
 KindCount Surveyor::kindOf(const char* name) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "import/linereader.h"
+#include "survey/bytelines.h"
 #include "survey/encodingguess.h"
 #include "survey/filesurvey.h"
 
@@ -10,7 +11,8 @@
 /// and what stopped its reader.
 class Surveyor {
 public:
-    Surveyor(const ImportOptions& options, FileRole role, const ImportRun& run);
+    Surveyor(
+        const Format& format, const ImportOptions& options, FileRole role, const ImportRun& run);
     virtual ~Surveyor() = default;
     Surveyor(const Surveyor&) = delete;
     Surveyor& operator=(const Surveyor&) = delete;
@@ -18,27 +20,27 @@ public:
     FileSurvey survey();
 
 protected:
-    /// Counts what the file holds, line by line through `in`.
-    virtual void takeCensus(LineReader& in) = 0;
+    /// Counts what the file holds, line by line.
+    virtual void takeCensus(ByteLines& lines) = 0;
     /// Finds the cause of a failure of the import in this file.
     virtual void explain(const ImportFailure& failure) = 0;
     /// Finds causes in the census.
     virtual void judge() = 0;
-    /// Another file whose bytes and texts belong to this one; empty for none.
-    virtual QString companionFile() const { return {}; }
-
     /// A line of the file, and what comes behind it.
     struct Place {
         QString text; ///< trimmed
         bool exists = false;
         bool isBlankToEnd = false; ///< the line and all behind it are blank
+        qint64 blankLines = 0; ///< the blank line and those behind it, but for the file's end
     };
     Place placeOf(int line) const;
 
     /// Opens a file of this survey for reading in the encoding that its bytes look like.
     bool open(LineReader& in, const QString& fileName) const;
+    /// Opens a file of this survey for a census, by which its encoding is told.
+    bool open(ByteLines& lines, const QString& fileName);
     /// Takes note of a text that becomes a designation.
-    void takeDesignation(TextView text);
+    void takeDesignation(std::string_view text);
 
     void addCause(Cause cause, int line, const QString& detail = QString(), qint64 count = 0);
     void addCauseOf(const QString& fileName, Cause cause, int line, const QString& detail = {},
@@ -53,6 +55,7 @@ protected:
     /// Whether the import read this file to its end.
     bool isReadWhole() const;
 
+    const Format& m_format;
     const ImportOptions& m_options;
     const FileRole m_role;
     const ImportRun& m_run;
@@ -60,12 +63,16 @@ protected:
 
 private:
     KindCount kindOf(const char* name) const;
-    void guessEncoding();
-    QByteArray guessFromBytes() const;
+    bool isOfOtherKind();
+    void lookAtStart();
+    void tellEncoding();
     void explainFailures();
     void countReads();
     bool concerns(const ImportMessage& message) const;
 
+    EncodingGuess m_guess;
+    QByteArray m_mark; ///< the codec that a byte-order mark names
+    QTextCodec* m_wide = nullptr; ///< the codec of a file with more than one byte a character
     QTextCodec* m_codec = nullptr; ///< what the bytes of the file look like
-    const QTextCodec* m_doubted = nullptr; ///< the chosen codec, where it may be the wrong one
+    QByteArray m_designations; ///< those with bytes beyond ASCII, up to a size
 };

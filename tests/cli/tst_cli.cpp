@@ -138,6 +138,10 @@ private slots:
                                  << words({ "Использование: importgeometry КОМАНДА", "convert",
                                         "check", "plan", "3 - проверка нашла" });
         QTest::newRow("short") << words({ "-h" }) << words({ "Использование:" });
+        QTest::newRow("short version") << words({ "-V" }) << words({ "importgeometry 1." });
+        QTest::newRow("help") << words({ "help" }) << words({ "Использование: importgeometry К" });
+        QTest::newRow("help of a command")
+            << words({ "help", "export" }) << words({ "importgeometry export", "--locale" });
         QTest::newRow("version") << words({ "--version" }) << words({ "importgeometry 1." });
         QTest::newRow("convert") << words({ "convert", "--help" })
                                  << words({ "Использование: importgeometry convert ФАЙЛ...",
@@ -176,13 +180,37 @@ private slots:
                              const char* message) {
             QTest::newRow(name) << words(arguments) << QString::fromUtf8(message);
         };
-        row("nothing", {}, "не указана команда: convert, check, plan или prepare");
-        row("unknown command", { "konvert" }, "неизвестная команда «konvert»");
+        row("nothing", {}, "не указана команда: convert, check, plan, export, prepare");
+        row("unknown command", { "konvert" }, "неизвестная команда «konvert»; возможно, «convert»");
         row("no file", { "convert" }, "не указан ни один файл");
         row("unknown option", { "convert", "parcels.mif", "--swap" },
-            "неизвестный параметр «swap»");
-        row("unknown options", { "check", "parcels.mif", "--a", "--b" },
-            "неизвестные параметры: a, b");
+            "неизвестный параметр «--swap»");
+        row("mistyped option", { "convert", "parcels.mif", "--out-dri=." },
+            "неизвестный параметр «--out-dri»; возможно, «--out-dir»");
+        row("short option", { "check", "parcels.mif", "-x" }, "неизвестный параметр «-x»");
+        row("mistyped command after help", { "help", "chek" },
+            "неизвестная команда «chek»; возможно, «check»");
+        row("MID file", { "convert", "parcels.mid" },
+            "parcels.mid: импортируют файл MIF, а MID читается вместе с ним: укажите parcels.mif");
+        row("folder without files", { "check", "/proc/self/task" },
+            "/proc/self/task: в папке нет файлов mif и dxf; вложенные папки просматривает "
+            "--recursive");
+        row("column twice", { "convert", "parcels.mif", "--columns=1,2,2" },
+            "--columns: один столбец указан дважды: «1,2,2»");
+        row("quiet and verbose", { "convert", "parcels.mif", "-q", "-v" },
+            "-q и -v вместе не указывают");
+        row("two forms of a check", { "check", "parcels.mif", "--json", "--summary" },
+            "--json, --json-lines и --summary вместе не указывают");
+        row("unknown cause", { "check", "--explain=axis" },
+            "--explain: неизвестная причина «axis»; возможно, «axes»; все - --explain all");
+        row("export to nowhere", { "export", "parcels.mif" },
+            "укажите -o ФАЙЛ.csv, ФАЙЛ.geojson или ФАЙЛ.mif, для стандартного вывода - --to csv "
+            "или --to geojson");
+        row("export of two files to one", { "export", "parcels.mif", "--to=mif" },
+            "MIF - это два файла: укажите -o ФАЙЛ.mif");
+        row("export over the MID file",
+            { "export", "points.mif", "parcels.mif", "-o", "parcels.mif" },
+            "parcels.mif: результат заменил бы исходный файл");
         row("missing value", { "convert", "parcels.mif", "-o" }, "параметру «-o» нужно значение");
         row("unexpected value", { "convert", "parcels.mif", "--sort=1" },
             "параметр «--sort» не принимает значения");
@@ -269,7 +297,7 @@ private slots:
     {
         const Folder folder;
         const CommandRun run =
-            runCommand(words({ "convert", "parcels.mif", "-o", "a.xml" }), folder.path());
+            runCommand(words({ "convert", "parcels.mif", "-q", "-o", "a.xml" }), folder.path());
         QCOMPARE(run.status, 0);
         QCOMPARE(run.err, QString());
         QCOMPARE(run.out, QByteArray());
@@ -289,30 +317,28 @@ private slots:
         const auto row = [](const char* name, const char* script, const char* message) {
             QTest::newRow(name) << QString::fromUtf8(script) << QString::fromUtf8(message);
         };
-        row("full disk", "$CLI convert parcels.mif -o /dev/full",
+        row("full disk", "$CLI convert -q parcels.mif -o /dev/full",
             "/dev/full: ошибка записи: на устройстве не осталось места");
-        row("full disk behind standard output", "$CLI convert parcels.mif > /dev/full",
+        row("full disk behind standard output", "$CLI convert -q parcels.mif > /dev/full",
             "стандартный вывод: ошибка записи: на устройстве не осталось места");
-        row("file size limit", "ulimit -f 1; $CLI convert parcels.mif -o a.xml",
+        row("file size limit", "ulimit -f 1; $CLI convert -q parcels.mif -o a.xml",
             "a.xml: ошибка записи: превышен предельный размер файла");
         row("missing folder", "$CLI convert parcels.mif -o no/a.xml",
             "no/a.xml: не удаётся создать файл: нет такой папки");
-        row("missing folder of many", "$CLI convert parcels.mif points.mif --out-dir no",
-            "no/parcels.xml: не удаётся создать файл: нет такой папки");
         row("file for a folder", "$CLI convert parcels.mif -o parcels.mid/a.xml",
             "parcels.mid/a.xml: не удаётся создать файл: часть пути не является папкой");
         row("folder", "mkdir sub; $CLI convert parcels.mif -o sub",
             "sub: не удаётся создать файл: это папка, а не файл");
         // Not even the superuser makes files there.
-        row("unwritable folder", "$CLI convert parcels.mif -o /proc/self/a.xml",
+        row("unwritable folder", "$CLI convert -q parcels.mif -o /proc/self/a.xml",
             "/proc/self/a.xml: не удаётся создать файл: нет прав на запись");
         row("help to a full disk", "$CLI --help > /dev/full",
             "стандартный вывод: ошибка записи: на устройстве не осталось места");
         row("check to a full disk", "$CLI check parcels.mif > /dev/full",
             "стандартный вывод: ошибка записи: на устройстве не осталось места");
-        row("SVG to a full disk", "ulimit -f 1; $CLI plan parcels.mif -o a.svg",
+        row("SVG to a full disk", "ulimit -f 1; $CLI plan -q parcels.mif -o a.svg",
             "a.svg: ошибка записи: превышен предельный размер файла");
-        row("PNG to a full disk", "ulimit -f 1; $CLI plan parcels.mif -o a.png",
+        row("PNG to a full disk", "ulimit -f 1; $CLI plan -q parcels.mif -o a.png",
             "a.png: ошибка записи: превышен предельный размер файла");
         row("plan in a missing folder", "$CLI plan parcels.mif -o no/a.png",
             "no/a.png: не удаётся создать файл: нет такой папки");
@@ -337,9 +363,7 @@ private slots:
             runShell(QStringLiteral("$CLI convert large.mif | head -c 10; exit ${PIPESTATUS[0]}"),
                 folder.path());
         QCOMPARE(run.status, 1);
-        QCOMPARE(run.errorLines(),
-            words({ "importgeometry: стандартный вывод: ошибка записи: читающая сторона закрыла "
-                    "канал" }));
+        QCOMPARE(run.errorLines(), QStringList());
     }
 
     void olderFileStays()
@@ -349,7 +373,7 @@ private slots:
         QCOMPARE(
             runCommand(words({ "convert", "broken.mif", "-o", "a.xml" }), folder.path()).status, 1);
         QCOMPARE(contentOf(folder.path(QStringLiteral("a.xml"))), QByteArray("older"));
-        QCOMPARE(runShell(QStringLiteral("ulimit -f 1; $CLI convert parcels.mif -o a.xml"),
+        QCOMPARE(runShell(QStringLiteral("ulimit -f 1; $CLI convert -q parcels.mif -o a.xml"),
                      folder.path())
                      .status,
             1);
@@ -496,8 +520,8 @@ private slots:
         QProcess process;
         process.setWorkingDirectory(folder.path());
         startProgram(process, commandPath(),
-            words({ "convert", "--out-dir", ".", "parcels.mif" }) + QStringList(large)
-                + words({ "drawing.dxf" }));
+            words({ "convert", "--encoding=Windows-1251", "--out-dir", ".", "parcels.mif" })
+                + QStringList(large) + words({ "drawing.dxf" }));
         QVERIFY(process.waitForStarted());
         const QString id = QString::number(process.processId());
         const auto largeChild = [&id, &large] {
@@ -590,44 +614,47 @@ private slots:
         };
         const QByteArray lines = mifHeader() + "Line 0 0 1 1\n";
         row("leading-comment", "a.dxf", "999\nprogram\n" + drawing(""), "1",
-            "Удалите в начале файла строки «999» вместе со строкой текста после каждой из них.");
+            "Исправленную копию пишет команда: importgeometry prepare a.dxf -o a-готов.dxf");
         row("missing-header", "a.dxf", drawing("").mid(headerSection().size()), "1",
-            "Сохраните полный чертёж в DXF или вставьте в начало файла строки 0, SECTION, 2, "
-            "HEADER, 0, ENDSEC.");
+            "Исправленную копию пишет команда: importgeometry prepare a.dxf -o a-готов.dxf");
         row("block-inserts", "a.dxf", drawing("0\nINSERT\n2\nP\n10\n0\n20\n0\n"), "",
-            "Разбейте блоки на части (команда EXPLODE) и сохраните чертёж заново.");
+            "Копию с разбитыми блоками пишет команда: importgeometry prepare a.dxf -o a-готов.dxf");
         row("mtext", "a.dxf",
             drawing("0\nMTEXT\n10\n0\n20\n0\n1\nA\n0\nLINE\n10\n0\n20\n0\n11\n1\n21\n1\n"), "",
-            "Разбейте надписи MTEXT на строки TEXT (команда EXPLODE) и сохраните чертёж заново.");
+            "Копию с надписями TEXT пишет команда: importgeometry prepare a.dxf -o a-готов.dxf");
         row("unsorted-texts", "a.dxf",
             drawing("0\nTEXT\n10\n5\n20\n0\n1\nA\n0\nTEXT\n10\n0\n20\n0\n1\nB\n"
                     "0\nLINE\n10\n0\n20\n0\n11\n1\n21\n1\n"),
             "",
-            "Отключите поиск обозначений точек (--search-points off) или укажите файл точек "
-            "(--points).");
+            "Отключите поиск обозначений точек (--search-points off), укажите файл точек "
+            "(--points) или сделайте копию командой: importgeometry prepare a.dxf -o a-готов.dxf");
         row("closed-flag", "a.dxf",
             drawing("0\nPOLYLINE\n70\n129\n0\nVERTEX\n10\n0\n20\n0\n0\nVERTEX\n10\n9\n20\n0\n"
                     "0\nSEQEND\n"),
-            "12", "Преобразуйте их в LWPOLYLINE (команда CONVERTPOLY) и сохраните чертёж заново.");
+            "12", "Исправленную копию пишет команда: importgeometry prepare a.dxf -o a-готов.dxf");
         row("bulges", "a.dxf", drawing("0\nLWPOLYLINE\n90\n2\n70\n0\n" + twoPoints + "42\n1\n"), "",
-            "Замените дуги ломаными с нужным шагом и сохраните чертёж заново.");
+            "Копию, в которой дуги заменены хордами, пишет команда: importgeometry prepare a.dxf "
+            "-o a-готов.dxf");
         row("trailing-blank-line", "a.dxf", drawing("") + "\n", "15",
-            "Удалите пустые строки в конце файла.");
+            "Исправленную копию пишет команда: importgeometry prepare a.dxf -o a-готов.dxf");
         row("blank-line", "a.mif", mifHeader() + "Pline 2\n0 0\n\n1 1\n", "7",
-            "Удалите эту строку.");
+            "Копию без таких строк пишет команда: importgeometry prepare a.mif -o a-готов.mif");
         row("delimiter", "a.mif", QByteArray(lines).replace("\",\"", "\"\t\""), "3",
-            "Замените разделитель запятой или точкой с запятой в строке Delimiter и в файле MID.");
+            "Копию с запятой пишет команда: importgeometry prepare a.mif -o a-готов.mif");
         row("mid-missing", "nomid.mif", lines, "",
-            "Положите файл MID рядом или отключите поиск обозначений точек и объектов.");
+            "Положите файл MID рядом или импортируйте без него: --search-points off "
+            "--search-objects off.");
         row("mid-other-case", "B.MIF", lines, "",
-            "Переименуйте его так, как указано в сообщении об ошибке.");
+            "Переименуйте его так, как указано в сообщении об ошибке, или сделайте копию командой: "
+            "importgeometry prepare B.MIF -o B-готов.mif");
         row("axes", "a.mif", mifHeader() + "Line 451234 2201234 451250 2201250\n", "",
-            "Поменяйте местами номера столбцов X и Y (--columns) или координаты в файле.");
+            "Поменяйте местами номера столбцов X и Y (--columns) или сделайте копию командой: "
+            "importgeometry prepare a.mif -o a-готов.mif --swap-xy");
         row("encoding", "a.dxf",
             drawing(
                 "0\nTEXT\n10\n0\n20\n0\n1\n\xD3\xF7\xE0\xF1\xF2\xEE\xEA\n0\nLINE\n10\n0\n20\n0\n"
                 "11\n1\n21\n1\n"),
-            "", "Выберите кодировку Windows-1251 (--encoding Windows-1251).");
+            "", "Выберите кодировку Windows-1251 (--encoding Windows-1251 или --encoding auto).");
     }
 
     void checkCauses()
@@ -822,7 +849,7 @@ private slots:
     void planSvg()
     {
         const Folder folder;
-        const CommandRun run = runCommand(words({ "plan", "parcels.mif", "points.mif", "-o",
+        const CommandRun run = runCommand(words({ "plan", "parcels.mif", "points.mif", "-q", "-o",
                                               "a.svg", "--encoding=Windows-1251" }),
             folder.path());
         QCOMPARE(run.err, QString());
@@ -874,7 +901,7 @@ private slots:
                 0);
             red[i++] = count(QImage(folder.path(file + QStringLiteral(".png"))), isRed);
         }
-        // The key below the picture is red in both.
+        QCOMPARE(red[1], 0);
         QVERIFY2(red[0] > red[1] + 1000, qPrintable(QString::number(red[0])));
     }
 
@@ -898,8 +925,8 @@ private slots:
         const Folder folder;
         const CommandRun run = runShell(
             QStringLiteral("unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM XDG_RUNTIME_DIR HOME; "
-                           "$CLI plan parcels.mif -o a.png && $CLI check drawing.dxf "
-                           "--encoding=Windows-1251 && $CLI convert parcels.mif -o a.xml"),
+                           "$CLI plan -q parcels.mif -o a.png && $CLI check drawing.dxf "
+                           "--encoding=Windows-1251 && $CLI convert -q parcels.mif -o a.xml"),
             folder.path());
         QCOMPARE(run.err, QString());
         QCOMPARE(run.status, 0);

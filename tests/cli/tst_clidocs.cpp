@@ -95,7 +95,7 @@ private slots:
     void everyOptionIsDescribed_data()
     {
         QTest::addColumn<QString>("command");
-        for (const char* command : { "convert", "check", "plan", "prepare" })
+        for (const char* command : { "convert", "check", "plan", "export", "prepare" })
             QTest::newRow(command) << QString::fromLatin1(command);
     }
 
@@ -127,6 +127,24 @@ private slots:
         QCOMPARE(run.err, QString());
         QCOMPARE(run.status, 0);
         QVERIFY(QString::fromUtf8(run.out).contains(QStringLiteral("КОДЫ ЗАВЕРШЕНИЯ")));
+    }
+
+    void everyCauseIsDescribed()
+    {
+        const CommandRun run =
+            runCommand(words({ "check", "--explain", "all" }), QDir::currentPath());
+        const QString manual = textOf("docs/man/importgeometry.1").remove(QLatin1Char('\\'));
+        const QString page = textOf("docs/formats.ru.md");
+        int causes = 0;
+        for (const QString& line : QString::fromUtf8(run.out).split(QLatin1Char('\n'))) {
+            if (line.isEmpty() || line.startsWith(QLatin1Char(' ')))
+                continue;
+            ++causes;
+            QVERIFY2(manual.contains(QStringLiteral(".B ") + line + QLatin1Char('\n')),
+                qPrintable(line));
+            QVERIFY2(page.contains(QStringLiteral("| `%1` |").arg(line)), qPrintable(line));
+        }
+        QVERIFY(causes > 30);
     }
 
     void completion_data()

@@ -74,10 +74,10 @@ private slots:
     {
         QFETCH(int, limit);
         const Folder folder;
-        const CommandRun run = folder.shell(
-            QStringLiteral("for i in 1 2 3 4 5; do cp parcels.mif p$i.mif; cp parcels.mid p$i.mid; "
-                           "done; ulimit -n %1; $CLI convert p?.mif --out-dir . --jobs 4")
-                .arg(limit));
+        const CommandRun run = folder.shell(QStringLiteral(
+            "for i in 1 2 3 4 5; do cp parcels.mif p$i.mif; cp parcels.mid p$i.mid; "
+            "done; ulimit -n %1; $CLI convert --encoding Windows-1251 p?.mif --out-dir . --jobs 4")
+                                                .arg(limit));
         QCOMPARE(
             run.errorLines().last(), QStringLiteral("Всего файлов: 5, записано: 5, с ошибками: 0"));
         QCOMPARE(run.errorLines().size(), 6);
@@ -129,7 +129,8 @@ private slots:
         folder.shell(QStringLiteral("mkfifo a.xml"));
         QProcess process;
         process.setWorkingDirectory(folder.path());
-        startProgram(process, commandPath(), words({ "convert", "parcels.mif", "-o", "a.xml" }));
+        startProgram(
+            process, commandPath(), words({ "convert", "-q", "parcels.mif", "-o", "a.xml" }));
         QVERIFY(process.waitForStarted());
         waitForOpening(process);
         kill(static_cast<pid_t>(process.processId()), signal);
@@ -203,10 +204,10 @@ private slots:
     void standardInput_data()
     {
         QTest::addColumn<QString>("script");
-        QTest::newRow("pipe") << QStringLiteral("cat drawing.dxf | $CLI convert - --format dxf");
-        QTest::newRow("file") << QStringLiteral("$CLI convert - --format dxf < drawing.dxf");
+        QTest::newRow("pipe") << QStringLiteral("cat drawing.dxf | $CLI convert -q - --format dxf");
+        QTest::newRow("file") << QStringLiteral("$CLI convert -q - --format dxf < drawing.dxf");
         QTest::newRow("by its other name")
-            << QStringLiteral("cat drawing.dxf | $CLI convert /dev/stdin --format dxf");
+            << QStringLiteral("cat drawing.dxf | $CLI convert -q /dev/stdin --format dxf");
     }
 
     void standardInput()
@@ -240,13 +241,13 @@ private slots:
     void namesThatAreNoUtf8()
     {
         const Folder folder;
-        const CommandRun run =
-            folder.shell(QStringLiteral("cp parcels.mif %1; cp parcels.mid $'p\\xd3\\xf7.mid'; "
-                                        "$CLI convert %1 -o $'r\\xff.xml'; echo $?; "
-                                        "cmp $'r\\xff.xml' <($CLI convert parcels.mif); echo $?; "
-                                        "$CLI convert %1 parcels.mif --out-dir .; LC_ALL=C ls -b "
-                                        "*.xml; rm $'p\\xd3\\xf7'* $'r\\xff.xml'")
-                             .arg(strangeName));
+        const CommandRun run = folder.shell(QStringLiteral(
+            "cp parcels.mif %1; cp parcels.mid $'p\\xd3\\xf7.mid'; "
+            "$CLI convert -q %1 -o $'r\\xff.xml'; echo $?; "
+            "cmp $'r\\xff.xml' <($CLI convert -q parcels.mif); echo $?; "
+            "$CLI convert --encoding Windows-1251 %1 parcels.mif --out-dir .; LC_ALL=C ls -b "
+            "*.xml; rm $'p\\xd3\\xf7'* $'r\\xff.xml'")
+                                                .arg(strangeName));
         QCOMPARE(run.out, QByteArray("0\n0\nparcels.xml\np\\323\\367.xml\nr\\377.xml\n"));
         QCOMPARE(run.errorLines(),
             words({ "p\\xD3\\xF7.mif: записано в ./p\\xD3\\xF7.xml",

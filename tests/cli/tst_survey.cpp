@@ -104,7 +104,35 @@ private slots:
         row("inserts beside lines", drawing(line + "0\nINSERT\n2\nP\n10\n0\n20\n0\n"), "");
         row("MTEXT alone", drawing(line + "0\nMTEXT\n10\n0\n20\n0\n1\nA\n"), "mtext 0 1 []");
         row("MTEXT beside TEXT", drawing(line + "0\nMTEXT\n1\nA\n0\nTEXT\n10\n0\n20\n0\n1\nA\n"),
-            "");
+            "left-out 0 1 [MTEXT - 1]");
+        row("curves beside lines", drawing(line + "0\nARC\n0\nARC\n0\nSPLINE\n0\nVIEWPORT\n"),
+            "left-out 0 3 [ARC - 2, SPLINE - 1]");
+        row("paper space", drawing(QByteArray(line).replace("LINE\n", "LINE\n67\n1\n")),
+            "paper-space 0 1 []");
+        row("one vertex of two polylines",
+            drawing("0\nLWPOLYLINE\n90\n1\n10\n0\n20\n0\n" + square
+                + "0\nLWPOLYLINE\n90\n1\n10\n0\n20\n0\n"),
+            "one-vertex 12 2 []");
+        const QByteArray blocks =
+            "0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n2\nP\n" + line + "0\nENDBLK\n0\nENDSEC\n";
+        row("block with lines beside lines",
+            drawing(line + "0\nINSERT\n2\nP\n10\n0\n20\n0\n")
+                .replace("0\nSECTION\n2\nENTITIES\n", blocks + "0\nSECTION\n2\nENTITIES\n"),
+            "left-out 0 1 [вставки блоков с линиями (INSERT) - 1]");
+        const QByteArray layers = "0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nLAYER\n"
+                                  "0\nLAYER\n2\nFROZEN\n70\n1\n62\n7\n"
+                                  "0\nLAYER\n2\nOFF\n70\n0\n62\n-7\n"
+                                  "0\nLAYER\n2\nON\n70\n0\n62\n7\n0\nENDTAB\n0\nENDSEC\n";
+        const auto onLayer = [](const char* layer) {
+            return QByteArray(line).replace("LINE\n", QByteArray("LINE\n8\n") + layer + "\n");
+        };
+        row("hidden layers",
+            drawing(onLayer("FROZEN") + onLayer("OFF") + onLayer("ON"))
+                .replace("0\nSECTION\n2\nENTITIES\n", layers + "0\nSECTION\n2\nENTITIES\n"),
+            "hidden-layers 0 2 []");
+        row("a MIF file", "Version 300\nCharset \"Neutral\"\n", "other-format 0 0 [MIF]");
+        row("a table", "!table\n!version 300\n",
+            "other-format 0 0 [таблица MapInfo (TAB), а не MIF]");
         const QByteArray texts = "0\nTEXT\n10\n5\n20\n0\n1\nA\n0\nTEXT\n10\n0\n20\n0\n1\nB\n";
         row("texts without points", drawing(line + texts), "unsorted-texts 0 2 []");
         row("texts beside a point", drawing(line + texts + "0\nPOINT\n10\n0\n20\n0\n"), "");
@@ -112,7 +140,7 @@ private slots:
         row("open", drawing(polyline("128")), "");
         row("closed by 129", drawing(polyline("129")), "closed-flag 12 1 [129]");
         row("closed by 9, twice", drawing(polyline("9") + polyline("9")), "closed-flag 12 2 [9]");
-        row("closed mesh", drawing(polyline("17")), "");
+        row("closed mesh", drawing(polyline("17")), "mesh 12 1 []");
         row("LWPOLYLINE closed by 129", drawing(QByteArray(square).replace("70\n1", "70\n129")),
             "");
         row("bulges", drawing(QByteArray(square).replace("20\n9\n", "20\n9\n42\n-0.5\n")),
@@ -122,14 +150,14 @@ private slots:
         row("bulge of a VERTEX",
             drawing(polyline("1").replace("10\n9\n20\n0\n", "10\n9\n20\n0\n42\n1\n")),
             "bulges 0 1 []");
-        row("42 of another kind", drawing(line + "0\nARC\n42\n1\n"), "");
-        row("blank line", drawing(line + "\n" + line), "blank-line 21 0 []");
+        row("42 of another kind", drawing(line + "0\nARC\n42\n1\n"), "left-out 0 1 [ARC - 1]");
+        row("blank line", drawing(line + "\n" + line), "blank-line 21 1 []");
         row("blank line at the end", drawing(line) + "\n", "trailing-blank-line 25 0 []");
         row("blank lines at the end", drawing(line) + "\n \r\n", "trailing-blank-line 25 0 []");
         row("line without an end", drawing("0\nLINE\n10\n0\n20\n0\n"), "bad-object 12 0 [LINE]");
         row("word for a number", drawing("0\nPOINT\n10\n0\n20\nzero\n"), "bad-object 12 0 [POINT]");
         row("one vertex declared", drawing("0\nLWPOLYLINE\n90\n1\n10\n0\n20\n0\n"),
-            "bad-object 12 0 [LWPOLYLINE]");
+            "one-vertex 12 1 []");
         row("count behind the first vertex",
             drawing("0\nLWPOLYLINE\n10\n0\n20\n0\n90\n2\n10\n1\n20\n1\n"),
             "bad-object 12 0 [LWPOLYLINE]");
@@ -185,13 +213,13 @@ private slots:
         row("tab", replaced("\",\"", "\"\t\""), "a\n", "delimiter 3 0 []");
         row("space", replaced("\",\"", "\" \""), "a\n", "delimiter 3 0 []");
         row("semicolon", replaced(",", ";"), "a\n", "");
-        row("no Delimiter", replaced("Delimiter \",\"\n", ""), "a\n", "mif-header 3 0 [Delimiter]");
+        row("no Delimiter", replaced("Delimiter \",\"\n", ""), "a\n", "delimiter-missing 3 0 []");
         row("no Charset", replaced("Charset \"Neutral\"\n", ""), "a\n", "mif-header 2 0 [Charset]");
         row("no Data", mifHeader().replace("Data\n", ""), "a\n", "no-data 0 0 []");
         row("blank line between rings", mifHeader() + "Region 2\n3\n0 0\n1 0\n0 0\n\n3\n", "a\n",
-            "blank-line 10 0 []");
+            "blank-line 10 1 []");
         row("blank line between vertices", mifHeader() + "Pline 2\n0 0\n\n1 0\n", "a\n",
-            "blank-line 7 0 []");
+            "blank-line 7 1 []");
         row("blank line between objects", mifHeader() + "Line 0 0 1 1\n\nLine 0 0 1 1\n", "a\nb\n",
             "");
         row("count on the next line", mifHeader() + "Pline\n2\n0 0\n1 0\n", "a\n",
@@ -259,10 +287,14 @@ private slots:
     {
         QSet<QString> ids;
         for (int i = 0; i <= static_cast<int>(Cause::Encoding); ++i) {
-            const FoundCause found{ static_cast<Cause>(i), {}, 0, QStringLiteral("X"), 7 };
+            const FoundCause found{ static_cast<Cause>(i), {}, 0, QStringLiteral("X"), 7, {} };
             QVERIFY(causeText(found).endsWith(QLatin1Char('.')));
-            QVERIFY(remedyText(found).endsWith(QLatin1Char('.')));
             QVERIFY(!causeText(found).contains(QLatin1Char('%')));
+            // A command line is to be copied, and has nothing behind it.
+            const QString remedy = remedyText(found);
+            QVERIFY(remedy.endsWith(QLatin1Char('.')) || remedy.contains(QLatin1String(": ")));
+            QVERIFY(!remedy.contains(QLatin1Char('%')));
+            QCOMPARE(causeOfId(causeId(found.cause)), std::optional<Cause>(found.cause));
             ids.insert(causeId(found.cause));
         }
         QCOMPARE(ids.size(), static_cast<int>(Cause::Encoding) + 1);
@@ -462,24 +494,77 @@ private slots:
 
     void conflicts()
     {
-        const auto found = findPointConflicts({ polygon({}),
-            polygon({ { { QStringLiteral("а"), 0, 0 }, { QStringLiteral("А"), 5, 0 },
-                          { QStringLiteral("б"), 5, 5 }, { QStringLiteral("а"), 0, 0 } },
-                { { QStringLiteral("б"), 5, 5 } } }) });
-        QCOMPARE(found.size(), 1);
-        QCOMPARE(found.first().object, 1);
-        QCOMPARE(found.first().def, QStringLiteral("а"));
-        QCOMPARE(found.first().places, QVector<QPointF>({ { 0, 0 }, { 5, 0 } }));
+        const auto found = findPointConflicts(
+            { polygon({}),
+                polygon({ { { QStringLiteral("а"), 0, 0 }, { QStringLiteral("А"), 5, 0 },
+                              { QStringLiteral("б"), 5, 5 }, { QStringLiteral("а"), 0, 0 } },
+                    { { QStringLiteral("б"), 5, 5 } } }) },
+            listedFindings);
+        QCOMPARE(found.total, 1);
+        QCOMPARE(found.listed.size(), 1);
+        QCOMPARE(found.listed.first().object.object, 1);
+        QCOMPARE(found.listed.first().def, QStringLiteral("а"));
+        QCOMPARE(found.listed.first().places.listed, QVector<QPointF>({ { 0, 0 }, { 5, 0 } }));
+    }
+
+    void findingsAreBounded()
+    {
+        QVector<DefPolygon> objects;
+        QVector<DefPoint> contour;
+        for (int i = 0; i < 30; ++i) {
+            contour.append({ QStringLiteral("а"), double(i), 0 });
+            objects.append({ QStringLiteral("ЗУ"), {} });
+        }
+        objects.append(DefPolygon{ QString(1000, QLatin1Char('x')), { contour } });
+        const auto conflicts = findPointConflicts(objects, 10);
+        QCOMPARE(conflicts.total, 1);
+        QCOMPARE(conflicts.listed.first().places.listed.size(), 10);
+        QCOMPARE(conflicts.listed.first().places.total, 30);
+        QCOMPARE(conflicts.listed.first().object.def.size(), 201);
+        const auto duplicates = findDuplicateDefs(objects, 10);
+        QCOMPARE(duplicates.total, 1);
+        QCOMPARE(duplicates.listed.first().objects.listed.size(), 10);
+        QCOMPARE(duplicates.listed.first().objects.unlisted(), 20);
+        const auto incomplete = findIncompleteObjects(objects, {}, 10);
+        QCOMPARE(incomplete.total, 30);
+        QCOMPARE(incomplete.unlisted(), 20);
+        QCOMPARE(findIncompleteObjects(objects, {}, allFindings).listed.size(), 30);
+    }
+
+    void degrees_data()
+    {
+        QTest::addColumn<double>("x");
+        QTest::addColumn<double>("y");
+        QTest::addColumn<double>("size");
+        QTest::addColumn<bool>("found");
+        QTest::newRow("longitude, latitude") << 37.6 << 55.7 << 0.01 << true;
+        QTest::newRow("latitude, longitude") << 55.7 << 37.6 << 0.01 << true;
+        QTest::newRow("behind the meridian") << -73.9 << 40.7 << 0.01 << true;
+        QTest::newRow("metres of a plan of its own") << 37.6 << 55.7 << 20.0 << false;
+        QTest::newRow("a local system") << 2213641.0 << 468214.0 << 0.01 << false;
+        QTest::newRow("around nought") << 0.2 << 0.3 << 0.1 << false;
+        QTest::newRow("beyond a pole") << 37.6 << 90.5 << 0.01 << false;
+    }
+
+    void degrees()
+    {
+        QFETCH(double, x);
+        QFETCH(double, y);
+        QFETCH(double, size);
+        const DefPolygon object =
+            polygon({ { { {}, x, y }, { {}, x + size, y }, { {}, x, y + size } } });
+        QTEST(guessDegrees({ object }).has_value(), "found");
     }
 
     void duplicates()
     {
-        const auto found =
-            findDuplicateDefs({ { QStringLiteral("ЗУ1"), {} }, { QStringLiteral("ЗУ2"), {} },
-                { QStringLiteral("зу1"), {} }, { QString(), {} }, { QString(), {} } });
-        QCOMPARE(found.size(), 1);
-        QCOMPARE(found.first().def, QStringLiteral("ЗУ1"));
-        QCOMPARE(found.first().objects, QVector<int>({ 0, 2 }));
+        const auto found = findDuplicateDefs(
+            { { QStringLiteral("ЗУ1"), {} }, { QStringLiteral("ЗУ2"), {} },
+                { QStringLiteral("зу1"), {} }, { QString(), {} }, { QString(), {} } },
+            listedFindings);
+        QCOMPARE(found.total, 1);
+        QCOMPARE(found.listed.first().def, QStringLiteral("ЗУ1"));
+        QCOMPARE(found.listed.first().objects.listed, QVector<int>({ 0, 2 }));
     }
 
     void incomplete()
@@ -490,11 +575,12 @@ private slots:
         const auto found = findIncompleteObjects(
             { polygon({}), polygon({ { a, b } }), polygon({ { a } }), polygon({ { a, b, c, a } }),
                 polygon({ { a, b, c, a }, { a, b, a } }), polygon({ { a, b, a } }) },
-            { Shape::Line, Shape::Line, Shape::Line, Shape::Area, Shape::Area, Shape::Line });
+            { Shape::Line, Shape::Line, Shape::Line, Shape::Area, Shape::Area, Shape::Line },
+            listedFindings);
         QStringList texts;
-        for (const IncompleteObject& object : found) {
+        for (const IncompleteObject& object : found.listed) {
             texts.append(QStringLiteral("%1 %2 %3/%4")
-                             .arg(object.object)
+                             .arg(object.object.object)
                              .arg(object.contour)
                              .arg(object.vertices)
                              .arg(object.needed));

@@ -60,9 +60,11 @@ private slots:
         QFETCH(double, to);
         const DefPoint a{ QStringLiteral("a"), from, from };
         const DefPoint b{ QStringLiteral("b"), to, to };
+        const QVector<DefPolygon> objects{ { {}, { { a, b } } } };
+        PlanPainter plan(objects, {});
         QBuffer svg;
         svg.open(QIODevice::WriteOnly);
-        QVERIFY(writePlan(svg, PlanFormat::Svg, QSize(800, 600), { { {}, { { a, b } } } }, {}));
+        QVERIFY(writePlan(svg, PlanFormat::Svg, QSize(800, 600), plan, {}));
         QVERIFY2(!svg.data().contains("nan") && !svg.data().contains("inf"), svg.data());
         QVERIFY(svg.data().contains("<circle"));
     }

@@ -1,0 +1,131 @@
+#include "checkoutput.h"
+
+#include "console.h"
+#include "survey/causes.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSet>
+
+namespace {
+
+/// The text of a document; what would steer a terminal is escaped, as controls below the space are
+/// in all JSON.
+QByteArray toText(const QJsonObject& report, QJsonDocument::JsonFormat format)
+{
+    const QString text = QString::fromUtf8(QJsonDocument(report).toJson(format));
+    QString escaped;
+    for (const QChar c : text) {
+        if (c != QLatin1Char('\n') && !c.isSurrogate() && isDeceptive(c.unicode()))
+            escaped += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+        else
+            escaped += c;
+    }
+    return escaped.trimmed().toUtf8();
+}
+
+/// The text of a report as an element of an array.
+QByteArray asElement(const QJsonObject& report)
+{
+    QByteArray text = "    " + toText(report, QJsonDocument::Indented);
+    return text.replace("\n", "\n    ");
+}
+
+/// The findings about objects, as they are named beside the causes.
+constexpr struct {
+    const char* id;
+    const char* text;
+} objectFindings[] = {
+    { "messages", "сообщения импорта" },
+    { "conflicts", "точки одного объекта с одним обозначением в разных местах" },
+    { "duplicates", "повторяющиеся обозначения объектов" },
+    { "incomplete", "контуры с недостатком вершин" },
+};
+
+QString titleOf(const QString& id)
+{
+    for (const auto& row : objectFindings) {
+        if (id == QLatin1String(row.id))
+            return QString::fromUtf8(row.text);
+    }
+    return id;
+}
+
+} // namespace
+
+CheckOutput::CheckOutput(CheckForm form, int total)
+    : m_form(form)
+    , m_total(total)
+    , m_out(QStringLiteral("-"))
+{
+}
+
+void CheckOutput::write(const QByteArray& bytes)
+{
+    m_out.write(bytes);
+}
+
+void CheckOutput::add(const QJsonObject& report, const QString& text)
+{
+    switch (m_form) {
+    case CheckForm::Text:
+        write(text.toLocal8Bit());
+        break;
+    case CheckForm::Json:
+        write(m_added == 0 ? "[\n" : ",\n");
+        write(asElement(report));
+        break;
+    case CheckForm::JsonLines:
+        write(toText(report, QJsonDocument::Compact) + '\n');
+        break;
+    case CheckForm::Summary:
+        count(report);
+        break;
+    }
+    ++m_added;
+    if (m_form != CheckForm::Summary)
+        m_out.flushAll();
+}
+
+void CheckOutput::count(const QJsonObject& report)
+{
+    m_found += report.value(QLatin1String("findings")).toDouble() > 0 ? 1 : 0;
+    QSet<QString> ids;
+    const auto add = [&](const QString& id, qint64 findings) {
+        if (findings == 0)
+            return;
+        ids.insert(id);
+        m_findingsOfCause[id] += findings;
+    };
+    for (const QJsonValue& cause : report.value(QLatin1String("causes")).toArray())
+        add(cause.toObject().value(QLatin1String("id")).toString(), 1);
+    const QJsonObject unlisted = report.value(QLatin1String("unlisted")).toObject();
+    for (const auto& row : objectFindings) {
+        const QLatin1String id(row.id);
+        add(id,
+            report.value(id).toArray().size() + static_cast<qint64>(unlisted.value(id).toDouble()));
+    }
+    for (const QString& id : qAsConst(ids))
+        ++m_filesOfCause[id];
+}
+
+QString CheckOutput::summary() const
+{
+    QString text = QStringLiteral("файлов: %1, с замечаниями: %2\n").arg(m_total).arg(m_found);
+    for (auto row = m_filesOfCause.cbegin(); row != m_filesOfCause.cend(); ++row) {
+        text += QStringLiteral("%1: файлов: %2, замечаний: %3\n")
+                    .arg(titleOf(row.key()))
+                    .arg(row.value())
+                    .arg(m_findingsOfCause.value(row.key()));
+    }
+    return text;
+}
+
+void CheckOutput::finish()
+{
+    if (m_form == CheckForm::Json)
+        write(m_added == 0 ? "[\n]\n" : "\n]\n");
+    if (m_form == CheckForm::Summary)
+        write(summary().toLocal8Bit());
+    m_out.commit();
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "outputfile.h"
+
+#include <QJsonObject>
+#include <QMap>
+
+struct Report;
+
+/// How a check answers.
+enum class CheckForm { Text, Json, JsonLines, Summary };
+
+/// Writes the answers of a check to standard output, each as it comes.
+class CheckOutput {
+public:
+    /// `total`: how many files are checked.
+    CheckOutput(CheckForm form, int total);
+
+    /// The answer about a file; nothing is kept of it but the numbers for a summary.
+    void add(const QJsonObject& report, const QString& text);
+    /// Ends the document and lets all of it out.
+    void finish();
+
+private:
+    void write(const QByteArray& bytes);
+    void count(const QJsonObject& report);
+    QString summary() const;
+
+    CheckForm m_form;
+    int m_total;
+    int m_added = 0;
+    int m_found = 0;
+    QMap<QString, int> m_filesOfCause;
+    QMap<QString, qint64> m_findingsOfCause;
+    OutputFile m_out;
+};

@@ -1,0 +1,72 @@
+#include "plan/planview.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+/// The part of the frame that the places fill.
+constexpr double used = 0.88;
+
+} // namespace
+
+bool isPlace(const DefPoint& point)
+{
+    return std::isfinite(point.x) && std::isfinite(point.y);
+}
+
+PlanView::PlanView(const QVector<DefPolygon>& objects, bool swapped)
+    : m_swapped(swapped)
+{
+    for (const DefPolygon& object : objects) {
+        for (const QVector<DefPoint>& contour : object.contours) {
+            for (const DefPoint& vertex : contour) {
+                if (isPlace(vertex))
+                    take(swapped ? vertex.y : vertex.x, swapped ? vertex.x : vertex.y);
+            }
+        }
+    }
+}
+
+void PlanView::take(double right, double up)
+{
+    m_left = m_isEmpty ? right : std::min(m_left, right);
+    m_right = m_isEmpty ? right : std::max(m_right, right);
+    m_bottom = m_isEmpty ? up : std::min(m_bottom, up);
+    m_top = m_isEmpty ? up : std::max(m_top, up);
+    m_isEmpty = false;
+}
+
+void PlanView::fit(const QRectF& frame)
+{
+    m_frame = frame;
+    // Halves, since a difference of large coordinates may leave the range of numbers; an extent at
+    // the other end of the range, or none, would ask for a scale beyond it.
+    const double halfWidth = m_right / 2 - m_left / 2;
+    const double halfHeight = m_top / 2 - m_bottom / 2;
+    m_scale = std::min({ used * frame.width() / 2 / halfWidth,
+        used * frame.height() / 2 / halfHeight, std::numeric_limits<double>::max() });
+}
+
+QPointF PlanView::at(double right, double up) const
+{
+    const QPointF center = m_frame.center();
+    // Halves, since a sum of large coordinates may leave the range of numbers.
+    return { center.x() + (right - (m_left / 2 + m_right / 2)) * m_scale,
+        center.y() - (up - (m_bottom / 2 + m_top / 2)) * m_scale };
+}
+
+QSize PlanView::pageWithin(const QSize& most) const
+{
+    constexpr double longest = 2.5;
+    const double halfWidth = m_right / 2 - m_left / 2;
+    const double halfHeight = m_top / 2 - m_bottom / 2;
+    if (!(halfWidth > 0 && halfHeight > 0))
+        return most;
+    const double ratio = qBound(1 / longest, halfWidth / halfHeight, longest);
+    const QSizeF room(most.width() - 2 * margin, most.height() - 2 * margin);
+    const double width = std::min(room.width(), room.height() * ratio);
+    return { static_cast<int>(std::lround(width + 2 * margin)),
+        static_cast<int>(std::lround(width / ratio + 2 * margin)) };
+}
