@@ -43,7 +43,7 @@ class Copy:
         self.options = options
 
     def configure(self):
-        self._run(["cmake", "--preset", "dev", *self.options])
+        return self._run(["cmake", "--preset", "dev", *self.options])
 
     def build(self, targets):
         command = ["cmake", "--build", str(self.build_folder), "--parallel", self.jobs]

@@ -2,8 +2,10 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
+#include <dlfcn.h>
 #include <pthread.h>
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -19,11 +21,22 @@ namespace {
 /// So many allocations are granted before one fails; less than 0 while none is to fail.
 int grantsLeft = -1;
 bool hasFailed = false;
+failing::Calls failingCalls = failing::Calls::Malloc;
+const char* failingLibrary = nullptr;
 pthread_t failingThread;
 
-bool failsNow()
+bool isOfLibrary(const void* caller)
 {
-    if (grantsLeft < 0 || pthread_equal(failingThread, pthread_self()) == 0 || grantsLeft-- > 0)
+    Dl_info info{};
+    return !failingLibrary
+        || (dladdr(caller, &info) != 0 && std::strstr(info.dli_fname, failingLibrary));
+}
+
+bool failsNow(bool isNew, const void* caller)
+{
+    if (grantsLeft < 0 || isNew == (failingCalls == failing::Calls::Malloc)
+        || pthread_equal(failingThread, pthread_self()) == 0 || !isOfLibrary(caller)
+        || grantsLeft-- > 0)
         return false;
     hasFailed = true;
     errno = ENOMEM;
@@ -32,8 +45,19 @@ bool failsNow()
 
 } // namespace
 
-void failing::arm(int granted)
+bool failing::canFailMalloc()
 {
+#ifdef HAS_ALLOCATOR_OF_ITS_OWN
+    return false;
+#else
+    return true;
+#endif
+}
+
+void failing::arm(Calls calls, int granted, const char* library)
+{
+    failingLibrary = library;
+    failingCalls = calls;
     failingThread = pthread_self();
     hasFailed = false;
     grantsLeft = granted;
@@ -45,11 +69,9 @@ bool failing::disarm()
     return hasFailed;
 }
 
-#ifdef HAS_ALLOCATOR_OF_ITS_OWN
-
 void* operator new(size_t size)
 {
-    void* const memory = failsNow() ? nullptr : std::malloc(size);
+    void* const memory = failsNow(true, __builtin_return_address(0)) ? nullptr : std::malloc(size);
     if (!memory)
         throw std::bad_alloc();
     return memory;
@@ -65,9 +87,9 @@ void operator delete(void* memory, size_t) noexcept
     std::free(memory);
 }
 
-#else
+#ifndef HAS_ALLOCATOR_OF_ITS_OWN
 
-// What the C library's own functions stand for; operator new asks them too.
+// What the C library's own functions stand for.
 extern "C" {
 
 void* __libc_malloc(size_t size); // NOLINT(bugprone-reserved-identifier)
@@ -79,17 +101,17 @@ void* __libc_realloc(void* memory, size_t size); // NOLINT(bugprone-reserved-ide
 
 void* malloc(size_t size)
 {
-    return failsNow() ? nullptr : __libc_malloc(size);
+    return failsNow(false, __builtin_return_address(0)) ? nullptr : __libc_malloc(size);
 }
 
 void* calloc(size_t count, size_t size)
 {
-    return failsNow() ? nullptr : __libc_calloc(count, size);
+    return failsNow(false, __builtin_return_address(0)) ? nullptr : __libc_calloc(count, size);
 }
 
 void* realloc(void* memory, size_t size)
 {
-    return failsNow() ? nullptr : __libc_realloc(memory, size);
+    return failsNow(false, __builtin_return_address(0)) ? nullptr : __libc_realloc(memory, size);
 }
 
 #pragma GCC visibility pop

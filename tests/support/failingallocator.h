@@ -1,13 +1,19 @@
 #pragma once
 
-/// Lets one allocation of the program fail, whoever asks for it: a library's too. Under a sanitizer
-/// with an allocator of its own only operator new fails.
+/// Lets one allocation of the program fail, whoever asks for it: a library's too.
 ///
 /// To be linked into a program that asks for it; allocations of other threads always succeed.
 namespace failing {
 
-/// The allocation after `granted` more fails, and no other.
-void arm(int granted);
+/// Which calls may fail. Operator new asks malloc, which under a sanitizer with an allocator of its
+/// own never fails.
+enum class Calls { New, Malloc };
+
+/// Whether malloc can be made to fail.
+bool canFailMalloc();
+/// The allocation after `granted` more of these calls fails, and no other. With a `library`, only
+/// calls from code of the library count whose file name holds that text.
+void arm(Calls calls, int granted, const char* library = nullptr);
 /// All allocations succeed again. Whether one has failed since arm().
 bool disarm();
 
