@@ -15,7 +15,6 @@
 #include "resultwriter.h"
 
 #include <QLocale>
-#include <QXmlStreamWriter>
 
 #include <benchmark/benchmark.h>
 
@@ -288,27 +287,18 @@ void markConflicts(benchmark::State& state, int size)
 
 // Result
 
-QString resultText(const QVector<DefPolygon>& objects)
-{
-    QString text;
-    QXmlStreamWriter writer(&text);
-    writer.setAutoFormatting(true);
-    writeResult(writer, objects, ResultOptions());
-    return text;
-}
-
 void writeObjects(benchmark::State& state)
 {
     const QVector<DefPolygon>& objects = inputOf("city", defaultSize).objects;
     for (auto _ : state)
-        benchmark::DoNotOptimize(resultText(objects));
+        benchmark::DoNotOptimize(resultText(objects, ResultOptions()));
     countItems(state, defaultSize);
 }
 
 void writeSameElements(benchmark::State& state)
 {
     const QVector<DefPolygon>& objects = inputOf("city", defaultSize).objects;
-    const QString text = resultText(objects);
+    const QString text = resultText(objects, ResultOptions());
     const BareResult bare(text);
     if (bare.write() != text)
         state.SkipWithError("the bare writer wrote another text");

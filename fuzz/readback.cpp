@@ -4,7 +4,6 @@
 #include "resultwriter.h"
 
 #include <QXmlStreamReader>
-#include <QXmlStreamWriter>
 
 namespace {
 
@@ -86,16 +85,12 @@ void requireReadBack(QVector<DefPolygon>& objects)
     options.catalogueTableName = QStringLiteral("Координаты");
     options.info = { 0, 1, 2, 1 };
     options.fields.insert(3, fieldText);
-    QString text;
-    QXmlStreamWriter writer(&text);
-    writer.setAutoFormatting(true);
-    writeResult(writer, objects, options);
+    const QString text = resultText(objects, options);
     const bool isLegal = std::all_of(objects.cbegin(), objects.cend(),
         [](const DefPolygon& object) { return isXmlText(object); });
     if (!isLegal)
         return;
 
-    require(!writer.hasError(), "the result can be written");
     QXmlStreamReader xml(text);
     require(xml.readNextStartElement() && xml.name() == QLatin1String("FormTable"),
         "the result is a table");

@@ -15,7 +15,6 @@
 #include <QFileDialog>
 #include <QScopedValueRollback>
 #include <QSettings>
-#include <QXmlStreamWriter>
 
 #include <algorithm>
 
@@ -74,12 +73,7 @@ QString Dialog::stringResult()
     options.update = m_ui->updateCheck->isChecked();
     options.info = m_info;
     options.fields = m_fieldNumValueMap;
-
-    QString result;
-    QXmlStreamWriter writer(&result);
-    writer.setAutoFormatting(true);
-    writeResult(writer, m_objects, options);
-    return result;
+    return resultText(m_objects, options);
 }
 
 void Dialog::equalizeToolButtons()

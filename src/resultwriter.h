@@ -7,7 +7,9 @@
 #include <QString>
 #include <QVector>
 
-class QXmlStreamWriter;
+#include <memory>
+
+class QIODevice;
 
 /// What the result says beside the objects themselves.
 struct ResultOptions {
@@ -18,11 +20,28 @@ struct ResultOptions {
     FieldNumValueMap fields; ///< extra fields: constant texts by zero-based catalogue column
 };
 
-/// Writes the objects as the host's nested form tables: an outer "FormTable" with a "Row" per
-/// object, which holds the designation's "Cell" and a nested "FormTable" with the catalogue, a row
-/// per row of the catalogue and a cell per column. Coordinates are written in the C locale.
+/// The objects as the host's nested form tables: an outer "FormTable" with a "Row" per object,
+/// which holds the designation's "Cell" and a nested "FormTable" with the catalogue, a row per row
+/// of the catalogue and a cell per column. Coordinates are written in the C locale.
 ///
-/// The caller sets up `writer` and its device or string; nothing is written around the outer
-/// element.
-void writeResult(
-    QXmlStreamWriter& writer, const QVector<DefPolygon>& objects, const ResultOptions& options);
+/// The text is, to the letter, what QXmlStreamWriter writes with automatic formatting: a line feed
+/// in front, indents of four spaces, and no characters that XML does not allow.
+QString resultText(const QVector<DefPolygon>& objects, const ResultOptions& options);
+
+/// Writes the same text object by object to a device, in UTF-8. Whether the device takes it is for
+/// the caller to ask the device.
+class ResultWriter {
+public:
+    ResultWriter(QIODevice& device, const ResultOptions& options);
+    ~ResultWriter();
+    ResultWriter(const ResultWriter&) = delete;
+    ResultWriter& operator=(const ResultWriter&) = delete;
+
+    void write(const DefPolygon& object);
+    /// Ends the text; to be called once, behind the last object.
+    void finish();
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};

@@ -10,7 +10,6 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
-#include <QXmlStreamWriter>
 
 namespace {
 
@@ -74,25 +73,6 @@ ResultOptions readResultOptions(const QCommandLineParser& parser)
     return options;
 }
 
-/// A designation with half of a surrogate pair has no UTF-8: it becomes what QString::toUtf8 makes
-/// of it. The writer's own encoder would mix it up with what follows.
-void makeEncodable(QString& def)
-{
-    if (!def.isValidUtf16())
-        def = QString::fromUtf8(def.toUtf8());
-}
-
-void makeEncodable(QVector<DefPolygon>& objects)
-{
-    for (DefPolygon& object : objects) {
-        makeEncodable(object.def);
-        for (QVector<DefPoint>& contour : object.contours) {
-            for (DefPoint& vertex : contour)
-                makeEncodable(vertex.def);
-        }
-    }
-}
-
 QString targetIn(const QString& folder, const QString& fileName)
 {
     return QDir(folder).filePath(QFileInfo(fileName).completeBaseName() + QStringLiteral(".xml"));
@@ -147,13 +127,14 @@ ConvertOptions readConvertOptions(const QCommandLineParser& parser)
     return options;
 }
 
-void writeXml(const QString& target, QVector<DefPolygon>& objects, const ResultOptions& options)
+void writeXml(
+    const QString& target, const QVector<DefPolygon>& objects, const ResultOptions& options)
 {
-    makeEncodable(objects);
     OutputFile out(target);
-    QXmlStreamWriter writer(&out);
-    writer.setAutoFormatting(true);
-    writeResult(writer, objects, options);
+    ResultWriter writer(out, options);
+    for (const DefPolygon& object : objects)
+        writer.write(object);
+    writer.finish();
     out.commit();
 }
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int bufferSize = 1 << 20;
+constexpr int bufferSize = 1 << 17;
 
 QString errorText(int error)
 {
@@ -106,7 +106,7 @@ OutputFile::OutputFile(const QString& fileName)
         const int error = placeError(fileName);
         failToOpen(fileName, error != 0 ? error : EACCES);
     }
-    m_buffer.reserve(bufferSize + bufferSize / 4);
+    m_buffer.reserve(bufferSize);
     open(WriteOnly | Unbuffered);
 }
 
@@ -141,19 +141,27 @@ qint64 OutputFile::readData(char* data, qint64 maxSize)
 
 qint64 OutputFile::writeData(const char* data, qint64 size)
 {
-    m_buffer.append(data, static_cast<int>(size));
-    if (m_buffer.size() >= bufferSize)
+    if (m_buffer.size() + size > bufferSize)
         flushBuffer();
+    if (size > bufferSize)
+        writeThrough(data, size);
+    else
+        m_buffer.append(data, static_cast<int>(size));
     return m_error == 0 ? size : -1;
 }
 
 void OutputFile::flushBuffer()
 {
+    writeThrough(m_buffer.constData(), m_buffer.size());
+    m_buffer.resize(0);
+}
+
+void OutputFile::writeThrough(const char* data, qint64 size)
+{
     if (Interrupt::requested()) {
         m_file.reset();
         Interrupt::obey();
     }
-    if (m_error == 0 && m_file->write(m_buffer) != m_buffer.size())
+    if (m_error == 0 && m_file->write(data, size) != size)
         m_error = errno != 0 ? errno : EIO;
-    m_buffer.resize(0);
 }

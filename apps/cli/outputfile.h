@@ -31,6 +31,7 @@ protected:
 
 private:
     void flushBuffer();
+    void writeThrough(const char* data, qint64 size);
 
     // Made first and destroyed last: no signal ends the program while there is a temporary file.
     std::optional<Interrupt::Deferral> m_deferral;

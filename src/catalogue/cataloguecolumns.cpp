@@ -26,23 +26,42 @@ void CatalogueColumns::widenTo(int column)
     m_maxColNum = std::max(m_maxColNum, std::min(column, std::numeric_limits<int>::max() - 1));
 }
 
-bool CatalogueColumns::isFilled(int column) const
+CellContent CatalogueColumns::content(int column) const
 {
-    return isDesignation(column) || isCoordinate(column) || m_fieldNumValueMap.contains(column);
+    if (column == m_nColNum)
+        return CellContent::Designation;
+    if (column == m_xColNum)
+        return CellContent::X;
+    if (column == m_yColNum)
+        return CellContent::Y;
+    return m_fieldNumValueMap.contains(column) ? CellContent::Field : CellContent::Nothing;
 }
 
-bool CatalogueColumns::hasText(const DefPoint& point, int column) const
+QVector<int> CatalogueColumns::filledColumns() const
 {
-    if (isDesignation(column))
-        return !point.def.isNull();
-    return isCoordinate(column) || !m_fieldNumValueMap.value(column).isNull();
+    QVector<int> columns{ m_nColNum, m_xColNum, m_yColNum };
+    columns += m_fieldNumValueMap.keys().toVector();
+    std::sort(columns.begin(), columns.end());
+    columns.erase(std::unique(columns.begin(), columns.end()), columns.end());
+    const auto isMet = [this](int column) { return column >= 0 && column < count(); };
+    const auto first = std::find_if(columns.begin(), columns.end(), isMet);
+    const auto end = std::find_if_not(first, columns.end(), isMet);
+    return QVector<int>(first, end);
 }
 
 QString CatalogueColumns::text(const DefPoint& point, int column, bool userLocale) const
 {
-    if (isDesignation(column))
+    switch (content(column)) {
+    case CellContent::Designation:
         return point.def;
-    if (isCoordinate(column))
-        return formatCoord(column == m_xColNum ? point.x : point.y, userLocale);
-    return m_fieldNumValueMap.value(column);
+    case CellContent::X:
+        return formatCoord(point.x, userLocale);
+    case CellContent::Y:
+        return formatCoord(point.y, userLocale);
+    case CellContent::Field:
+        return field(column);
+    case CellContent::Nothing:
+        break;
+    }
+    return {};
 }

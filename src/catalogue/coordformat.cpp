@@ -42,31 +42,37 @@ double s_coordPrecision = 0.01;
 
 } // namespace
 
-QString formatFixed(double value, int decimals)
+int writeFixed(FixedDigits& digits, double value, int decimals)
 {
     const auto places = static_cast<size_t>(decimals);
     const bool isPlain = places < powersOfTen.size() && value != 0
         && std::abs(value) * powersOfTen[places] < halvesLimit;
     if (!isPlain)
-        return QLocale::c().toString(value, 'f', decimals);
+        return 0;
 
-    std::array<char, 24> digits;
+    char* const start = value < 0 ? &(digits[0] = '-') + 1 : digits.data();
     const quint64 scaled = roundScaled(std::abs(value), powersOfTen[places]);
-    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), scaled).ptr;
-    const int digitCount = static_cast<int>(end - digits.data());
-    const int wholeCount = std::max(digitCount - decimals, 0);
+    char* end = std::to_chars(start, digits.data() + digits.size(), scaled).ptr;
+    if (decimals > 0) {
+        // At least one digit stands before the point.
+        const auto missing = decimals + 1 - (end - start);
+        if (missing > 0) {
+            std::copy_backward(start, end, end + missing);
+            std::fill_n(start, missing, '0');
+            end += missing;
+        }
+        std::copy_backward(end - decimals, end, end + 1);
+        *(end++ - decimals) = '.';
+    }
+    return static_cast<int>(end - digits.data());
+}
 
-    QString text;
-    text.reserve(digitCount + decimals + 3);
-    if (value < 0)
-        text.append(QLatin1Char('-'));
-    text.append(wholeCount > 0 ? QLatin1String(digits.data(), wholeCount) : QLatin1String("0"));
-    if (decimals == 0)
-        return text;
-    text.append(QLatin1Char('.'));
-    text.append(QString(std::max(decimals - digitCount, 0), QLatin1Char('0')));
-    text.append(QLatin1String(digits.data() + wholeCount, digitCount - wholeCount));
-    return text;
+QString formatFixed(double value, int decimals)
+{
+    FixedDigits digits;
+    const int size = writeFixed(digits, value, decimals);
+    return size > 0 ? QString::fromLatin1(digits.data(), size)
+                    : QLocale::c().toString(value, 'f', decimals);
 }
 
 void setCoordPrecision(double precision)
@@ -80,11 +86,17 @@ double coordPrecision()
     return s_coordPrecision;
 }
 
-QString formatCoord(double value, bool userLocale)
+int coordDecimals()
 {
-    static const QLocale uLocale;
     static int decimals = 0;
     if (decimals == 0)
         decimals = decimalsFor(s_coordPrecision);
+    return decimals;
+}
+
+QString formatCoord(double value, bool userLocale)
+{
+    static const QLocale uLocale;
+    const int decimals = coordDecimals();
     return userLocale ? uLocale.toString(value, 'f', decimals) : formatFixed(value, decimals);
 }

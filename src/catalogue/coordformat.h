@@ -2,6 +2,16 @@
 
 #include <QString>
 
+#include <array>
+
+/// The characters of a number in fixed notation.
+using FixedDigits = std::array<char, 32>;
+
+/// Writes `value` in fixed notation with `decimals` places into `digits`, as formatFixed() does.
+/// Returns how many characters it takes; 0, and nothing written, for a value that takes
+/// formatFixed().
+int writeFixed(FixedDigits& digits, double value, int decimals);
+
 /// `value` in fixed notation with `decimals` places, as the C locale writes it: a full stop as
 /// the decimal point and no group separators. The text is that of QLocale::toString on
 /// QLocale::c(), got at a fraction of its cost.
@@ -14,5 +24,7 @@ void setCoordPrecision(double precision);
 /// The precision last set; 0.01 at first.
 double coordPrecision();
 
+/// The number of decimals in catalogues.
+int coordDecimals();
 /// A coordinate with the decimals of coordPrecision(), in the user's locale or the C locale.
 QString formatCoord(double value, bool userLocale);

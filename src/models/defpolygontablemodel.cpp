@@ -91,7 +91,7 @@ QVariant DefPolygonTableModel::data(const QModelIndex& index, int role) const
         return QVariant();
 
     const DefPoint* point = pointAt(row);
-    if (!point || !m_columns.isFilled(index.column()))
+    if (!point || m_columns.content(index.column()) == CellContent::Nothing)
         return QVariant();
     return m_columns.text(*point, index.column(), role == Qt::DisplayRole);
 }

@@ -75,12 +75,16 @@ void TestCatalogueColumns::texts()
     columns.setNxyColNum(n, x, y);
     columns.setFieldNumValueMap(fields);
     QTEST(textsOf(columns, vertex, 6), "expected");
+    QVector<int> filled;
     for (int column = 0; column < 6; ++column) {
         const bool isNull = columns.text(vertex, column, true).isNull();
-        QCOMPARE(columns.hasText(vertex, column), !isNull);
-        QCOMPARE(columns.isFilled(column), !isNull);
+        QCOMPARE(columns.content(column) == CellContent::Nothing, isNull);
+        QCOMPARE(columns.content(column) == CellContent::Designation, column == n);
         QCOMPARE(columns.isDesignation(column), column == n);
+        if (!isNull)
+            filled.append(column);
     }
+    QCOMPARE(columns.filledColumns(), filled);
 }
 
 // A column can be filled, with a null text.
@@ -89,12 +93,13 @@ void TestCatalogueColumns::emptyAndNullTexts()
     CatalogueColumns columns;
     columns.setFieldNumValueMap({ { 3, QString() }, { 4, QStringLiteral("") } });
     QCOMPARE(textsOf(columns, DefPoint{ QString(), 0, 0 }, 6), QStringLiteral("-|0.00|0.00|-||-"));
-    QVERIFY(!columns.hasText(DefPoint{ QString(), 0, 0 }, 0));
-    QVERIFY(columns.hasText(DefPoint{ QStringLiteral(""), 0, 0 }, 0));
-    QVERIFY(columns.isFilled(3));
-    QVERIFY(!columns.hasText(vertex, 3));
-    QVERIFY(columns.hasText(vertex, 4));
-    QVERIFY(!columns.isFilled(5));
+    QCOMPARE(columns.content(3), CellContent::Field);
+    QVERIFY(columns.field(3).isNull());
+    QCOMPARE(columns.content(4), CellContent::Field);
+    QVERIFY(!columns.field(4).isNull());
+    QCOMPARE(columns.content(5), CellContent::Nothing);
+    QVERIFY(columns.field(5).isNull());
+    QCOMPARE(columns.filledColumns(), (QVector<int>{ 0, 1, 2, 3, 4 }));
 }
 
 void TestCatalogueColumns::count()
@@ -110,7 +115,8 @@ void TestCatalogueColumns::count()
     QCOMPARE(columns.count(), 8);
     columns.setNxyColNum(0, INT_MAX, 1);
     QCOMPARE(columns.count(), INT_MAX);
-    QVERIFY(columns.isFilled(INT_MAX));
+    QCOMPARE(columns.content(INT_MAX), CellContent::X);
+    QCOMPARE(columns.filledColumns(), (QVector<int>{ 0, 1 }));
 }
 
 void TestCatalogueColumns::rows_data()

@@ -16,13 +16,15 @@ const QString catalogueName = QStringLiteral("Координаты");
 const QString def = QStringLiteral("ЗУ1");
 const QString sign = QStringLiteral("знак");
 
-QString written(const QVector<DefPolygon>& objects, const ResultOptions& options)
+QByteArray writtenToDevice(const QVector<DefPolygon>& objects, const ResultOptions& options)
 {
-    QString text;
-    QXmlStreamWriter writer(&text);
-    writer.setAutoFormatting(true);
-    writeResult(writer, objects, options);
-    return text;
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    ResultWriter writer(buffer, options);
+    for (const DefPolygon& object : objects)
+        writer.write(object);
+    writer.finish();
+    return buffer.data();
 }
 
 void writeLiteralRow(QXmlStreamWriter& writer, const QAbstractItemModel& model, int row)
@@ -95,7 +97,7 @@ QString rowOf(const DefPolygon& object, const GeometryInfo& info, const QMap<int
     ResultOptions options;
     options.info = info;
     options.fields = fields;
-    const QString text = written(objects, options);
+    const QString text = resultText(objects, options);
     const QString head = QStringLiteral("\n<FormTable>\n    <Row>\n");
     const QString tail = QStringLiteral("\n    </Row>\n</FormTable>");
     if (!text.startsWith(head) || !text.endsWith(tail))
@@ -129,6 +131,9 @@ private slots:
     void toADevice();
     void objectsStayAsTheyAre();
     void followsTheLiteralWriting();
+    void everyCharacter();
+    void hostileTexts();
+    void longTexts();
 };
 
 void TestResultWriter::workedExample()
@@ -142,7 +147,7 @@ void TestResultWriter::workedExample()
     options.update = true;
     options.info = { 0, 1, 2, 1 };
     options.fields = { { 3, sign } };
-    QCOMPARE(written(objects, options), exampleResult());
+    QCOMPARE(resultText(objects, options), exampleResult());
 }
 
 void TestResultWriter::outerTable_data()
@@ -170,7 +175,7 @@ void TestResultWriter::outerTable()
     options.tableName = name;
     options.catalogueTableName = catalogueName;
     options.update = update;
-    QCOMPARE(written(objects, options), text);
+    QCOMPARE(resultText(objects, options), text);
 }
 
 void TestResultWriter::objectRow_data()
@@ -263,7 +268,7 @@ void TestResultWriter::nestedTable()
     QVector<DefPolygon> objects = { makeObject(def, {}) };
     ResultOptions options;
     options.catalogueTableName = name;
-    QCOMPARE(written(objects, options),
+    QCOMPARE(resultText(objects, options),
         QStringLiteral("\n<FormTable>\n    <Row>\n        <Cell>ЗУ1</Cell>\n        %1\n"
                        "    </Row>\n</FormTable>")
             .arg(tag));
@@ -288,7 +293,7 @@ void TestResultWriter::severalObjects()
         <FormTable/>
     </Row>
 </FormTable>)";
-    QCOMPARE(written(objects, ResultOptions()), QString::fromUtf8(expected));
+    QCOMPARE(resultText(objects, ResultOptions()), QString::fromUtf8(expected));
 }
 
 void TestResultWriter::textsAreEscaped()
@@ -313,7 +318,7 @@ void TestResultWriter::textsAreEscaped()
         </FormTable>
     </Row>
 </FormTable>)";
-    QCOMPARE(written(objects, options), QString::fromUtf8(expected));
+    QCOMPARE(resultText(objects, options), QString::fromUtf8(expected));
 }
 
 void TestResultWriter::nestingIsIndented()
@@ -336,7 +341,7 @@ void TestResultWriter::nestingIsIndented()
         </FormTable>
     </Row>
 </FormTable>)";
-    QCOMPARE(written(objects, options), QString::fromUtf8(expected));
+    QCOMPARE(resultText(objects, options), QString::fromUtf8(expected));
 }
 
 void TestResultWriter::toADevice()
@@ -347,19 +352,13 @@ void TestResultWriter::toADevice()
     options.tableName = tableName;
     options.fields = { { 3, sign } };
 
-    QBuffer buffer;
-    QVERIFY(buffer.open(QIODevice::WriteOnly));
-    QXmlStreamWriter writer(&buffer);
-    writer.setAutoFormatting(true);
-    writeResult(writer, objects, options);
-    QVERIFY(!writer.hasError());
-    QCOMPARE(QString::fromUtf8(buffer.data()), written(objects, options));
+    QCOMPARE(writtenToDevice(objects, options), writtenLiterally(objects, options).toUtf8());
 }
 
 void TestResultWriter::objectsStayAsTheyAre()
 {
     QVector<DefPolygon> objects = { makeObject(def, { { point("1", 0.125, 2) } }) };
-    written(objects, ResultOptions());
+    resultText(objects, ResultOptions());
     QCOMPARE(objects.size(), 1);
     QCOMPARE(objects.first().def, def);
     QCOMPARE(objects.first().contours.size(), 1);
@@ -381,8 +380,59 @@ void TestResultWriter::followsTheLiteralWriting()
             random.below(5) - 2 };
         for (int i = random.below(4); i > 0; --i)
             options.fields.insert(random.below(9) - 1, random.def());
-        QCOMPARE(written(objects, options), writtenLiterally(objects, options));
+        QCOMPARE(resultText(objects, options), writtenLiterally(objects, options));
     }
+}
+
+/// Each unit of UTF-16 in an element and in an attribute, alone and before another one.
+void TestResultWriter::everyCharacter()
+{
+    QVector<DefPolygon> objects(1);
+    ResultOptions options;
+    for (int unit = 0; unit <= 0xFFFF; ++unit) {
+        const QChar character(unit);
+        objects.first().def = QString(character) + QLatin1Char('x') + character;
+        options.tableName = objects.first().def;
+        const QString expected = writtenLiterally(objects, options);
+        QCOMPARE(resultText(objects, options), expected);
+        QCOMPARE(writtenToDevice(objects, options), expected.toUtf8());
+    }
+}
+
+void TestResultWriter::hostileTexts()
+{
+    const QString alphabet = QStringLiteral("aя<>&\"'\t\n\r\v\f]-!?% \u0001\u0085\u2028") + QChar(0)
+        + QChar(0xD800) + QChar(0xDBFF) + QChar(0xDC00) + QChar(0xDFFF) + QChar(0xFFFE)
+        + QChar(0xFFFF) + QChar(0xFEFF) + QChar(0x7FF) + QChar(0x800) + QChar(0x7F) + QChar(0x80);
+    Random random(3);
+    for (int round = 0; round < 3000; ++round) {
+        const auto text = [&] { return random.text(alphabet, 6); };
+        const QVector<DefPolygon> objects{ makeObject(text(), { { DefPoint{ text(), 1, 2 } } }) };
+        ResultOptions options;
+        options.tableName = text();
+        options.catalogueTableName = text();
+        options.fields = { { 3, text() } };
+        const QString expected = writtenLiterally(objects, options);
+        QCOMPARE(resultText(objects, options), expected);
+        QCOMPARE(writtenToDevice(objects, options), expected.toUtf8());
+    }
+}
+
+/// Texts longer than any block, and every place of a border between blocks.
+void TestResultWriter::longTexts()
+{
+    for (const int length : { 1 << 16, 43690, 43691, 1 << 20 }) {
+        const QString text = QStringLiteral("&я<").repeated(length);
+        const QVector<DefPolygon> objects{ makeObject(text, { { DefPoint{ text, 1, 2 } } }),
+            makeObject(def, { { point("1", 3, 4) } }) };
+        const QString expected = writtenLiterally(objects, ResultOptions());
+        QVERIFY(resultText(objects, ResultOptions()) == expected);
+        QVERIFY(writtenToDevice(objects, ResultOptions()) == expected.toUtf8());
+    }
+    RandomObjects random(11);
+    const QVector<DefPolygon> objects = random.objects(8000);
+    QVERIFY(writtenToDevice(objects, ResultOptions())
+        == writtenLiterally(objects, ResultOptions()).toUtf8());
 }
 
 QTEST_APPLESS_MAIN(TestResultWriter)
