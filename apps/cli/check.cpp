@@ -86,7 +86,7 @@ QJsonArray mergeJson(const QVector<QByteArray>& outputs)
 {
     QJsonArray merged;
     for (const QByteArray& output : outputs) {
-        for (const QJsonValue& report : QJsonDocument::fromJson(output).array())
+        for (const auto& report : QJsonDocument::fromJson(output).array())
             merged.append(report);
     }
     return merged;

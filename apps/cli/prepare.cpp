@@ -176,7 +176,7 @@ struct PrepareTask {
 
 QString targetOf(const QString& fileName, const Format& format, const QCommandLineParser& parser)
 {
-    const QString output = parser.value(QStringLiteral("output"));
+    QString output = parser.value(QStringLiteral("output"));
     const QString folder = parser.value(QStringLiteral("out-dir"));
     if (output.isEmpty() == folder.isEmpty())
         throw Failure{ WrongUsage, QStringLiteral("укажите -o ФАЙЛ или --out-dir ПАПКА") };

@@ -26,7 +26,7 @@ FAULTS = [
          ("        if (key.def.isEmpty())\n            continue;\n", ""),
          ("marks.setBit(i, first >= 0);", "marks.setBit(i, first > 0);"),
          ("    marks.clearBit(renamed);\n", ""),
-         ("    if (!before.isEmpty())\n        markBearers(marks, objects, before);\n", ""),
+         ("    if (!before.isEmpty())\n        markBearers(marks, objects, before);\n", "    if (!before.isEmpty())\n        markBearers(marks, objects, def);\n"),
          ("!point.def.isEmpty() && spread", "spread")),
     *_of("src/geometry/defpolygon.cpp", "tst_records",
          ("std::abs(area) <= degenerateArea", "std::abs(area) < degenerateArea"),
