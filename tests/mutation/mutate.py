@@ -126,7 +126,7 @@ def main():
     chosen = [(number, fault) for number, fault in enumerate(FAULTS, 1)
               if number >= arguments.first and re.search(arguments.files, fault.file)]
     copy_tree(arguments.folder)
-    copy = Copy(arguments.folder, arguments.jobs, arguments.cmake)
+    copy = Copy(arguments.folder.resolve(), arguments.jobs, arguments.cmake)
     tests = sorted({test for _, fault in chosen for test in fault.tests})
     if not copy.configure() or not copy.build(targets_of(tests)):
         sys.exit(copy.output)
