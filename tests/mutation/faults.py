@@ -67,7 +67,7 @@ FAULTS = [
     *_of("src/geometry/pointcatalogue.cpp", "tst_catalogue tst_mifrandom",
          ("point.x >= x) {", "point.x > x) {"),
          ("    mergeCoincident(points);\n", ""),
-         ("rightIsNext && !(after && *after < *tie.right)", "rightIsNext"),
+         ("rightIsNext && !(after", "rightIsNext || !(after"),
          ("leftIsNext && !rightIsNext ? tie.left : tie.right", "leftIsNext ? tie.left : tie.right"),
          ("return point && coincide(point->x, point->y, x, y) ? point : nullptr;", "return point;"),
          ("    m_ordered = m_points.size();\n", ""),
