@@ -7,10 +7,11 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 scripts/setup.sh demo
 # With it the plug-in, and no test: in the folder of the tests' build, which goes on from there.
-scripts/build.sh importgeometry-host
+scripts/build.sh importgeometry-host importgeometry-cli
 
 demo=build/demo
 host=build/release/bin/importgeometry-host
+cli=build/release/bin/importgeometry
 rm -rf "$demo"
 mkdir -p "$demo/runtime"
 chmod 700 "$demo/runtime"
@@ -36,3 +37,12 @@ import parcels --operation "Объекты из MIF" --file samples/parcels.mif 
 import quarter --operation "Объекты из DXF" --file samples/quarter.dxf "$@"
 import lots --operation "Объекты из DXF" --file samples/lots.dxf \
     --point-file samples/lots-points.dxf "$@"
+
+echo
+echo "=== survey ==="
+# A drawing as people have it: refused, explained, prepared, imported. The host's table has the
+# northing first.
+"$cli" convert samples/survey.dxf -o "$demo/survey.xml" || true
+"$cli" check samples/survey.dxf --encoding Windows-1251 || [ $? -eq 3 ]
+"$cli" prepare samples/survey.dxf --swap-xy -o "$demo/survey.dxf"
+import survey --operation "Объекты из DXF" --file "$demo/survey.dxf" "$@"

@@ -45,21 +45,6 @@ CheckOptions readCheckOptions(const QCommandLineParser& parser)
     return options;
 }
 
-/// The text of a document; what would steer a terminal is escaped, as controls below the space are
-/// in all JSON.
-QByteArray toText(const QJsonArray& reports)
-{
-    const QString text = QString::fromUtf8(QJsonDocument(reports).toJson());
-    QString escaped;
-    for (const QChar c : text) {
-        if (c != QLatin1Char('\n') && !c.isSurrogate() && isDeceptive(c.unicode()))
-            escaped += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
-        else
-            escaped += c;
-    }
-    return escaped.toUtf8();
-}
-
 void writeOut(const QByteArray& bytes)
 {
     OutputFile out(QStringLiteral("-"));
@@ -74,7 +59,7 @@ ExitStatus checkFile(const ImportTask& task, const CheckOptions& options)
     if (report.unreadable)
         printMessage(task.fileName(), report.messages.value(0).text);
     if (options.json)
-        writeOut(toText({ reportJson(report) }));
+        writeJson({ reportJson(report) });
     else if (!report.unreadable)
         writeOut(reportText(report).toLocal8Bit());
     if (report.unreadable)
@@ -114,7 +99,7 @@ ExitStatus checkFiles(const CheckOptions& options)
             found += result.exited() && result.status == Found ? 1 : 0;
         });
     if (options.json) {
-        writeOut(toText(mergeJson(outputs)));
+        writeJson(mergeJson(outputs));
     } else {
         QByteArray text;
         for (const QByteArray& output : qAsConst(outputs))

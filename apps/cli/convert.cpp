@@ -1,8 +1,12 @@
 #include "commands.h"
+#include "foreignfile.h"
 #include "geometry/designation.h"
 #include "importarguments.h"
 #include "jobs.h"
 #include "outputfile.h"
+#include "prepare/reporttext.h"
+#include "preparearguments.h"
+#include "preparefile.h"
 #include "resultwriter.h"
 #include "standardinput.h"
 #include "targets.h"
@@ -10,6 +14,9 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <optional>
 
 namespace {
 
@@ -20,7 +27,7 @@ const QString standardOutput = QStringLiteral("-");
 
 QList<QCommandLineOption> convertCommandLineOptions()
 {
-    return {
+    return QList<QCommandLineOption>{
         { { QStringLiteral("o"), QStringLiteral("output") },
             QStringLiteral("Куда записать результат; «-» или без параметра - стандартный вывод."),
             QStringLiteral("ФАЙЛ") },
@@ -44,7 +51,11 @@ QList<QCommandLineOption> convertCommandLineOptions()
         { QStringLiteral("object-column"),
             QStringLiteral("Столбец обозначения объекта, считая с 1; без параметра - 1."),
             QStringLiteral("ЧИСЛО"), QStringLiteral("1") },
-    };
+        { QStringLiteral("prepare"),
+            QStringLiteral("Сначала подготовить копию файла, как это делает prepare; с ним "
+                           "действуют и параметры подготовки, от --level до --scale.") },
+    }
+    + preparationOptions();
 }
 
 void readField(const QString& text, QMap<int, QString>& fields)
@@ -106,17 +117,38 @@ struct ConvertOptions {
     QVector<ImportTask> tasks;
     QStringList targets; ///< of the files, in their order
     ResultOptions result;
+    std::optional<prep::PrepareOptions> preparation; ///< none to read the files as they are
     bool partial = false;
     bool sort = false;
     int jobs = 1;
     QStringList forwarded; ///< the options that each process for one file gets
 };
 
+std::optional<prep::PrepareOptions> readPreparation(const QCommandLineParser& parser)
+{
+    if (parser.isSet(QStringLiteral("prepare"))) {
+        prep::PrepareOptions options = readPreparationOptions(parser);
+        if (options.fromEncoding.isEmpty())
+            options.fromEncoding = readCodec(parser, "encoding");
+        return options;
+    }
+    for (const QCommandLineOption& option : preparationOptions()) {
+        if (parser.isSet(option)) {
+            throw Failure{
+                WrongUsage,
+                QStringLiteral("--%1 действует только с --prepare").arg(option.names().constLast())
+            };
+        }
+    }
+    return {};
+}
+
 ConvertOptions readConvertOptions(const QCommandLineParser& parser)
 {
     ConvertOptions options;
     options.targets = readTargets(parser);
-    options.tasks = readImportTasks(parser);
+    options.preparation = readPreparation(parser);
+    options.tasks = readImportTasks(parser, options.preparation ? formatOfForeignFile : nullptr);
     checkTargets(options.tasks, options.targets);
     options.result = readResultOptions(parser);
     options.partial = parser.isSet(QStringLiteral("partial"));
@@ -138,28 +170,73 @@ void writeXml(
     out.commit();
 }
 
+/// Puts a prepared copy in the place of a file, and tells what that took. False when something was
+/// lost.
+bool prepareCopy(QString& fileName, const Format& format, const QString& copy,
+    const prep::PrepareOptions& options, QByteArray& encoding)
+{
+    const PrepareTask task{ fileName, &format, formatOfForeignFile(fileName) != nullptr, copy };
+    try {
+        const prep::PrepareReport report = prepareFile(task, options);
+        for (const QString& line : prep::noteLines(report))
+            printMessage(fileName, line);
+        fileName = copy;
+        encoding = report.encoding;
+        return !report.hasLosses();
+    } catch (const Failure& failure) {
+        throw Failure{ failure.status, fileName + QStringLiteral(": ") + failure.text };
+    }
+}
+
+/// Lets the import read prepared copies of its files. False when something was lost.
+bool prepareCopies(ImportTask& task, prep::PrepareOptions options, const QTemporaryDir& folder)
+{
+    const auto copy = [&](const char* name) {
+        return folder.filePath(QLatin1String(name) + task.format->suffix);
+    };
+    QByteArray& encoding = task.options.encoding;
+    bool isWhole =
+        prepareCopy(task.options.objectFileName, *task.format, copy("objects."), options, encoding);
+    if (!task.options.pointFileName.isEmpty()) {
+        // Both are read in one encoding.
+        options.encoding = encoding;
+        isWhole = prepareCopy(
+                      task.options.pointFileName, *task.format, copy("points."), options, encoding)
+            && isWhole;
+    }
+    return isWhole;
+}
+
 ExitStatus convertFile(const ConvertOptions& options)
 {
-    const ImportTask& task = options.tasks.first();
+    ImportTask task = options.tasks.first();
     const QString& target = options.targets.first();
+    const QString fileName = task.fileName();
     OutputFile::checkPlace(target);
-    spoolStandardInput(task.fileName());
+    spoolStandardInput(fileName);
+    std::optional<QTemporaryDir> folder;
+    const bool isWhole =
+        !options.preparation || prepareCopies(task, *options.preparation, folder.emplace());
     ImportRun import = runImport(*task.format, task.options);
     for (const ImportMessage& message : qAsConst(import.messages))
-        printMessage(task.fileName(), message.text);
+        printMessage(fileName, message.text);
     const bool failed = !import.messages.isEmpty();
     if (failed && !options.partial)
         return Failed;
     if (options.sort)
         sortObjects(import.objects);
     writeXml(target, import.objects, options.result);
-    return failed ? Failed : Done;
+    if (failed)
+        return Failed;
+    return isWhole ? Done : Found;
 }
 
 QString outcome(const JobResult& result, const QString& target)
 {
     if (!result.exited())
         return result.trouble(QStringLiteral("обработка"));
+    if (result.status == Found)
+        return QStringLiteral("записано в %1, не всё").arg(target);
     return result.status == Done ? QStringLiteral("записано в %1").arg(target)
                                  : QStringLiteral("с ошибками");
 }
@@ -175,18 +252,23 @@ ExitStatus convertFiles(const ConvertOptions& options)
                 QStringLiteral("--"), options.tasks.at(i).fileName() });
     }
     int failures = 0;
+    int lossy = 0;
     runJobs(
         argumentLists, options.jobs, [&](int index, const JobResult& result, Progress& progress) {
             progress.print(result.errors);
             progress.print(options.tasks.at(index).fileName() + QStringLiteral(": ")
                 + outcome(result, options.targets.at(index)));
-            failures += !result.exited() || result.status != Done ? 1 : 0;
+            const bool isLossy = result.exited() && result.status == Found;
+            lossy += isLossy ? 1 : 0;
+            failures += !isLossy && (!result.exited() || result.status != Done) ? 1 : 0;
         });
     printError(QStringLiteral("Всего файлов: %1, записано: %2, с ошибками: %3")
                    .arg(options.tasks.size())
                    .arg(options.tasks.size() - failures)
                    .arg(failures));
-    return failures == 0 ? Done : Failed;
+    if (failures > 0)
+        return Failed;
+    return lossy > 0 ? Found : Done;
 }
 
 ExitStatus runConvert(const QCommandLineParser& parser)

@@ -119,14 +119,16 @@ QList<QCommandLineOption> importCommandLineOptions()
     };
 }
 
-QVector<ImportTask> readImportTasks(const QCommandLineParser& parser)
+QVector<ImportTask> readImportTasks(
+    const QCommandLineParser& parser, const Format* (*formatOfOther)(const QString& fileName))
 {
     const Format* const format = readFormat(parser);
     const ImportOptions options = readOptions(parser);
     QVector<ImportTask> tasks;
     for (const QString& argument : parser.positionalArguments()) {
         const QString file = inputFileName(argument);
-        ImportTask task{ &findFormat(file, format), options };
+        const Format* const other = !format && formatOfOther ? formatOfOther(file) : nullptr;
+        ImportTask task{ other ? other : &findFormat(file, format), options };
         task.options.objectFileName = file;
         tasks.append(task);
     }

@@ -21,7 +21,9 @@ struct ImportTask {
 QList<QCommandLineOption> importCommandLineOptions();
 
 /// The files of the command line, in order, each with what the options say of all of them.
-QVector<ImportTask> readImportTasks(const QCommandLineParser& parser);
+/// `formatOfOther`, which may be null, tells the format of a file that is none of those known.
+QVector<ImportTask> readImportTasks(const QCommandLineParser& parser,
+    const Format* (*formatOfOther)(const QString& fileName) = nullptr);
 
 /// The option --columns, for the commands that know of the host's catalogue.
 QCommandLineOption columnsOption();

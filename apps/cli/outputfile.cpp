@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QSaveFile>
 
 #include <cerrno>
@@ -92,6 +94,21 @@ std::unique_ptr<QFileDevice> openOutput(const QString& fileName, bool replaced)
                                                                              : nullptr;
 }
 
+/// The text of a document; what would steer a terminal is escaped, as controls below the space are
+/// in all JSON.
+QByteArray textOf(const QJsonArray& answers)
+{
+    const QString text = QString::fromUtf8(QJsonDocument(answers).toJson());
+    QString escaped;
+    for (const QChar c : text) {
+        if (c != QLatin1Char('\n') && !c.isSurrogate() && isDeceptive(c.unicode()))
+            escaped += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+        else
+            escaped += c;
+    }
+    return escaped.toUtf8();
+}
+
 } // namespace
 
 OutputFile::OutputFile(const QString& fileName)
@@ -164,4 +181,11 @@ void OutputFile::writeThrough(const char* data, qint64 size)
     }
     if (m_error == 0 && m_file->write(data, size) != size)
         m_error = errno != 0 ? errno : EIO;
+}
+
+void writeJson(const QJsonArray& answers)
+{
+    OutputFile out(QStringLiteral("-"));
+    out.write(textOf(answers));
+    out.commit();
 }

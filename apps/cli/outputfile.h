@@ -8,6 +8,7 @@
 #include <optional>
 
 class QFileDevice;
+class QJsonArray;
 
 /// What a command writes: a file that appears whole or not at all, a device or a pipe as it is, or
 /// standard output for the name "-". Writes are gathered into large ones.
@@ -40,3 +41,6 @@ private:
     QByteArray m_buffer;
     int m_error = 0; ///< errno of the first write that failed
 };
+
+/// Writes a command's answer to standard output.
+void writeJson(const QJsonArray& answers);

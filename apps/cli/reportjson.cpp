@@ -1,5 +1,6 @@
 #include "reportjson.h"
 
+#include "survey/preparecalls.h"
 #include "survey/report.h"
 
 #include <QJsonArray>
@@ -15,7 +16,7 @@ QJsonObject toJson(const ReportMessage& message)
     return json;
 }
 
-QJsonObject toJson(const FoundCause& found)
+QJsonObject toJson(const FoundCause& found, const QString& importedFile)
 {
     QJsonObject json{ { QStringLiteral("id"), causeId(found.cause) },
         { QStringLiteral("file"), found.fileName }, { QStringLiteral("cause"), causeText(found) },
@@ -24,6 +25,9 @@ QJsonObject toJson(const FoundCause& found)
         json.insert(QStringLiteral("line"), found.line);
     if (found.count > 0)
         json.insert(QStringLiteral("count"), found.count);
+    const QString call = prepareCall(found, importedFile);
+    if (!call.isEmpty())
+        json.insert(QStringLiteral("prepare"), call);
     return json;
 }
 
@@ -85,7 +89,7 @@ QJsonObject reportJson(const Report& report)
     QJsonArray causes;
     for (const FileSurvey& survey : report.surveys) {
         for (const FoundCause& found : survey.causes)
-            causes.append(toJson(found));
+            causes.append(toJson(found, survey.fileName));
     }
     const auto asJson = [](const auto& item) { return toJson(item); };
     return { { QStringLiteral("file"), report.fileName },

@@ -1,6 +1,7 @@
 #include "reporttext.h"
 
 #include "console.h"
+#include "survey/preparecalls.h"
 #include "survey/report.h"
 
 namespace {
@@ -81,6 +82,9 @@ private:
         for (const FoundCause& found : survey.causes) {
             addAt(found.fileName, found.line, QStringLiteral("причина: ") + causeText(found));
             addAt(found.fileName, found.line, QStringLiteral("что делать: ") + remedyText(found));
+            const QString call = prepareCall(found, survey.fileName);
+            if (!call.isEmpty())
+                addAt(found.fileName, found.line, QStringLiteral("исправит копию: ") + call);
         }
     }
 

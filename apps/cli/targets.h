@@ -4,6 +4,15 @@
 
 #include <QStringList>
 
-/// Refuses results that would take the place of one another or of a file that is read; `targets`
-/// holds the result of each task, or one for all of them.
+/// What is read for a result, and what is written.
+struct TargetClaim {
+    QString fileName; ///< the file of the command line
+    QStringList sources;
+    QStringList targets;
+};
+
+/// Refuses results that would take the place of one another or of a file that is read.
+void checkTargets(const QVector<TargetClaim>& claims);
+
+/// The same for imports; `targets` holds the result of each task, or one for all of them.
 void checkTargets(const QVector<ImportTask>& tasks, const QStringList& targets);

@@ -108,9 +108,9 @@ ImportRun runImport(const Format& format, const ImportOptions& options)
     ImportRun run;
     Recorder recorder(run);
     for (const QString& file : filesOf(format, options)) {
-        if (const char* const kind = pipeOrDevice(file)) {
-            recorder.addMessage(QStringLiteral("Ошибка открытия файла %1: это %2")
-                                    .arg(QDir::toNativeSeparators(file), QString::fromUtf8(kind)));
+        const QString trouble = pipeOrDeviceTrouble(file);
+        if (!trouble.isEmpty()) {
+            recorder.addMessage(trouble);
             return run;
         }
     }
@@ -128,6 +128,15 @@ ImportRun runImport(const Format& format, const ImportOptions& options)
     if (recorder.pass() == ImportPass::Points)
         run.pointsRead = {};
     return run;
+}
+
+QString pipeOrDeviceTrouble(const QString& fileName)
+{
+    const char* const kind = pipeOrDevice(fileName);
+    if (!kind)
+        return {};
+    return QStringLiteral("Ошибка открытия файла %1: это %2")
+        .arg(QDir::toNativeSeparators(fileName), QString::fromUtf8(kind));
 }
 
 QStringList filesOf(const Format& format, const ImportOptions& options)

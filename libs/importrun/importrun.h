@@ -51,5 +51,9 @@ struct ImportRun {
 /// start.
 ImportRun runImport(const Format& format, const ImportOptions& options);
 
+/// Why a name cannot be read from more than once, because it is that of a pipe or a device; empty
+/// where it is another one's.
+QString pipeOrDeviceTrouble(const QString& fileName);
+
 /// The names of all files that an import may open, whether they are there or not.
 QStringList filesOf(const Format& format, const ImportOptions& options);

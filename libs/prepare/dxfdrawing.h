@@ -43,8 +43,6 @@ public:
     const DxfLayer* layer(std::string_view name) const;
     const DxfBlock* block(std::string_view name) const;
 
-    bool hasSections() const { return m_hasSections; }
-    bool hasEntities() const { return !m_entitySections.empty(); }
     /// What was passed over while reading.
     const DxfPairCursor& cursor() const { return m_records.cursor(); }
 

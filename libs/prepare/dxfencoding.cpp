@@ -19,6 +19,12 @@ QByteArray codecOfCodePage(const QString& codePage)
     return name.startsWith("dos") ? "IBM" + name.mid(3) : QByteArray();
 }
 
+void readVersion(std::string_view version, DxfEncoding& encoding)
+{
+    encoding.isUtf8 = version >= "AC1021";
+    encoding.hasEscapes = version > "AC1009";
+}
+
 } // namespace
 
 DxfEncoding declaredEncoding(std::string_view bytes)
@@ -34,7 +40,7 @@ DxfEncoding declaredEncoding(std::string_view bytes)
             encoding.codePage =
                 QString::fromLatin1(pair.text().data(), static_cast<int>(pair.text().size()));
         else if (variable == "$ACADVER" && pair.code == 1)
-            encoding.isUtf8 = pair.text() >= "AC1021";
+            readVersion(pair.text(), encoding);
     }
     const QByteArray codec = codecOfCodePage(encoding.codePage);
     if (QTextCodec::codecForName(codec))

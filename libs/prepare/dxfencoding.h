@@ -11,6 +11,7 @@ namespace prep {
 struct DxfEncoding {
     QString codePage; ///< as the header writes it; empty when it does not
     QByteArray codec; ///< the name of the codec for it; empty for an unknown one
+    bool hasEscapes = true; ///< a text may hold \U+XXXX; not so up to Release 12
     bool isUtf8 = false; ///< drawings of Release 2007 and later are, whatever the code page says
 };
 

@@ -39,6 +39,9 @@ struct PathVertex {
 struct PathShape {
     std::vector<PathVertex> vertices;
     bool closed = false;
+    /// Whether it is told closed or open, and how many vertices it has, in the form that the
+    /// readers of the import take.
+    bool isTold = true;
 };
 
 /// ARC, CIRCLE, ELLIPSE: the points centre + first * cos t + second * sin t.

@@ -56,18 +56,52 @@ Reason readLine(DxfRecords& records, Entity& entity)
 
 // Polylines
 
+/// The number of vertices and the flag of a LWPOLYLINE: the readers need them once, and before the
+/// first vertex.
+class LwpolylineForm {
+public:
+    void take(const DxfPair& pair, bool isBeforeVertices)
+    {
+        if (pair.code != 90 && pair.code != 70)
+            return;
+        m_late = m_late || !isBeforeVertices;
+        if (pair.code == 70) {
+            m_flagged = true;
+            return;
+        }
+        m_counts += 1;
+        m_count = pair.text();
+    }
+    bool isTold(const PathShape& shape) const
+    {
+        return !m_late && m_counts == 1 && (m_flagged || !shape.closed)
+            && m_count == std::to_string(shape.vertices.size());
+    }
+
+private:
+    std::string_view m_count;
+    int m_counts = 0;
+    bool m_flagged = false;
+    bool m_late = false;
+};
+
 Reason readLwpolyline(DxfRecords& records, Entity& entity)
 {
     DxfFields fields;
     PathShape shape;
+    LwpolylineForm form;
     bool bad = false;
     int coordinates = 0;
+    int lastCode = 0; ///< of a coordinate
     DxfPair pair;
     while (records.pair(pair)) {
         if (pair.code == 10 || pair.code == 20) {
             // A pair of coordinates makes a vertex, whichever of them comes first.
-            if (coordinates++ % 2 == 0)
+            const bool isFirst = coordinates++ % 2 == 0;
+            if (isFirst)
                 shape.vertices.emplace_back();
+            bad = bad || (!isFirst && pair.code == lastCode);
+            lastCode = pair.code;
             const auto coordinate = toCoordinate(pair.value);
             bad = bad || !coordinate;
             Place& place = shape.vertices.back().place;
@@ -75,6 +109,7 @@ Reason readLwpolyline(DxfRecords& records, Entity& entity)
         } else if (pair.code == 42 && !shape.vertices.empty()) {
             shape.vertices.back().bulge = toBulge(pair.value);
         } else {
+            form.take(pair, shape.vertices.empty());
             fields.take(pair);
         }
     }
@@ -83,6 +118,7 @@ Reason readLwpolyline(DxfRecords& records, Entity& entity)
     for (PathVertex& vertex : shape.vertices)
         vertex.place.z = elevation;
     shape.closed = (fields.whole(70) & 1) != 0;
+    shape.isTold = form.isTold(shape);
     bad = bad || coordinates % 2 != 0 || shape.vertices.size() < 2;
     const Reason reason = finish(fields, entity, std::move(shape));
     return reason ? reason : badIf(bad);
@@ -100,16 +136,19 @@ bool readVertices(DxfRecords& records, bool isFitted, PathShape& shape)
             return good;
         if (records.type() != "VERTEX") {
             records.unread();
-            return good;
+            break;
         }
         DxfFields fields;
         fields.readAll(records);
+        // The readers take a flag of any vertex for that of the polyline.
+        shape.isTold = shape.isTold && (shape.closed || fields.text(70) != "1");
         if (isFitted && (fields.whole(70) & splineFrameVertex) != 0)
             continue;
         shape.vertices.push_back(
             { fields.place(10), fields.has(42) ? toBulge(fields.text(42)) : 0 });
         good = good && !fields.isBad();
     }
+    shape.isTold = false;
     return good;
 }
 
@@ -119,6 +158,7 @@ Reason readPolyline(DxfRecords& records, Entity& entity)
     const int flags = fields.whole(70);
     PathShape shape;
     shape.closed = (flags & Closed) != 0;
+    shape.isTold = !shape.closed || fields.text(70) == "1";
     const bool good = readVertices(records, (flags & SplineFit) != 0, shape);
     if ((flags & (PolygonMesh | PolyfaceMesh)) != 0)
         return fields.isInPaperSpace() ? Note::PaperSpace : Note::Mesh;

@@ -12,6 +12,11 @@ constexpr int layerCode = 8;
 constexpr int embeddedObjectCode = 101;
 constexpr int extrusionCode = 210;
 
+bool isCoordinate(int code)
+{
+    return code == 10 || code == 11 || code == 20 || code == 21;
+}
+
 } // namespace
 
 std::optional<Coordinate> toCoordinate(std::string_view value)
@@ -42,8 +47,11 @@ void DxfFields::take(const DxfPair& pair)
     if (pair.code == embeddedObjectCode) {
         m_embedded = true;
     } else if (pair.code >= 0 && pair.code < static_cast<int>(codeCount)) {
+        std::string_view& value = m_values[static_cast<size_t>(pair.code)];
+        // The readers stop at a bad coordinate even where a better one follows.
+        m_bad = m_bad || (value.data() && isCoordinate(pair.code) && !toNumber(trimmed(value)));
         // An empty value, too, must be told from none.
-        m_values[static_cast<size_t>(pair.code)] = pair.value.data() ? pair.value : "";
+        value = pair.value.data() ? pair.value : "";
         m_paperSpace = m_paperSpace || (pair.code == 67 && pair.text() == "1");
     } else if (pair.code == extrusionCode || pair.code == extrusionCode + 10
         || pair.code == extrusionCode + 20) {

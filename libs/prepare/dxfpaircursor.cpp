@@ -1,15 +1,11 @@
 #include "prepare/dxfpaircursor.h"
 
-#include "prepare/plainnumber.h"
-
 #include <algorithm>
 #include <optional>
 
 namespace prep {
 
 namespace {
-
-constexpr int commentCode = 999;
 
 /// The group code on a line, which is nearly always one to four digits.
 std::optional<int> codeOf(std::string_view line)
@@ -22,11 +18,6 @@ std::optional<int> codeOf(std::string_view line)
 
 } // namespace
 
-std::string_view DxfPair::text() const
-{
-    return trimmed(value);
-}
-
 std::string_view DxfPairCursor::line()
 {
     const std::string_view rest = m_bytes.substr(m_position);
@@ -36,7 +27,7 @@ std::string_view DxfPairCursor::line()
     return rest.substr(0, hasReturn ? length - 1 : length);
 }
 
-bool DxfPairCursor::next(DxfPair& pair)
+bool DxfPairCursor::takeAny(DxfPair& pair)
 {
     while (m_position < m_bytes.size()) {
         const std::string_view codeLine = line();

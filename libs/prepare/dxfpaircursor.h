@@ -1,7 +1,10 @@
 #pragma once
 
+#include "prepare/plainnumber.h"
+
 #include <QtGlobal>
 
+#include <cstring>
 #include <string_view>
 
 namespace prep {
@@ -12,7 +15,7 @@ struct DxfPair {
     std::string_view value;
 
     /// The value as the readers compare it.
-    std::string_view text() const;
+    std::string_view text() const { return trimmed(value); }
 };
 
 /// Walks the pairs of an ASCII drawing, and passes over what is no pair: comments (code 999), blank
@@ -27,7 +30,7 @@ public:
     }
 
     /// Reads the next pair. False at the end; an unfinished last pair does not count as one.
-    bool next(DxfPair& pair);
+    bool next(DxfPair& pair) { return takePlain(pair) || takeAny(pair); }
 
     /// Where the pair begins that next() would read, for another cursor over the same bytes.
     size_t position() const { return m_position; }
@@ -39,6 +42,10 @@ public:
     qint64 strayLines() const { return m_strayLines; }
 
 private:
+    static constexpr int commentCode = 999;
+
+    bool takePlain(DxfPair& pair);
+    bool takeAny(DxfPair& pair);
     std::string_view line();
 
     std::string_view m_bytes;
@@ -47,5 +54,34 @@ private:
     qint64 m_blankLines = 0;
     qint64 m_strayLines = 0;
 };
+
+/// Nearly all pairs are a code of one to four digits, with nothing but spaces before it, and a
+/// line. Takes one of these; false for anything else, which takeAny() then takes.
+inline bool DxfPairCursor::takePlain(DxfPair& pair)
+{
+    constexpr int mostDigits = 4;
+    const char* const end = m_bytes.data() + m_bytes.size();
+    const char* at = m_bytes.data() + m_position;
+    while (at != end && *at == ' ')
+        ++at;
+    const char* const digits = at;
+    int code = 0;
+    for (; at != end && *at >= '0' && *at <= '9' && at - digits < mostDigits; ++at)
+        code = code * 10 + (*at - '0');
+    if (at == digits || code == commentCode)
+        return false;
+    if (at != end && *at == '\r')
+        ++at;
+    if (at == end || *at != '\n' || ++at == end)
+        return false;
+    const auto left = static_cast<size_t>(end - at);
+    const auto* const lineEnd = static_cast<const char*>(std::memchr(at, '\n', left));
+    const size_t length = lineEnd ? static_cast<size_t>(lineEnd - at) : left;
+    const bool hasReturn = lineEnd && length > 0 && at[length - 1] == '\r';
+    pair.code = code;
+    pair.value = { at, length - (hasReturn ? 1 : 0) };
+    m_position = static_cast<size_t>(at - m_bytes.data()) + length + (lineEnd ? 1 : 0);
+    return true;
+}
 
 } // namespace prep

@@ -23,6 +23,7 @@ class DxfRepair {
 public:
     DxfRepair(std::string_view bytes, QIODevice& out, PrepareReport& report)
         : m_records(bytes)
+        , m_again(bytes)
         , m_out(out)
         , m_report(report)
     {
@@ -30,12 +31,15 @@ public:
 
     void run()
     {
-        while (m_records.next())
+        while (m_records.next()) {
             takeRecord();
+            m_out.settle();
+        }
         endSection();
         m_out.pair(0, "EOF");
         m_out.flush();
         m_report.note(Note::EofAdded, m_hasEof ? 0 : 1);
+        m_report.notePassedOver(m_records.cursor());
     }
 
 private:
@@ -118,46 +122,53 @@ private:
 
     // Entities
 
+    /// Writes an entity as it is read, and takes it back where that will not do.
     void takeEntity()
     {
         const std::string_view type = m_records.type();
-        const size_t start = m_records.position();
+        const size_t position = m_records.position();
+        const size_t written = m_out.size();
+        m_out.pair(0, type);
+        m_records.echoTo(&m_out);
         const std::optional<Note> reason = readEntity(m_records, m_entity);
-        const bool atEnd = !m_records.next();
-        const size_t end = atEnd ? std::string_view::npos : m_records.position();
-        const bool misread = reason == Note::PaperSpace || reason == Note::Mesh
-            || (reason == Note::Incomplete && isReadKind(type));
-        if (misread) {
+        m_records.passPairs();
+        m_records.echoTo(nullptr);
+        if (isMisread(type, reason)) {
+            m_out.takeBack(written);
             m_report.drop(type, *reason);
-        } else {
-            m_records.moveTo(start);
-            m_changed = false;
-            copyEntity(type, end);
-            m_report.write(type, m_changed);
-        }
-        if (atEnd)
             return;
-        m_records.moveTo(end);
+        }
+        const auto* const path = std::get_if<PathShape>(&m_entity.shape);
+        m_changed = false;
+        if (path && !path->isTold) {
+            m_out.takeBack(written);
+            copyPath(*path, position);
+        }
+        m_report.write(type, m_changed);
     }
 
-    /// Copies the records of an entity, which end where the record at `end` begins.
-    void copyEntity(std::string_view type, size_t end)
+    static bool isMisread(std::string_view type, const std::optional<Note>& reason)
     {
-        m_records.next();
-        if (type == "LWPOLYLINE") {
-            copyLwpolyline(std::get<PathShape>(m_entity.shape));
+        return reason == Note::PaperSpace || reason == Note::Mesh
+            || (reason == Note::Incomplete && isReadKind(type));
+    }
+
+    /// Copies the records of a polyline, from that at `position` to the next entity.
+    void copyPath(const PathShape& path, size_t position)
+    {
+        const size_t end = m_records.nextPosition();
+        m_again.moveTo(position);
+        m_again.next();
+        if (m_again.type() == "LWPOLYLINE") {
+            copyLwpolyline(path);
             return;
         }
-        const bool isPolyline = type == "POLYLINE";
         bool ended = false;
         do {
-            ended = m_records.type() == "SEQEND";
-            if (isPolyline && !ended)
-                copyPolylineRecord(std::get<PathShape>(m_entity.shape).closed);
-            else
-                copyRecord();
-        } while (m_records.next() && m_records.position() < end);
-        if (isPolyline && !ended) {
+            ended = m_again.type() == "SEQEND";
+            copyPolylineRecord(path.closed);
+        } while (m_again.next() && m_again.position() < end);
+        if (!ended) {
             m_out.pair(0, "SEQEND");
             mend(Note::SeqendAdded);
         }
@@ -172,10 +183,10 @@ private:
     /// The readers take a POLYLINE for closed when any flag in it is the text 1, and only then.
     void copyPolylineRecord(bool closed)
     {
-        const bool isVertex = m_records.type() == "VERTEX";
-        m_out.pair(0, m_records.type());
+        const bool isVertex = m_again.type() == "VERTEX";
+        m_out.pair(0, m_again.type());
         DxfPair pair;
-        while (m_records.pair(pair)) {
+        while (m_again.pair(pair)) {
             const bool isOne = pair.text() == "1";
             if (pair.code != 70 || (isVertex ? !isOne || closed : !closed || isOne)) {
                 m_out.pair(pair.code, pair.value);
@@ -191,12 +202,12 @@ private:
     void copyLwpolyline(const PathShape& shape)
     {
         const std::string count = std::to_string(shape.vertices.size());
-        m_out.pair(0, m_records.type());
+        m_out.pair(0, m_again.type());
         bool counted = false;
         bool flagged = !shape.closed;
         bool hasVertex = false;
         DxfPair pair;
-        while (m_records.pair(pair)) {
+        while (m_again.pair(pair)) {
             const bool isCount = pair.code == 90;
             const bool isFlag = pair.code == 70;
             if ((pair.code == 10 || pair.code == 20) && !hasVertex) {
@@ -224,6 +235,7 @@ private:
     }
 
     DxfRecords m_records;
+    DxfRecords m_again; ///< for what must be read twice
     PairWriter m_out;
     PrepareReport& m_report;
     Entity m_entity;

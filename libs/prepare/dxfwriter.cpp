@@ -62,6 +62,7 @@ void DxfWriter::place(int xCode, const FlatVertex& vertex)
 
 void DxfWriter::start(std::string_view type, std::string_view layer)
 {
+    m_out.settle();
     m_out.pair(0, type);
     m_out.pair(8, layer);
 }

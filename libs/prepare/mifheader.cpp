@@ -23,6 +23,13 @@ bool isWord(std::string_view word, const char* lower)
     return QByteArray::fromRawData(word.data(), static_cast<int>(word.size())).toLower() == lower;
 }
 
+/// Whether the readers take a text for one word, in any encoding.
+bool isPlainWord(std::string_view text)
+{
+    return !text.empty()
+        && std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c < '\x7F'; });
+}
+
 /// The numbers of a line, parted by commas or blanks; none where one of them is none.
 std::optional<std::array<double, 4>> fourNumbers(std::string_view text)
 {
@@ -124,8 +131,7 @@ bool MifHeader::isReadable() const
         return false;
     for (size_t i = 0; i < 3; ++i) {
         const std::string_view value = behindWord(m_firstLines[i]);
-        if (!isWord(wordOf(m_firstLines[i]), words[i]) || value.empty()
-            || value.find_first_of(" \t") != std::string_view::npos)
+        if (!isWord(wordOf(m_firstLines[i]), words[i]) || !isPlainWord(value))
             return false;
     }
     return true;
@@ -134,11 +140,10 @@ bool MifHeader::isReadable() const
 std::string MifHeader::text(char delimiter, const QByteArray& charset, bool withTransform) const
 {
     // The readers take no value with blanks in it.
-    const bool keepsCharset =
-        charset.isEmpty() && m_charset.find_first_of(" \t") == std::string_view::npos;
+    const bool keepsCharset = charset.isEmpty() && isPlainWord(m_charset);
     std::string text = "Version ";
-    text.append(m_version.empty() ? "300" : m_version).append("\nCharset ");
-    text.append(keepsCharset && !m_charset.empty() ? m_charset : "\"Neutral\"");
+    text.append(isPlainWord(m_version) ? m_version : "300").append("\nCharset ");
+    text.append(keepsCharset ? m_charset : "\"Neutral\"");
     if (!charset.isEmpty()) {
         text.erase(text.rfind(' ') + 1);
         text.append("\"" + charset.toStdString() + "\"");

@@ -6,15 +6,6 @@
 
 namespace prep {
 
-std::string_view trimmed(std::string_view text)
-{
-    constexpr std::string_view space = " \t\r\n\v\f";
-    const size_t first = text.find_first_not_of(space);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(space) - first + 1);
-}
-
 template <typename Number>
 static std::optional<Number> converted(std::string_view text)
 {

@@ -7,7 +7,15 @@
 namespace prep {
 
 /// `text` without white space around it.
-std::string_view trimmed(std::string_view text);
+inline std::string_view trimmed(std::string_view text)
+{
+    constexpr auto isSpace = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+    while (!text.empty() && isSpace(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isSpace(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
 
 /// The finite number that a trimmed text holds, in a form that the readers take. None for anything
 /// else: a decimal comma, "inf", a number with something behind it.

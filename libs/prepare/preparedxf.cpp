@@ -14,23 +14,33 @@ namespace prep {
 
 namespace {
 
-void notePassedOver(const DxfPairCursor& cursor, PrepareReport& report)
+/// Whether there is anything to a drawing but ends.
+bool isDrawing(std::string_view bytes)
 {
-    report.note(Note::Comments, cursor.comments());
-    report.note(Note::BlankLines, cursor.blankLines());
-    report.note(Note::StrayLines, cursor.strayLines());
+    DxfRecords records(bytes);
+    while (records.next()) {
+        if (records.type() != "ENDSEC" && records.type() != "EOF")
+            return true;
+    }
+    return false;
 }
 
 /// What nothing but ASCII is taken for: what the header says, unless the drawing holds characters
 /// that it writes as \U+XXXX because its code page has not got them.
 QByteArray codecOfAscii(const QByteArray& bytes, const DxfEncoding& declared)
 {
-    return declared.isUtf8 || bytes.contains("\\U+") ? QByteArray() : declared.codec;
+    if (declared.isUtf8)
+        return {};
+    const bool isEscaped =
+        declared.hasEscapes && view(bytes).find("\\U+") != std::string_view::npos;
+    return isEscaped ? QByteArray() : declared.codec;
 }
 
-void flattenDxf(const SourceText& text, const DxfDrawing& drawing, const PrepareOptions& options,
-    QIODevice& out, PrepareReport& report)
+void flattenDxf(
+    const SourceText& text, const PrepareOptions& options, QIODevice& out, PrepareReport& report)
 {
+    const DxfDrawing drawing(view(text.bytes));
+    report.notePassedOver(drawing.cursor());
     DxfWriter writer(out, text.codec->name(), report);
     ContourJoiner joiner(options.join.value_or(0), writer, report);
     FlatSink& sink = options.join ? static_cast<FlatSink&>(joiner) : writer;
@@ -55,16 +65,14 @@ bool prepareDxf(
     report.declaredEncoding = declared.codePage;
     const SourceText text = sourceText(bytes, options, codecOfAscii(bytes, declared), report);
     bytes.clear();
-    const DxfDrawing drawing(view(text.bytes));
-    if (!drawing.hasSections() && !drawing.hasEntities()) {
+    if (!isDrawing(view(text.bytes))) {
         report.failure = QStringLiteral("это не чертёж DXF");
         return false;
     }
-    notePassedOver(drawing.cursor(), report);
     if (options.level == Level::Repair)
         repairDxf(view(text.bytes), out, report);
     else
-        flattenDxf(text, drawing, options, out, report);
+        flattenDxf(text, options, out, report);
     return true;
 }
 

@@ -56,8 +56,10 @@ public:
         const MidRows rows(m_mid, delimiter, header.columnCount(), countObjects(reader));
         if (!findNameField(header))
             return false;
-        const bool splits = delimiter == '\t' || delimiter == ' ' || m_nameField > 0;
-        m_report.note(Note::MifDelimiter, delimiter == '\t' || delimiter == ' ' ? 1 : 0);
+        // The readers take a mark for a delimiter, but nothing that looks like a space.
+        const bool isMark = delimiter > ' ' && delimiter < '\x7F';
+        const bool splits = !isMark || m_nameField > 0;
+        m_report.note(Note::MifDelimiter, isMark ? 0 : 1);
         m_report.note(Note::MifHeader, header.isReadable() ? 0 : 1);
         m_report.note(Note::MidMade, hasMid ? 0 : 1);
         header.addColumnIfNone();

@@ -1,5 +1,7 @@
 #include "prepare/preparereport.h"
 
+#include "prepare/dxfpaircursor.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -15,6 +17,7 @@ struct NoteRow {
 };
 
 constexpr NoteRow rows[] = {
+    { Note::Converted, Effect::Mended, "converted", "файл переведён в MIF программой ogr2ogr" },
     { Note::Binary, Effect::Mended, "binary", "двоичный чертёж записан текстом" },
     { Note::Comments, Effect::Mended, "comments", "убраны комментарии (код 999)" },
     { Note::BlankLines, Effect::Mended, "blank-lines", "убраны пустые строки" },
@@ -109,6 +112,13 @@ QString noteId(Note note)
 QString noteText(Note note)
 {
     return QString::fromUtf8(rowOf(note).text);
+}
+
+void PrepareReport::notePassedOver(const DxfPairCursor& cursor)
+{
+    note(Note::Comments, cursor.comments());
+    note(Note::BlankLines, cursor.blankLines());
+    note(Note::StrayLines, cursor.strayLines());
 }
 
 void PrepareReport::drop(std::string_view kind, Note reason, qint64 count)

@@ -10,9 +10,12 @@
 
 namespace prep {
 
+class DxfPairCursor;
+
 /// What was done to a file, or to a part of it.
 enum class Note {
     // Mended without loss.
+    Converted,
     Binary,
     Comments,
     BlankLines,
@@ -108,6 +111,8 @@ public:
         if (count > 0)
             m_notes[note] += count;
     }
+    /// What a cursor over a drawing has passed over.
+    void notePassedOver(const DxfPairCursor& cursor);
     /// An entity was written; `changed` as something else than stood in the file.
     void write(std::string_view kind, bool changed)
     {

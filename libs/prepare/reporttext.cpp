@@ -48,6 +48,15 @@ QString encodingLine(const PrepareReport& report)
 
 } // namespace
 
+QStringList noteLines(const PrepareReport& report)
+{
+    QStringList lines;
+    for (const auto& [note, count] : report.notes())
+        lines.append(
+            QStringLiteral("%1: %2: %3").arg(nameOf(effectOf(note)), noteText(note)).arg(count));
+    return lines;
+}
+
 QStringList reportLines(const PrepareReport& report, const QString& target)
 {
     if (!report.failure.isEmpty())
@@ -68,10 +77,7 @@ QStringList reportLines(const PrepareReport& report, const QString& target)
                          .arg(block->asPoint ? QStringLiteral("записаны точками")
                                              : QStringLiteral("разбиты на части")));
     }
-    for (const auto& [note, count] : report.notes())
-        lines.append(
-            QStringLiteral("%1: %2: %3").arg(nameOf(effectOf(note)), noteText(note)).arg(count));
-    return lines;
+    return lines + noteLines(report);
 }
 
 QJsonObject reportJson(const PrepareReport& report, const QString& fileName, const QString& target)

@@ -1,5 +1,8 @@
 #include "survey/encodingguess.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace {
 
 using Byte = unsigned char;
@@ -32,6 +35,22 @@ bool isAmongLatin(char before, char after)
     return !isHigh(before) && !isHigh(after) && (isLatinLetter(before) || isLatinLetter(after));
 }
 
+/// How many ASCII characters the bytes begin with.
+size_t asciiLength(std::string_view bytes)
+{
+    constexpr quint64 highBits = 0x8080808080808080;
+    size_t length = 0;
+    quint64 word = 0;
+    for (; length + sizeof(word) <= bytes.size(); length += sizeof(word)) {
+        std::memcpy(&word, bytes.data() + length, sizeof(word));
+        if ((word & highBits) != 0)
+            break;
+    }
+    while (length < bytes.size() && !isHigh(bytes[length]))
+        ++length;
+    return length;
+}
+
 /// Whether a text may hold a character of this number: no control, but for white space and the mark
 /// of the end.
 bool isOfText(unsigned character)
@@ -59,13 +78,25 @@ bool isUtf16(std::string_view start, size_t high)
 
 void EncodingGuess::add(std::string_view bytes)
 {
-    for (const char byte : bytes) {
-        if (isHigh(m_last))
-            countHighByte(m_before, m_last, byte);
-        followSequence(byte);
-        m_before = m_last;
-        m_last = byte;
+    while (!bytes.empty()) {
+        // Most bytes are ASCII, and stand behind others.
+        const bool isAmongAscii = m_continuations == 0 && !isHigh(m_last);
+        const size_t ascii = isAmongAscii ? asciiLength(bytes) : 0;
+        if (ascii == 0)
+            take(bytes[0]);
+        else
+            m_before = ascii > 1 ? bytes[ascii - 2] : m_last;
+        m_last = bytes[std::max<size_t>(ascii, 1) - 1];
+        bytes.remove_prefix(std::max<size_t>(ascii, 1));
     }
+}
+
+void EncodingGuess::take(char byte)
+{
+    if (isHigh(m_last))
+        countHighByte(m_before, m_last, byte);
+    followSequence(byte);
+    m_before = m_last;
 }
 
 void EncodingGuess::followSequence(char byte)

@@ -21,6 +21,7 @@ public:
     QByteArray codecName() const;
 
 private:
+    void take(char byte);
     void followSequence(char byte);
     void countHighByte(char before, char last, char after);
 

@@ -37,6 +37,10 @@ public:
     /// The point nearest to (x, y) if it coincides with that place, else null. The pointer holds
     /// until the next change of the catalogue.
     const DefPoint* findCoincident(double x, double y);
+    /// Has the memory fetched that findCoincident() will look at first; a moment later
+    /// expectPoint() does so with the points that are there. Neither changes an answer.
+    void expect(double x, double y) const { m_cells.expect(x, y); }
+    void expectPoint(double x, double y) const { m_cells.expectPoint(m_points.constData(), x, y); }
     /// Adds a point that later searches find. To be called on an arranged catalogue.
     void insert(DefPoint point);
 

@@ -27,6 +27,22 @@ public:
     /// places. False, and nothing is held for sure, when too many share one of the smallest cells.
     bool add(const QVector<DefPoint>& points, int end);
 
+    /// Has the memory fetched where the cell of a place is looked up, and with expectPoint() that
+    /// of its first point among `points`.
+    void expect(double x, double y) const
+    {
+        if (!m_slots.empty())
+            __builtin_prefetch(&m_slots[firstSlot(x, y)]);
+    }
+    void expectPoint(const DefPoint* points, double x, double y) const
+    {
+        if (m_slots.empty())
+            return;
+        const int head = m_slots[firstSlot(x, y)].head;
+        if (head >= 0)
+            __builtin_prefetch(points + head);
+    }
+
     /// Calls `visit` with the index of each point within reach of (x, y), and with some others.
     template <typename Visit>
     void visitNear(double x, double y, Visit visit) const
@@ -81,6 +97,12 @@ private:
     /// The part of a hash that tells cells in the same neighbourhood of the table apart; two that
     /// share it only share their chain.
     static quint32 tagOf(quint64 hash) { return static_cast<quint32>(hash >> 40); }
+    size_t firstSlot(double x, double y) const
+    {
+        const quint64 cellX = cellCoordinate(x, m_cellsPerUnit);
+        const quint64 cellY = cellCoordinate(y, m_cellsPerUnit);
+        return static_cast<size_t>(hashOf(cellX, cellY)) & (m_slots.size() - 1);
+    }
     size_t slotOf(quint64 hash) const;
     bool isHalfFull() const { return m_usedSlots * 2 >= m_slots.size(); }
     int& next(int index) { return m_next[static_cast<size_t>(index - m_first)]; }

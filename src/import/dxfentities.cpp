@@ -183,6 +183,7 @@ bool DxfImport::readLwpolyline()
 
 bool DxfImport::closeContour()
 {
+    nameVertices();
     QVector<DefPoint>& contour = map->last().contours.last();
     if (contour.size() < 2)
         return false;

@@ -76,6 +76,7 @@ bool DxfImport::loadPolygon(QLatin1String kind, EntityReceiver read)
     m_closed = false;
     startEntity(kind);
     const bool complete = (this->*read)();
+    nameVertices();
     if (complete) {
         endEntity();
         updateLastPolygonDef();

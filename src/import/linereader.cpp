@@ -56,8 +56,9 @@ const char16_t* findLineFeed(const char16_t* begin, const char16_t* end)
     return std::find(begin, end, u'\n');
 }
 
-/// Whether a text in the encoding is one character a byte, and ASCII where the byte is.
-bool isSingleByte(const QTextCodec& codec)
+/// Finds the characters of all bytes in an encoding in which a text is one character a byte, and
+/// ASCII where the byte is. False for other encodings.
+bool readByteTable(const QTextCodec& codec, std::array<QChar, 256>& table)
 {
     QByteArray bytes;
     for (int i = 0; i < 256; ++i) {
@@ -68,8 +69,12 @@ bool isSingleByte(const QTextCodec& codec)
     const QString text = codec.toUnicode(bytes.constData(), bytes.size(), &state);
     if (text.size() != bytes.size() || state.remainingChars != 0)
         return false;
+    for (int i = 0; i < bytes.size(); i += bytes.size() / 256)
+        table[static_cast<unsigned char>(bytes.at(i))] = text.at(i);
     for (int i = 0; i < bytes.size(); ++i) {
-        if (!isHigh(bytes.at(i)) && text.at(i) != QLatin1Char(bytes.at(i)))
+        const QChar character = table[static_cast<unsigned char>(bytes.at(i))];
+        if (text.at(i) != character
+            || (!isHigh(bytes.at(i)) && character != QLatin1Char(bytes.at(i))))
             return false;
     }
     return true;
@@ -94,6 +99,19 @@ TextView LineReader::Line::view() const
 {
     return isDecoded ? TextView(QStringView(characters))
                      : TextView(bytes.constData(), bytes.size());
+}
+
+/// Keeps the memory for the next line, unless this one was far longer than lines are.
+void LineReader::Line::clear()
+{
+    constexpr int usualSize = 256;
+    if (characters.capacity() != usualSize) {
+        characters = QString();
+        characters.reserve(usualSize);
+    }
+    characters.resize(0);
+    bytes.clear();
+    isDecoded = false;
 }
 
 bool LineReader::open(const QString& fileName, QTextCodec* codec)
@@ -238,10 +256,25 @@ void LineReader::append(TextView piece, bool endsLine)
         line.bytes.append(ascii.ascii(), static_cast<int>(ascii.size()));
         return;
     }
-    if (!line.isDecoded)
+    if (!line.isDecoded && !line.bytes.isEmpty())
         line.characters = line.view().toString();
     line.isDecoded = true;
-    line.characters += decode(piece, endsLine);
+    if (m_isSingleByte && piece.isAscii())
+        appendByTable(piece, line.characters);
+    else
+        line.characters += decode(piece, endsLine);
+}
+
+void LineReader::appendByTable(TextView piece, QString& characters) const
+{
+    const int size = characters.size();
+    characters.resize(size + static_cast<int>(piece.size()));
+    QChar* out = characters.data() + size;
+    for (const char byte : std::string_view(piece.ascii(), static_cast<size_t>(piece.size()))) {
+        if (byte != '\r')
+            *out++ = m_byteTable[static_cast<unsigned char>(byte)];
+    }
+    characters.resize(static_cast<int>(out - characters.constData()));
 }
 
 /// The characters of a piece of the block. The line feed behind it is part of what is decoded: a
@@ -260,7 +293,7 @@ QString LineReader::decode(TextView piece, bool endsLine)
 void LineReader::nextLine()
 {
     m_line = (m_line + 1) % m_lines.size();
-    m_lines[m_line] = Line();
+    m_lines[m_line].clear();
 }
 
 /// Reads on to a block with a line feed in it; false when the file ends before.
@@ -318,7 +351,10 @@ void LineReader::chooseCodec(const QByteArray& firstBlock)
 {
     if (!m_codecIsChosen) {
         m_codec = QTextCodec::codecForUtfText(firstBlock, m_codec);
-        m_findsInBytes = m_codec->mibEnum() == utf8Mib || isSingleByte(*m_codec);
+        // Each single byte of UTF-8 gives a character, too: that of an error.
+        const bool isUtf8 = m_codec->mibEnum() == utf8Mib;
+        m_isSingleByte = !isUtf8 && readByteTable(*m_codec, m_byteTable);
+        m_findsInBytes = isUtf8 || m_isSingleByte;
         m_codecIsChosen = true;
     }
     // A mark is passed over here, at the start of the file; behind it, it would be a character.

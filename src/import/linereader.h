@@ -76,6 +76,7 @@ private:
         bool isUntouched() const { return !isDecoded && bytes.isEmpty(); }
         bool isEmpty() const { return isDecoded ? characters.isEmpty() : bytes.isEmpty(); }
         TextView view() const;
+        void clear();
     };
 
     /// Takes a line that can be handed out as it stands in the block; null where none is known.
@@ -108,6 +109,7 @@ private:
     TextView completeLine(TextView piece);
     void stashRest();
     void append(TextView piece, bool endsLine);
+    void appendByTable(TextView piece, QString& characters) const;
     QString decode(TextView piece, bool endsLine);
     void nextLine();
     void findPlainLines();
@@ -117,6 +119,8 @@ private:
     std::unique_ptr<QTextCodec::ConverterState> m_state;
     bool m_codecIsChosen = false;
     bool m_findsInBytes = false;
+    bool m_isSingleByte = false;
+    std::array<QChar, 256> m_byteTable; ///< the characters of the bytes, if m_isSingleByte
     bool m_isAtStart = true; ///< the next block is the first one of the file
     bool m_fileHasEnded = false;
     int m_lineNum = 0;

@@ -2,9 +2,14 @@
 
 #include "geometry/designation.h"
 
+#include <QPointF>
+
 #include <utility>
 
 namespace {
+
+/// So many vertices are named at once.
+constexpr int mostUnnamed = 16;
 
 /// The observer of imports that were given no other.
 ImportObserver messagesOnly;
@@ -49,6 +54,7 @@ bool MapImport::importMap()
     if (!openFile(ImportPass::Objects, objectFileName))
         return true;
     const bool loaded = loadPolygons();
+    nameVertices();
     in.close();
     return loaded;
 }
@@ -66,11 +72,13 @@ void MapImport::resetInFileStream()
 
 void MapImport::appendEmptyPolygon()
 {
+    nameVertices();
     map->append(DefPolygon());
 }
 
 void MapImport::appendEmptyContour()
 {
+    nameVertices();
     map->last().contours.append(QVector<DefPoint>());
 }
 
@@ -86,10 +94,35 @@ QString MapImport::vertexDef(double x, double y)
 void MapImport::appendVert(double x, double y, bool closing)
 {
     QVector<DefPoint>& contour = map->last().contours.last();
-    DefPoint vertex{ closing ? contour.first().def : vertexDef(x, y), x, y };
+    if (closing)
+        nameVertices();
+    DefPoint vertex{ closing ? contour.first().def : QString(), x, y };
     if (swapXY)
         std::swap(vertex.x, vertex.y);
     contour.append(std::move(vertex));
+    if (closing)
+        return;
+    points.expect(x, y);
+    if (++m_unnamed == mostUnnamed)
+        nameVertices();
+}
+
+void MapImport::nameVertices()
+{
+    if (m_unnamed == 0)
+        return;
+    QVector<DefPoint>& contour = map->last().contours.last();
+    const auto begin = contour.end() - std::exchange(m_unnamed, 0);
+    const auto placeOf = [this](const DefPoint& vertex) {
+        const QPointF place(vertex.x, vertex.y);
+        return swapXY ? place.transposed() : place;
+    };
+    for (auto vertex = begin; vertex != contour.end(); ++vertex)
+        points.expectPoint(placeOf(*vertex).x(), placeOf(*vertex).y());
+    for (auto vertex = begin; vertex != contour.end(); ++vertex) {
+        const QPointF place = placeOf(*vertex);
+        vertex->def = vertexDef(place.x(), place.y());
+    }
 }
 
 void MapImport::setLastPolygonDef(const QString& def)

@@ -59,8 +59,11 @@ protected:
     void appendEmptyContour();
     /// Adds a vertex to the last contour. It is named after the catalogue point at its place, or
     /// gets the next automatic number and becomes a catalogue point itself. A `closing` vertex
-    /// takes the name of the contour's first one instead.
+    /// takes the name of the contour's first one instead. Names are given a little later, when
+    /// what the catalogue knows of the places is at hand; nameVertices() gives them now.
     void appendVert(double x, double y, bool closing);
+    /// Names the vertices added last. To be called before their names are used.
+    void nameVertices();
     /// Names the last object; an empty `def` stands for the next automatic designation.
     void setLastPolygonDef(const QString& def);
 
@@ -84,6 +87,7 @@ private:
     bool openFile(ImportPass pass, const QString& fileName);
     QString vertexDef(double x, double y);
 
+    int m_unnamed = 0; ///< so many vertices at the end of the last contour have no names yet
     QLatin1String m_entity;
     int m_entityLine = 0;
 };

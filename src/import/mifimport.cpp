@@ -164,7 +164,9 @@ bool MifImport::loadPolygon(const MifObjectKind& kind)
 {
     const auto load = [&](auto read, FailureKind failure, bool closed) {
         const int objectCount = map->size();
-        const bool complete = ((this->*read)() || fail(failure)) && nameObject();
+        const bool isRead = (this->*read)();
+        nameVertices();
+        const bool complete = (isRead || fail(failure)) && nameObject();
         if (map->size() > objectCount)
             observer->objectBuilt(kind.name, closed, complete);
         return complete;

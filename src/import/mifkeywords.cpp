@@ -25,7 +25,10 @@ const MifObjectKind* mifObjectKind(TextView token)
         { QLatin1String("MULTIPOINT"), MifKeyword::Skipped },
         { QLatin1String("COLLECTION"), MifKeyword::Collection },
     };
-    const auto found = std::find_if(std::begin(kinds), std::end(kinds),
-        [token](const MifObjectKind& kind) { return isMifKeyword(token, kind.name); });
+    const auto found =
+        std::find_if(std::begin(kinds), std::end(kinds), [token](const MifObjectKind& kind) {
+            const bool mayBe = !token.isAscii() || token.size() == kind.name.size();
+            return mayBe && isMifKeyword(token, kind.name);
+        });
     return found == std::end(kinds) ? nullptr : found;
 }

@@ -95,7 +95,7 @@ private slots:
     void everyOptionIsDescribed_data()
     {
         QTest::addColumn<QString>("command");
-        for (const char* command : { "convert", "check", "plan" })
+        for (const char* command : { "convert", "check", "plan", "prepare" })
             QTest::newRow(command) << QString::fromLatin1(command);
     }
 
@@ -142,6 +142,8 @@ private slots:
         row("importgeometry convert --format ''", { "mif", "dxf" });
         row("importgeometry convert --search-points = o", { "on", "off" });
         row("importgeometry convert --encoding KOI8-R", { "KOI8-R" });
+        row("importgeometry prepare --level ''", { "repair", "flatten" });
+        row("importgeometry pr", { "prepare" });
         row("importgeometry check p", { "parcels.mif", "points.mif" });
         row("importgeometry check --points d", { "drawing.dxf" });
     }

@@ -119,6 +119,8 @@ void TestDxfRepair::entities_data()
         "0 LWPOLYLINE, 70 0, 90 2, 10 1, 20 2, 10 3, 20 4", "vertex-count");
     row("lwpolyline with a late flag", "0 LWPOLYLINE, 90 2, 10 1, 20 2, 10 3, 20 4, 70 1",
         "0 LWPOLYLINE, 90 2, 70 1, 10 1, 20 2, 10 3, 20 4", "closing-flag");
+    row("lwpolyline with two abscissas", "0 LWPOLYLINE, 90 2, 70 0, 10 1, 10 3, 20 2, 20 4", "",
+        "incomplete");
     row("lwpolyline of one vertex", "0 LWPOLYLINE, 90 1, 70 0, 10 1, 20 2", "", "incomplete");
     same("polyline",
         "0 POLYLINE, 66 1, 70 1, 0 VERTEX, 10 1, 20 2, 70 1, 0 VERTEX, 10 3, 20 4, "
@@ -144,6 +146,9 @@ void TestDxfRepair::entities_data()
         "0 POINT, 67 0, 10 1, 20 1", "paper-space");
     row("line with a bad number", "0 LINE, 10 1, 20 2, 11 1, 21 2;5, 0 POINT, 10 1, 20 1",
         "0 POINT, 10 1, 20 1", "incomplete");
+    row("line with a bad number and a better one",
+        "0 LINE, 10 1, 20 x, 20 2, 11 1, 21 2, 0 POINT, 10 1, 20 1", "0 POINT, 10 1, 20 1",
+        "incomplete");
     row("text without a place", "0 TEXT, 10 1, 1 т, 0 POINT, 10 1, 20 1", "0 POINT, 10 1, 20 1",
         "incomplete");
 }

@@ -40,6 +40,7 @@ private slots:
     void wholeFiles();
     void parcelsInBlocks();
     void textsThatWereUnsorted();
+    void survey();
 };
 
 void TestPrepareImport::wholeFiles_data()
@@ -109,6 +110,32 @@ void TestPrepareImport::textsThatWereUnsorted()
         QStringLiteral(":ЗУ3") };
     QVERIFY(defsOf(import(drawing).objects) != right);
     QCOMPARE(defsOf(import(prepared(drawing).bytes).objects), right);
+}
+
+void TestPrepareImport::survey()
+{
+    const QByteArray drawing = sample("survey.dxf");
+    QVERIFY(!import(drawing, "Windows-1251").result);
+    const Prepared result = prepared(drawing);
+    QCOMPARE(result.report.encoding, QByteArray("windows-1251"));
+    QVERIFY(!result.report.hasLosses());
+    const QStringList objects = describe(import(result.bytes, "Windows-1251").objects);
+    QCOMPARE(objects.size(), 3);
+
+    QCOMPARE(objects.at(0),
+        QStringLiteral(":ЗУ17 [т1 2212104.52 468210.31; т2 2212144.52 468210.31; "
+                       "т3 2212144.52 468240.31; т4 2212104.52 468240.31; т1 2212104.52 "
+                       "468210.31]"));
+    // One side is an arc, of which the ends keep their numbers.
+    QVERIFY(objects.at(1).startsWith(
+        QStringLiteral(":ЗУ18 [т2 2212144.52 468210.31; т5 2212178.07 468212.84; ")));
+    QVERIFY(objects.at(1).endsWith(QStringLiteral(
+        "; т6 2212176.91 468241.65; т3 2212144.52 468240.31; т2 2212144.52 468210.31]")));
+    // Drawn in mirrored coordinates.
+    QVERIFY(objects.at(2).startsWith(QStringLiteral(":ОКС1 [")));
+    QVERIFY(objects.at(2).contains(QStringLiteral(" 2212118.3 468230.1;")));
+    QVERIFY(objects.at(2).contains(QStringLiteral(" 2212128.3 468236.1;")));
+    QCOMPARE(prepared(result.bytes).bytes, result.bytes);
 }
 
 QTEST_APPLESS_MAIN(TestPrepareImport)

@@ -1,0 +1,102 @@
+#include "preparefile.h"
+
+#include "console.h"
+#include "foreignfile.h"
+#include "importrun/importrun.h"
+#include "outputfile.h"
+#include "prepare/preparedxf.h"
+#include "prepare/preparemif.h"
+#include "standardinput.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <limits>
+
+namespace {
+
+QByteArray readFile(const QString& fileName)
+{
+    const QString trouble = pipeOrDeviceTrouble(fileName);
+    if (!trouble.isEmpty())
+        throw Failure{ Failed, trouble };
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        throw Failure{ Failed, QStringLiteral("файл не открывается") };
+    if (file.size() > std::numeric_limits<int>::max() - 64)
+        throw Failure{ Failed, QStringLiteral("файл слишком велик") };
+    return file.readAll();
+}
+
+void checkWritten(bool written, const prep::PrepareReport& report)
+{
+    if (!written)
+        throw Failure{ Failed, report.failure };
+}
+
+void prepareDrawing(
+    const PrepareTask& task, const prep::PrepareOptions& options, prep::PrepareReport& report)
+{
+    QByteArray bytes = readFile(task.fileName);
+    OutputFile out(task.target);
+    checkWritten(prep::prepareDxf(std::move(bytes), options, out, report), report);
+    out.commit();
+}
+
+void preparePair(const PrepareTask& task, const QString& mifFileName,
+    const prep::PrepareOptions& options, prep::PrepareReport& report)
+{
+    const QString midFileName = prep::midFileOf(mifFileName);
+    prep::MifPair pair{ readFile(mifFileName), {} };
+    if (!midFileName.isEmpty())
+        pair.mid = readFile(midFileName);
+    const bool renamed =
+        !midFileName.isEmpty() && midFileName != task.format->companionFile(mifFileName);
+    report.note(prep::Note::MidRenamed, renamed && !task.isForeign ? 1 : 0);
+    OutputFile mifOut(task.target);
+    OutputFile midOut(task.midTarget());
+    checkWritten(prep::prepareMif(std::move(pair), options, mifOut, midOut, report), report);
+    midOut.commit();
+    mifOut.commit();
+}
+
+void prepareForeign(
+    const PrepareTask& task, prep::PrepareOptions options, prep::PrepareReport& report)
+{
+    const QTemporaryDir folder;
+    const QString mifFileName = convertForeignFile(task.fileName, options, folder);
+    report.note(prep::Note::Converted);
+    // The program has decoded the texts, chosen the column, and its layers are no drawing's.
+    options.fromEncoding = "UTF-8";
+    options.nameField.clear();
+    options.layers.clear();
+    options.skipLayers.clear();
+    preparePair(task, mifFileName, options, report);
+}
+
+} // namespace
+
+TargetClaim PrepareTask::claim() const
+{
+    TargetClaim claim{ fileName, { fileName }, { target } };
+    if (isMif()) {
+        claim.targets.append(midTarget());
+        if (!isForeign)
+            claim.sources.append(prep::midFileOf(fileName));
+    }
+    return claim;
+}
+
+prep::PrepareReport prepareFile(const PrepareTask& task, prep::PrepareOptions options)
+{
+    prep::PrepareReport report;
+    OutputFile::checkPlace(task.target);
+    spoolStandardInput(task.fileName);
+    if (task.isForeign)
+        prepareForeign(task, std::move(options), report);
+    else if (task.isMif())
+        preparePair(task, task.fileName, options, report);
+    else
+        prepareDrawing(task, options, report);
+    return report;
+}
