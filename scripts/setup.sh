@@ -3,6 +3,7 @@
 #
 #   scripts/setup.sh         for the build and the tests
 #   scripts/setup.sh demo    for the build and the demo
+#   scripts/setup.sh ci      for all that .ci/run does
 set -euo pipefail
 
 packages=(
@@ -16,13 +17,18 @@ test_packages=(
     xvfb xauth         # one test shows the dialog on a real window system
     man-db             # a test formats the manual page
 )
+ci_packages=(
+    clang libclang-rt-dev  # the second compiler, its sanitizers and its fuzzer
+    clang-tidy cppcheck
+)
 locale=ru_RU.UTF-8
 
 case ${1-tests} in
 demo) ;;
 tests) packages+=("${test_packages[@]}") ;;
+ci) packages+=("${test_packages[@]}" "${ci_packages[@]}") ;;
 *)
-    echo "usage: scripts/setup.sh [demo|tests]" >&2
+    echo "usage: scripts/setup.sh [demo|tests|ci]" >&2
     exit 2
     ;;
 esac

@@ -21,6 +21,9 @@
 namespace {
 
 const QString settingsGroup = QStringLiteral("ImportObjects");
+/// More than any screen has; the picture of a larger window has no room in memory, and Qt does not
+/// get over that.
+constexpr QSize largestSize(10000, 10000);
 
 /// Shows failures to the user as they happen. The host may open a window for them, which wants the
 /// usual pointer.
@@ -271,7 +274,8 @@ std::vector<Setting> Dialog::settings()
             m_ui->splitter->restoreState(state);
     };
     return {
-        { "size", QSize(400, 600), [this](const QVariant& value) { resize(value.toSize()); },
+        { "size", QSize(400, 600),
+            [this](const QVariant& value) { resize(value.toSize().boundedTo(largestSize)); },
             [this] { return QVariant(size()); } },
         { "splitterSizes", QByteArray(), setSplitter,
             [this] { return QVariant(m_ui->splitter->saveState()); } },

@@ -36,7 +36,7 @@ int FileNameCodec::strayByte(uint character)
 QString FileNameCodec::convertToUnicode(const char* bytes, int length, ConverterState*) const
 {
     constexpr int longestSequence = 4;
-    const QString whole = strictUtf8(bytes, length);
+    QString whole = strictUtf8(bytes, length);
     if (!whole.isNull() || length == 0)
         return whole;
     QString text;

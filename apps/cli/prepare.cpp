@@ -43,7 +43,7 @@ PrepareTask taskOf(const QString& fileName, const QCommandLineParser& parser)
 
 QString targetOf(const PrepareTask& task, const QCommandLineParser& parser)
 {
-    const QString output = parser.value(QStringLiteral("output"));
+    QString output = parser.value(QStringLiteral("output"));
     const QString folder = parser.value(QStringLiteral("out-dir"));
     if (output.isEmpty() == folder.isEmpty())
         throw Failure{ WrongUsage, QStringLiteral("укажите -o ФАЙЛ или --out-dir ПАПКА") };

@@ -136,7 +136,7 @@ private:
 
     void convertDouble()
     {
-        const double number = take<double>();
+        const auto number = take<double>();
         m_text.append(std::isfinite(number) ? QByteArray::fromStdString(plainText(number))
                                             : QByteArrayLiteral("nan"));
     }

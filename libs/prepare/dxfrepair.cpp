@@ -4,6 +4,9 @@
 #include "prepare/dxfentityreader.h"
 #include "prepare/pairwriter.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace prep {
 
 namespace {
@@ -11,12 +14,9 @@ namespace {
 /// Whether the readers build something of this kind, so that a bad one would stop them.
 bool isReadKind(std::string_view type)
 {
-    for (const std::string_view kind :
-        { "LINE", "LWPOLYLINE", "POLYLINE", "TEXT", "POINT", "INSERT", "CIRCLE", "ELLIPSE" }) {
-        if (type == kind)
-            return true;
-    }
-    return false;
+    static constexpr std::string_view kinds[] = { "LINE", "LWPOLYLINE", "POLYLINE", "TEXT", "POINT",
+        "INSERT", "CIRCLE", "ELLIPSE" };
+    return std::find(std::begin(kinds), std::end(kinds), type) != std::end(kinds);
 }
 
 class DxfRepair {

@@ -134,7 +134,7 @@ private:
         const int end = m_text.indexOf(QLatin1Char(';'), m_i);
         if (end < 0)
             return {};
-        const QString argument = m_text.mid(m_i, end - m_i);
+        QString argument = m_text.mid(m_i, end - m_i);
         m_i = end + 1;
         return argument;
     }

@@ -31,8 +31,10 @@ int decimalsFor(double precision)
     int decimals = 0;
     if (precision == 0)
         return decimals;
-    for (; precision < 1; precision *= 10)
+    while (precision < 1) {
+        precision *= 10;
         ++decimals;
+    }
     return decimals;
 }
 

@@ -100,6 +100,21 @@ private slots:
         }
     }
 
+    /// The process is there, but the program does not start in it: an argument that the shell could
+    /// just hand over is too long together with its option.
+    void argumentBeyondTheLimit()
+    {
+        const Folder folder;
+        const CommandRun run =
+            folder.shell(QStringLiteral("$CLI convert parcels.mif drawing.dxf --out-dir . "
+                                        "--table \"$(head -c 131066 /dev/zero | tr '\\0' x)\""));
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.errorLines(),
+            words({ "parcels.mif: не хватает ресурсов, чтобы запустить процесс",
+                "drawing.dxf: не хватает ресурсов, чтобы запустить процесс",
+                "Всего файлов: 2, записано: 0, с ошибками: 2" }));
+    }
+
     void noRoomAtAll()
     {
         const Folder folder;

@@ -382,6 +382,9 @@ private slots:
         QTest::newRow("UTF-16LE") << wide << none << QByteArray("UTF-16LE");
         QTest::newRow("UTF-16BE") << QByteArray(1, '\0') + wide.chopped(1) << none
                                   << QByteArray("UTF-16BE");
+        QTest::newRow("UTF-16LE, not a third Latin")
+            << QByteArray("A\0B\0C\0\n\0D\0\x1F\x04\x20\x04\x21\x04", 16) << none
+            << QByteArray("UTF-16LE");
         QTest::newRow("UTF-16LE mark")
             << "\xFF\xFE" + wide << QByteArray("UTF-16LE") << QByteArray("UTF-16LE");
         QTest::newRow("UTF-32LE mark")

@@ -140,6 +140,8 @@ void TestHost::refusesWrongUse_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("unknown option") << QStringList{ QStringLiteral("--bogus") };
+    QTest::newRow("too many columns")
+        << QStringList{ QStringLiteral("--columns"), QStringLiteral("0,1,2,1,3") };
     QTest::newRow("too few columns")
         << QStringList{ QStringLiteral("--columns"), QStringLiteral("0,1,2") };
     QTest::newRow("column without a number")

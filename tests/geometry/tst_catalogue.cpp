@@ -247,6 +247,9 @@ void TestCatalogue::findsTheNearest_data()
     QTest::newRow("a tie goes to the right one") << QPointF(30.0078125, 5) << QStringLiteral("r");
     // p is nearer but out of the tolerance, q would be within it.
     QTest::newRow("only the nearest point counts") << QPointF(40, 0) << QString();
+    // s, behind the border of a cell, is 0.01412 away; t, at a corner of the tolerance, 0.014128.
+    QTest::newRow("only the nearest point counts, in the next cell too")
+        << QPointF(63.98595, 100) << QString();
     QTest::newRow("not a number") << QPointF(undefined, 20) << QString();
     QTest::newRow("infinite") << QPointF(10, infinite) << QString();
 }
@@ -257,7 +260,8 @@ void TestCatalogue::findsTheNearest()
     QFETCH(QString, expected);
     const QVector<DefPoint> points{ { QStringLiteral("a"), 10, 20 }, { QStringLiteral("o"), 0, 0 },
         { QStringLiteral("l"), 30, 5 }, { QStringLiteral("r"), 30.015625, 5 },
-        { QStringLiteral("p"), 40.0105, 0 }, { QStringLiteral("q"), 39.991, 0.009 } };
+        { QStringLiteral("p"), 40.0105, 0 }, { QStringLiteral("q"), 39.991, 0.009 },
+        { QStringLiteral("s"), 64.00007, 100 }, { QStringLiteral("t"), 63.97596, 100.00999 } };
 
     PointCatalogue arranged, inserted;
     for (const DefPoint& point : points) {

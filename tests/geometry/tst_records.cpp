@@ -166,6 +166,10 @@ void TestRecords::centroid_data()
     // Its area is 0.5e-12, below the bound.
     QTest::newRow("almost a line")
         << Places{ { 0, 0 }, { 0, 0 }, { 1, 0 }, { 1, 1e-12 } } << QPointF(0.5, 0.25e-12);
+    QTest::newRow("an area of the bound has none")
+        << Places{ { 0, 0 }, { 2e-12, 0 }, { 0, 1 }, { 0, 0.5 } } << QPointF(5e-13, 0.375);
+    QTest::newRow("the edge that closes an open contour counts")
+        << Places{ { 1, 1 }, { 3, 1 }, { 5, 1 }, { 5, 3 }, { 1, 3 } } << QPointF(3, 2);
     // Its area is 5e-12, above the bound.
     QTest::newRow("a sliver") << Places{ { 0, 0 }, { 0, 0 }, { 1, 0 }, { 1, 1e-11 } }
                               << QPointF(2.0 / 3, 1e-11 / 3);

@@ -68,6 +68,22 @@ private slots:
         QVERIFY2(!svg.data().contains("nan") && !svg.data().contains("inf"), svg.data());
         QVERIFY(svg.data().contains("<circle"));
     }
+
+    /// Of two names at one place that of the conflicting point is drawn, though it comes later.
+    void conflictsAreNamedFirst()
+    {
+        const DefPoint plain{ QStringLiteral("plain"), 50, 50 };
+        const DefPoint beside{ QStringLiteral("conflict"), 50.05, 50 };
+        const DefPoint there{ QStringLiteral("conflict"), 100, 0 };
+        const DefPoint corner{ QStringLiteral("corner"), 0, 100 };
+        QBuffer svg;
+        svg.open(QIODevice::WriteOnly);
+        QVERIFY(writePlan(svg, PlanFormat::Svg, QSize(800, 600),
+            { { {}, { { plain, beside, there, corner } } } }, {}));
+        QCOMPARE(svg.data().count(">conflict<"), 2);
+        QCOMPARE(svg.data().count(">corner<"), 1);
+        QCOMPARE(svg.data().count(">plain<"), 0);
+    }
 };
 
 QTEST_MAIN(TestPlan)

@@ -142,6 +142,8 @@ void TestPrepareCommand::usage_data()
         "--tolerance: ожидается число не меньше 1e-09, а не «0»");
     row("tolerance that is no number", { "a.dxf", "-o", "b.dxf", "--tolerance", "nan" },
         "--tolerance: ожидается число не меньше 1e-09, а не «nan»");
+    row("tolerance without end", { "a.dxf", "-o", "b.dxf", "--tolerance", "inf" },
+        "--tolerance: ожидается число не меньше 1e-09, а не «inf»");
     row("labels", { "a.dxf", "-o", "b.dxf", "--labels", "text,numbers" },
         "--labels: ожидается text, mtext, attrib, dimension через запятую, а не «text,numbers»");
     row("encoding", { "a.dxf", "-o", "b.dxf", "--from-encoding", "cp9" },
@@ -169,6 +171,7 @@ void TestPrepareCommand::failures()
     const TempFiles files;
     files.write(QStringLiteral("b.dxf"), "older");
     files.write(QStringLiteral("bad.dxf"), "nothing");
+    files.write(QStringLiteral("lossy.dxf"), lossyDrawing);
     const auto status = [&files](std::initializer_list<const char*> arguments) {
         return runCommand(words({ "prepare" }) + words(arguments), files.path(QString())).status;
     };
@@ -177,7 +180,13 @@ void TestPrepareCommand::failures()
     QCOMPARE(status({ "bad.dxf", "-o", "nowhere/b.dxf" }), 1);
     QCOMPARE(contentOf(files.path(QStringLiteral("b.dxf"))), QByteArray("older"));
     QCOMPARE(QDir(files.path(QString())).entryList(QDir::Files, QDir::Name),
-        QStringList({ QStringLiteral("b.dxf"), QStringLiteral("bad.dxf") }));
+        QStringList(
+            { QStringLiteral("b.dxf"), QStringLiteral("bad.dxf"), QStringLiteral("lossy.dxf") }));
+
+    // What is lost of another file is less than that one could not be written.
+    QVERIFY(QDir(files.path(QString())).mkdir(QStringLiteral("out")));
+    QCOMPARE(status({ "missing.dxf", "lossy.dxf", "--out-dir", "out" }), 1);
+    QVERIFY(QFile::exists(files.path(QStringLiteral("out/lossy.dxf"))));
 }
 
 void TestPrepareCommand::sourcesStay_data()
