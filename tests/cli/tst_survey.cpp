@@ -224,6 +224,10 @@ private slots:
             "");
         row("count on the next line", mifHeader() + "Pline\n2\n0 0\n1 0\n", "a\n",
             "count-on-next-line 5 0 [PLINE]");
+        row("count of sections on the next line",
+            mifHeader() + "Pline Multiple\n2\n2\n0 0\n1 0\n2\n0 0\n1 0\n", "a\n",
+            "count-on-next-line 5 0 [PLINE]");
+        row("count too small", mifHeader() + "Pline 1\n0 0\n", "a\n", "bad-object 5 0 [PLINE]");
         row("word for a number", mifHeader() + "Line 0 0 one 1\n", "a\n", "bad-object 5 0 [LINE]");
         row("cut off", mifHeader() + "Pline 3\n0 0\n1 0\n", "a\n", "bad-object 7 0 [PLINE]");
         row("collection", mifHeader() + "Line 0 0 1 1\nCollection 2\nLine 0 0 1 1\n", "a\nb\nc\n",
