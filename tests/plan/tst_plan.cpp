@@ -76,10 +76,11 @@ private slots:
         const DefPoint beside{ QStringLiteral("conflict"), 50.05, 50 };
         const DefPoint there{ QStringLiteral("conflict"), 100, 0 };
         const DefPoint corner{ QStringLiteral("corner"), 0, 100 };
+        const QVector<DefPolygon> objects{ { {}, { { plain, beside, there, corner } } } };
+        PlanPainter plan(objects, {});
         QBuffer svg;
         svg.open(QIODevice::WriteOnly);
-        QVERIFY(writePlan(svg, PlanFormat::Svg, QSize(800, 600),
-            { { {}, { { plain, beside, there, corner } } } }, {}));
+        QVERIFY(writePlan(svg, PlanFormat::Svg, QSize(800, 600), plan, {}));
         QCOMPARE(svg.data().count(">conflict<"), 2);
         QCOMPARE(svg.data().count(">corner<"), 1);
         QCOMPARE(svg.data().count(">plain<"), 0);
