@@ -1,6 +1,5 @@
 #include "reportjson.h"
 
-#include "survey/preparecalls.h"
 #include "survey/report.h"
 
 #include <QJsonArray>
@@ -16,7 +15,7 @@ QJsonObject toJson(const ReportMessage& message)
     return json;
 }
 
-QJsonObject toJson(const FoundCause& found, const QString& importedFile)
+QJsonObject toJson(const FoundCause& found)
 {
     QJsonObject json{ { QStringLiteral("id"), causeId(found.cause) },
         { QStringLiteral("file"), found.fileName }, { QStringLiteral("cause"), causeText(found) },
@@ -25,9 +24,6 @@ QJsonObject toJson(const FoundCause& found, const QString& importedFile)
         json.insert(QStringLiteral("line"), found.line);
     if (found.count > 0)
         json.insert(QStringLiteral("count"), found.count);
-    const QString call = prepareCall(found, importedFile);
-    if (!call.isEmpty())
-        json.insert(QStringLiteral("prepare"), call);
     return json;
 }
 
@@ -90,7 +86,7 @@ QJsonObject reportJson(const Report& report)
     QJsonArray causes;
     for (const FileSurvey& survey : report.surveys) {
         for (const FoundCause& found : survey.causes)
-            causes.append(toJson(found, survey.fileName));
+            causes.append(toJson(found));
     }
     const auto asJson = [](const auto& item) { return toJson(item); };
     return { { QStringLiteral("file"), report.fileName },

@@ -1,7 +1,6 @@
 #include "reporttext.h"
 
 #include "console.h"
-#include "survey/preparecalls.h"
 #include "survey/report.h"
 
 namespace {

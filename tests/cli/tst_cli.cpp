@@ -184,7 +184,7 @@ private slots:
         row("unknown command", { "konvert" }, "неизвестная команда «konvert»; возможно, «convert»");
         row("no file", { "convert" }, "не указан ни один файл");
         row("unknown option", { "convert", "parcels.mif", "--swap" },
-            "неизвестный параметр «--swap»");
+            "неизвестный параметр «--swap»; возможно, «--swap-xy»");
         row("mistyped option", { "convert", "parcels.mif", "--out-dri=." },
             "неизвестный параметр «--out-dri»; возможно, «--out-dir»");
         row("short option", { "check", "parcels.mif", "-x" }, "неизвестный параметр «-x»");
@@ -691,20 +691,6 @@ private slots:
             out.contains(QStringLiteral("%1: причина: %2\n%1: что делать: %3\n")
                              .arg(place, cause.value(QLatin1String("cause")).toString(), remedy)),
             text.out.constData());
-
-        // Where a call mends the cause, its copy is imported whole, without this cause.
-        const QString call = cause.value(QLatin1String("prepare")).toString();
-        QCOMPARE(call.isEmpty(), id == QLatin1String("encoding"));
-        if (call.isEmpty())
-            return;
-        QVERIFY(out.contains(QStringLiteral("%1: исправит копию: %2\n").arg(place, call)));
-        QStringList arguments = call.split(QLatin1Char(' ')).mid(1);
-        QCOMPARE(runCommand(arguments, folder.path()).status, 0);
-        const CommandRun copy = runCommand(
-            words({ "check", "--json", "--encoding=UTF-8" }) << arguments.last(), folder.path());
-        QCOMPARE(reportOf(copy).value(QLatin1String("messages")).toArray(), QJsonArray());
-        for (const QJsonValue& left : reportOf(copy).value(QLatin1String("causes")).toArray())
-            QVERIFY2(idOf(left) != id, copy.out.constData());
     }
 
     void axesFollowTheColumns()
