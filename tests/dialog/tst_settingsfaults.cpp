@@ -112,7 +112,7 @@ void TestSettingsFaults::keysOfAnyType_data()
              "pointStartNum", "searchObjectDefs", "objectPref", "objectStartNum", "usePointFile",
              "update", "FieldNumValueMap", "FieldNumValueMap/0", "FieldNumValueMap/x" }) {
         for (const auto& [name, value] : values)
-            QTest::addRow("%s is %s", key, name) << QString::fromLatin1(key) << value;
+            QTest::newRow(QByteArray(key) + " is " + name) << QString::fromLatin1(key) << value;
     }
 }
 
