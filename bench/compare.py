@@ -175,13 +175,13 @@ class Comparison:
         two = mif.with_companion(mif.main)
         self.import_against(
             f"MIF with points, {size}", import_command(mif, True),
-            ogrinfo_command(mif.main, mif.points), mif, mif.all(), mif.all(), (0.35, 3))
+            ogrinfo_command(mif.main, mif.points), mif, mif.all(), mif.all(), (0.35, 3, 3.5))
         self.import_against(
             f"MIF objects alone, {size}", import_command(mif, False),
-            ogrinfo_command(mif.main), mif, two, two, (0.35, 3))
+            ogrinfo_command(mif.main), mif, two, two, (0.35, 3, 3.5))
         self.import_against(
             f"DXF, {size}", import_command(dxf, False), ogrinfo_command(dxf.main), dxf,
-            [dxf.main, dxf.main], [dxf.main], (0.25, 2))
+            [dxf.main, dxf.main], [dxf.main], (0.25, 2, 3))
 
     def import_against(self, group, command, ogrinfo, files, read, parsed, limits):
         if not self.wanted(group):
@@ -193,6 +193,7 @@ class Comparison:
             "floor-fromchars": fromchars_command(parsed)})
         self.ratio_bar(group, measured, "import", "ogrinfo", limits[0])
         self.ratio_bar(group, measured, "import", "floor-readline", limits[1])
+        self.ratio_bar(group, measured, "import", "floor-fromchars", limits[2])
 
     def encodings(self):
         group = f"UTF-8 against Windows-1251, {self.options.vertices}"
@@ -209,15 +210,16 @@ class Comparison:
         mif, dxf = Files("city", "mif", size), Files("city", "dxf", size)
         no_points = ["--search-points", "off"]
         self.convert(f"convert MIF with points, {size}", mif.options(True),
-                     [mif.main, mif.points], 0.2, mif.all())
+                     [mif.main, mif.points], 0.08, mif.all(), import_command(mif, True))
         self.convert(f"convert MIF objects alone, {size}", mif.options(False) + no_points,
                      [mif.main], None, mif.with_companion(mif.main))
-        self.convert(f"convert DXF, {size}", dxf.options(False), [dxf.main], 0.2, [dxf.main])
+        self.convert(f"convert DXF, {size}", dxf.options(False), [dxf.main], 0.08, [dxf.main],
+                     import_command(dxf, False))
         for fmt in FORMATS:
             files = Files("city", fmt, 1000)
             self.convert(f"convert small {fmt.upper()}", files.options(False), [files.main], 0.5)
 
-    def convert(self, group, options, inputs, limit, memory_inputs=None):
+    def convert(self, group, options, inputs, limit, memory_inputs=None, bare=None):
         if not self.wanted(group) or not self.tool:
             return
         print(f"\n{group}")
@@ -226,10 +228,18 @@ class Comparison:
             # An output that exists already is refused or extended: each run has its own.
             names = (Path(folder) / f"{number}.gml" for number in itertools.count())
             runs = self.options.runs if memory_inputs else max(self.options.runs, 15)
-            measured = self.measure(group, {
+            commands = {
                 "convert": [[self.tool, "convert"] + options + ["-o", xml]],
-                "ogr2ogr": [["ogr2ogr", "-f", "GML", names, path] for path in inputs]}, runs)
+                "ogr2ogr": [["ogr2ogr", "-f", "GML", names, path] for path in inputs]}
+            if bare:
+                commands["import"] = bare
+                commands["floor-write"] = [[BIN / "floor-write", xml, Path(folder) / "floor"]]
+            measured = self.measure(group, commands, runs)
         self.ratio_bar(group, measured, "convert", "ogr2ogr", limit)
+        if bare:
+            self.report.bar(group, "convert", self.time_of(measured["convert"]),
+                            self.time_of(measured["import"])
+                            + 2 * self.time_of(measured["floor-write"]) + 0.1, " s")
         if memory_inputs:
             self.report.bar(group, "peak memory", measured["convert"].peak / MIB,
                             10 * total_size(memory_inputs) / MIB + 32, " MiB")

@@ -354,8 +354,8 @@ void registerAll()
     registerHostile("hostile arrange", hostileArranged(), hostileArrange);
     registerHostile("hostile NearestIndex", hostileSorted(), hostileFind<NearestIndex>);
     registerHostile("hostile SequenceIndex", hostileUnsorted(), hostileFind<SequenceIndex>);
-    benchmark::RegisterBenchmark(
-        "toDouble", parseNumbers, [](const QString& text, bool* ok) { return toDouble(text, ok); });
+    benchmark::RegisterBenchmark("toDouble", parseNumbers,
+        [](const QString& text, bool* ok) { return toDouble(QStringView(text), ok); });
     benchmark::RegisterBenchmark("QString::toDouble", parseNumbers,
         [](const QString& text, bool* ok) { return text.toDouble(ok); });
     benchmark::RegisterBenchmark(
