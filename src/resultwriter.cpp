@@ -154,9 +154,13 @@ private:
             return point.def.isNull();
         case CellContent::Field:
             return filled.field.isNull();
-        default:
+        case CellContent::X:
+        case CellContent::Y:
             return false;
+        case CellContent::Nothing:
+            break;
         }
+        return true;
     }
 
     void putVertex(const DefPoint& point)

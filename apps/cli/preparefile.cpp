@@ -94,9 +94,12 @@ prep::PrepareReport prepareFile(const PrepareTask& task, prep::PrepareOptions op
     spoolStandardInput(task.fileName);
     if (task.isForeign)
         prepareForeign(task, std::move(options), report);
-    else if (task.isMif())
+    else if (task.format->id == QLatin1String("mif"))
         preparePair(task, task.fileName, options, report);
-    else
+    else if (task.format->id == QLatin1String("dxf"))
         prepareDrawing(task, options, report);
+    else
+        throw Failure{ WrongUsage,
+            QStringLiteral("%1: для этого формата подготовки нет").arg(task.fileName) };
     return report;
 }

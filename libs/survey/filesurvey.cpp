@@ -56,5 +56,7 @@ FileSurvey surveyFile(
         if (format.id == QLatin1String(row.format))
             return row.make(format, options, role, run)->survey();
     }
-    return {};
+    FileSurvey survey;
+    survey.fileName = role == FileRole::Objects ? options.objectFileName : options.pointFileName;
+    return survey;
 }

@@ -60,10 +60,13 @@ const char16_t* findLineFeed(const char16_t* begin, const char16_t* end)
 /// ASCII where the byte is. False for other encodings.
 bool readByteTable(const QTextCodec& codec, std::array<QChar, 256>& table)
 {
+    // Each byte before others that may follow in longer characters, and before itself.
+    constexpr char following[] = "A\x80\x88\x90\x98\xA0\xA1\xA8\xB0\xB8\xBF\xC0\xD0\xE0\xF0\xFE";
     QByteArray bytes;
     for (int i = 0; i < 256; ++i) {
         const char c = static_cast<char>(i);
-        bytes.append(c).append('A').append(c).append(c).append('\n');
+        for (const char next : following)
+            bytes.append(c).append(next == '\0' ? c : next).append('\n');
     }
     QTextCodec::ConverterState state;
     const QString text = codec.toUnicode(bytes.constData(), bytes.size(), &state);
@@ -358,6 +361,6 @@ void LineReader::chooseCodec(const QByteArray& firstBlock)
         m_codecIsChosen = true;
     }
     // A mark is passed over here, at the start of the file; behind it, it would be a character.
-    if (m_isAtStart && m_findsInBytes)
+    if (m_findsInBytes)
         m_state->flags |= QTextCodec::IgnoreHeader;
 }

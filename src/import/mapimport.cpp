@@ -53,8 +53,14 @@ bool MapImport::importMap()
 
     if (!openFile(ImportPass::Objects, objectFileName))
         return true;
-    const bool loaded = loadPolygons();
-    nameVertices();
+    bool loaded = false;
+    try {
+        loaded = loadPolygons();
+        nameVertices();
+    } catch (...) {
+        dropUnnamed();
+        throw;
+    }
     in.close();
     return loaded;
 }
@@ -112,7 +118,7 @@ void MapImport::nameVertices()
     if (m_unnamed == 0)
         return;
     QVector<DefPoint>& contour = map->last().contours.last();
-    const auto begin = contour.end() - std::exchange(m_unnamed, 0);
+    const auto begin = contour.end() - m_unnamed;
     const auto placeOf = [this](const DefPoint& vertex) {
         const QPointF place(vertex.x, vertex.y);
         return swapXY ? place.transposed() : place;
@@ -122,7 +128,17 @@ void MapImport::nameVertices()
     for (auto vertex = begin; vertex != contour.end(); ++vertex) {
         const QPointF place = placeOf(*vertex);
         vertex->def = vertexDef(place.x(), place.y());
+        --m_unnamed;
     }
+}
+
+/// What memory did not suffice to name is no part of the objects.
+void MapImport::dropUnnamed()
+{
+    if (m_unnamed == 0)
+        return;
+    QVector<DefPoint>& contour = map->last().contours.last();
+    contour.resize(contour.size() - std::exchange(m_unnamed, 0));
 }
 
 void MapImport::setLastPolygonDef(const QString& def)

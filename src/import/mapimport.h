@@ -86,6 +86,7 @@ protected:
 private:
     bool openFile(ImportPass pass, const QString& fileName);
     QString vertexDef(double x, double y);
+    void dropUnnamed();
 
     int m_unnamed = 0; ///< so many vertices at the end of the last contour have no names yet
     QLatin1String m_entity;

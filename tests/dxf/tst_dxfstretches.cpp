@@ -11,6 +11,7 @@ class TestDxfStretches : public QObject {
 private slots:
     void ends();
     void shortOnesAreRead();
+    void markBehindOne();
     void drawings_data();
     void drawings();
 };
@@ -48,6 +49,22 @@ void TestDxfStretches::shortOnesAreRead()
     stretches.note({ 65536, 9 }, false);
     stretches.note({ 131072, 9 }, true);
     QVERIFY(stretches.endOf(65536));
+}
+
+/// A byte-order mark is one at the start of a file only.
+void TestDxfStretches::markBehindOne()
+{
+    const TempFiles folder;
+    QByteArray text = "0\nSECTION\n2\nHEADER\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n";
+    text += QByteArray("0\nARC\n8\nroads\n").repeated(6000);
+    text += "0\nLWPOLYLINE\n90\n2\n\xEF\xBB\xBF"
+            "70\n1\n10\n0\n20\n0\n10\n5\n20\n0\n0\nENDSEC\n0\nEOF\n";
+    folder.write(QStringLiteral("a.dxf"), text);
+    ImportOptions options = prefixed();
+    options.searchPointDefs = true;
+    options.encoding = "UTF-8";
+    const auto outcome = outcomeOf<DxfImport>(options, folder, QStringLiteral("a.dxf"));
+    QCOMPARE(outcome, outcomeOf<literal::DxfImport>(options, folder, QStringLiteral("a.dxf")));
 }
 
 void TestDxfStretches::drawings_data()

@@ -260,6 +260,12 @@ void TestImportFaults::allocations()
         // What was built is what would have been built, but for the object at work.
         for (int i = 0; i < objects.size() - 1; ++i)
             QCOMPARE(describe({ objects.at(i) }), describe({ whole.at(i) }));
+        for (const DefPolygon& object : qAsConst(objects)) {
+            for (const QVector<DefPoint>& contour : object.contours) {
+                for (const DefPoint& vertex : contour)
+                    QVERIFY2(!vertex.def.isNull(), qPrintable(QString::number(granted)));
+            }
+        }
     }
     QVERIFY(granted > 5);
     // The next import is none the worse.

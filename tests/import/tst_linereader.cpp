@@ -3,6 +3,7 @@
 #include "support/random.h"
 #include "support/tempfiles.h"
 
+#include <QSet>
 #include <QTest>
 #include <QTextCodec>
 #include <QTextStream>
@@ -78,6 +79,8 @@ class TestLineReader : public QObject {
 private slots:
     void sameLinesAsStream_data();
     void sameLinesAsStream();
+    void everyCodec_data();
+    void everyCodec();
     void randomFiles();
     void tailsBehindABlock();
     void skippedLinesChangeNothing();
@@ -148,6 +151,29 @@ void TestLineReader::sameLinesAsStream()
     QFETCH(const QByteArray, content);
     QFETCH(const QByteArray, codec);
     compare(content, codec);
+}
+
+void TestLineReader::everyCodec_data()
+{
+    QTest::addColumn<QByteArray>("codec");
+    QSet<QByteArray> names; // an encoding is listed under all its names
+    for (const QByteArray& alias : QTextCodec::availableCodecs())
+        names.insert(QTextCodec::codecForName(alias)->name());
+    for (const QByteArray& name : qAsConst(names))
+        QTest::newRow(name) << name;
+}
+
+/// Each pair of high bytes: in an encoding of longer characters one of them tells.
+void TestLineReader::everyCodec()
+{
+    QFETCH(const QByteArray, codec);
+    QByteArray content;
+    for (int first = 0x80; first < 0x100; ++first) {
+        for (int second = 0x80; second < 0x100; ++second)
+            content.append(char(first)).append(char(second)).append('\n');
+    }
+    compare(content, codec);
+    compare("\xD0\x94\xD0\xBE\xD0\xBC 1,2\n\xED\xA0\x81\xED\xB0\x80\n", codec);
 }
 
 void TestLineReader::randomFiles()
