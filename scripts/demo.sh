@@ -40,9 +40,8 @@ import lots --operation "Объекты из DXF" --file samples/lots.dxf \
 
 echo
 echo "=== survey ==="
-# A drawing as people have it: refused, explained, prepared, imported. The host's table has the
-# northing first.
+# A drawing as people have it: refused, explained, prepared, imported.
 "$cli" convert samples/survey.dxf -o "$demo/survey.xml" || true
 "$cli" check samples/survey.dxf --encoding Windows-1251 || [ $? -eq 3 ]
-"$cli" prepare samples/survey.dxf --swap-xy -o "$demo/survey.dxf"
+"$cli" prepare samples/survey.dxf -o "$demo/survey.dxf"
 import survey --operation "Объекты из DXF" --file "$demo/survey.dxf" "$@"
