@@ -1,5 +1,5 @@
-#include "import/number.h"
 #include "catalogue/coordformat.h"
+#include "import/number.h"
 
 #include "support/random.h"
 #include "support/specialvalues.h"
