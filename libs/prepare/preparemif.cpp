@@ -145,7 +145,7 @@ bool prepareMif(MifPair pair, const PrepareOptions& options, QIODevice& mifOut, 
 QString midFileOf(const QString& mifFileName)
 {
     const Format* const mif = formatOfId(QStringLiteral("mif"));
-    const QString usual = mif->companionFile(mifFileName);
+    QString usual = mif->companionFile(mifFileName);
     if (QFileInfo::exists(usual))
         return usual;
     const QFileInfo wanted(usual);

@@ -21,7 +21,7 @@ QByteArray wideCodec(std::string_view bytes)
 
 QByteArray likelyCodec(std::string_view bytes)
 {
-    const QByteArray wide = wideCodec(bytes);
+    QByteArray wide = wideCodec(bytes);
     if (!wide.isEmpty())
         return wide;
     EncodingGuess guess;

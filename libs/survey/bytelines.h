@@ -26,7 +26,7 @@ public:
     bool next()
     {
         const char* const begin = m_buffer.constData() + m_start;
-        const size_t size = static_cast<size_t>(m_buffer.size() - m_start);
+        const auto size = static_cast<size_t>(m_buffer.size() - m_start);
         if (const void* const end =
                 size > 0 ? std::char_traits<char>::find(begin, size, '\n') : nullptr) {
             take(begin, static_cast<size_t>(static_cast<const char*>(end) - begin));

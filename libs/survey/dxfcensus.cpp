@@ -43,6 +43,11 @@ bool contains(const std::set<std::string, std::less<>>& names, std::string_view 
     return !names.empty() && names.find(name.substr(0, maxNameLength)) != names.end();
 }
 
+QByteArray bytesOf(std::string_view text)
+{
+    return { text.data(), static_cast<int>(text.size()) };
+}
+
 } // namespace
 
 void DxfCensus::take(ByteLines& lines)
@@ -147,61 +152,77 @@ void DxfCensus::countKind(std::string_view kind, const char* suffix)
 void DxfCensus::takeValue(std::string_view value)
 {
     const auto is = [this](const char* code) { return m_code == code; };
-    if (is("1")) {
-        if (m_role == Role::Text)
-            m_receiver(value);
+    const std::string_view text = trimmed(value);
+    if (is("1") && m_role == Role::Text)
+        m_receiver(value);
+    else if (is("2"))
+        takeName(text);
+    else if (is("8"))
+        m_isHidden = contains(m_hiddenLayers, text);
+    else if (is("42"))
+        takeBulge(text);
+    else if (is("67"))
+        m_isOnPaper = toNumber(text) == 1;
+    else if (is("62"))
+        m_layerIsHidden = m_layerIsHidden || (m_role == Role::Layer && toNumber(text) < 0);
+    else if (is("70"))
+        takeFlags(text);
+    else if (is("90"))
+        takeCount(text);
+    else if (is("9"))
+        m_codepageFollows = text == "$DWGCODEPAGE";
+    else if (is("3") && std::exchange(m_codepageFollows, false))
+        codepage = bytesOf(text.substr(0, maxNameLength));
+}
+
+void DxfCensus::takeName(std::string_view name)
+{
+    switch (m_role) {
+    case Role::Section:
+        m_section = name == "ENTITIES" ? Section::Entities
+            : name == "BLOCKS"         ? Section::Blocks
+            : name == "TABLES"         ? Section::Tables
+            : name == "HEADER"         ? Section::Header
+                                       : Section::Other;
+        m_role = Role::None;
+        break;
+    case Role::Layer:
+        m_layer = name.substr(0, maxNameLength);
+        break;
+    case Role::Block:
+        m_block = name.substr(0, maxNameLength);
+        break;
+    case Role::Insert:
+        m_holdsGeometry = contains(m_blocksWithGeometry, name);
+        break;
+    default:
+        break;
+    }
+}
+
+void DxfCensus::takeBulge(std::string_view number)
+{
+    if (m_role != Role::LwPolyline && m_role != Role::Vertex && m_role != Role::Polyline)
         return;
-    }
-    if (is("42")) {
-        bool ok = false;
-        const std::string_view text = trimmed(value);
-        const bool isBulge =
-            m_role == Role::LwPolyline || m_role == Role::Vertex || m_role == Role::Polyline;
-        if (isBulge
-            && toDouble(TextView(text.data(), static_cast<qsizetype>(text.size())), &ok) != 0 && ok)
-            ++bulges;
-        return;
-    }
-    if (is("2")) {
-        const std::string_view name = trimmed(value);
-        if (m_role == Role::Section) {
-            m_section = name == "ENTITIES" ? Section::Entities
-                : name == "BLOCKS"         ? Section::Blocks
-                : name == "TABLES"         ? Section::Tables
-                : name == "HEADER"         ? Section::Header
-                                           : Section::Other;
-            m_role = Role::None;
-        } else if (m_role == Role::Layer) {
-            m_layer = name.substr(0, maxNameLength);
-        } else if (m_role == Role::Block) {
-            m_block = name.substr(0, maxNameLength);
-        } else if (m_role == Role::Insert) {
-            m_holdsGeometry = contains(m_blocksWithGeometry, name);
-        }
-    } else if (is("8")) {
-        m_isHidden = contains(m_hiddenLayers, trimmed(value));
-    } else if (is("67")) {
-        m_isOnPaper = toNumber(trimmed(value)) == 1;
-    } else if (is("70")) {
-        const std::string_view flags = trimmed(value);
-        if (m_role == Role::Layer)
-            m_layerIsHidden = m_layerIsHidden || (toNumber(flags) & frozenBit) != 0;
-        if (m_role == Role::Polyline)
-            m_polylineFlags = QByteArray(flags.data(), static_cast<int>(flags.size()));
-        m_polylineIsClosed = m_polylineIsClosed || (m_polylineLine > 0 && flags == "1");
-    } else if (is("62")) {
-        if (m_role == Role::Layer)
-            m_layerIsHidden = m_layerIsHidden || toNumber(trimmed(value)) < 0;
-    } else if (is("90")) {
-        if (m_role == Role::LwPolyline && toNumber(trimmed(value)) == 1
-            && singleVertex.count++ == 0)
-            singleVertex.line = m_line;
-    } else if (is("9")) {
-        m_codepageFollows = trimmed(value) == "$DWGCODEPAGE";
-    } else if (is("3") && std::exchange(m_codepageFollows, false)) {
-        const std::string_view name = trimmed(value).substr(0, maxNameLength);
-        codepage = QByteArray(name.data(), static_cast<int>(name.size()));
-    }
+    bool ok = false;
+    const TextView text(number.data(), static_cast<qsizetype>(number.size()));
+    bulges += toDouble(text, &ok) != 0 && ok ? 1 : 0;
+}
+
+void DxfCensus::takeFlags(std::string_view flags)
+{
+    if (m_role == Role::Layer)
+        m_layerIsHidden = m_layerIsHidden || (toNumber(flags) & frozenBit) != 0;
+    if (m_role == Role::Polyline)
+        m_polylineFlags = bytesOf(flags);
+    m_polylineIsClosed = m_polylineIsClosed || (m_polylineLine > 0 && flags == "1");
+}
+
+void DxfCensus::takeCount(std::string_view count)
+{
+    const bool isSingle = m_role == Role::LwPolyline && toNumber(count) == 1;
+    if (isSingle && singleVertex.count++ == 0)
+        singleVertex.line = m_line;
 }
 
 void DxfCensus::endEntity()

@@ -60,6 +60,10 @@ private:
 
     void takePair(std::string_view value, int line);
     void takeValue(std::string_view value);
+    void takeName(std::string_view name);
+    void takeBulge(std::string_view number);
+    void takeFlags(std::string_view flags);
+    void takeCount(std::string_view count);
     void startEntity(std::string_view kind, int line);
     void startBlockContent(std::string_view kind);
     void countKind(std::string_view kind, const char* suffix);

@@ -37,7 +37,7 @@ QByteArray likelyEncoding(const Format& format, const QString& fileName)
     const QByteArray start = file.read(EncodingGuess::sampleSize);
     const std::string_view sample(start.constData(), static_cast<size_t>(start.size()));
     const QByteArray mark = codecOfMark(sample);
-    const QByteArray wide = mark.isEmpty() ? utf16WithoutMark(sample) : mark;
+    QByteArray wide = mark.isEmpty() ? utf16WithoutMark(sample) : mark;
     if (!wide.isEmpty())
         return wide;
     for (const QString& name : { fileName, format.companionFile(fileName) }) {
