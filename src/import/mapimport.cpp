@@ -118,14 +118,15 @@ void MapImport::nameVertices()
     if (m_unnamed == 0)
         return;
     QVector<DefPoint>& contour = map->last().contours.last();
-    const auto begin = contour.end() - m_unnamed;
+    DefPoint* const end = contour.data() + contour.size();
+    DefPoint* const begin = end - m_unnamed;
     const auto placeOf = [this](const DefPoint& vertex) {
         const QPointF place(vertex.x, vertex.y);
         return swapXY ? place.transposed() : place;
     };
-    for (auto vertex = begin; vertex != contour.end(); ++vertex)
+    for (const DefPoint* vertex = begin; vertex != end; ++vertex)
         points.expectPoint(placeOf(*vertex).x(), placeOf(*vertex).y());
-    for (auto vertex = begin; vertex != contour.end(); ++vertex) {
+    for (DefPoint* vertex = begin; vertex != end; ++vertex) {
         const QPointF place = placeOf(*vertex);
         vertex->def = vertexDef(place.x(), place.y());
         --m_unnamed;
