@@ -340,6 +340,21 @@ private slots:
                            "        \"file\": \"p\\udcd3\\udcf7.mif\",\n"));
     }
 
+    void fileOfManyGigabytes()
+    {
+        // Nothing of it takes room on the disk, nor is more than its start read.
+        const Folder folder;
+        const CommandRun run = folder.shell(
+            QStringLiteral("printf 'AutoCAD Binary DXF\\r\\n\\n\\n' >a.dxf; "
+                           "truncate -s 2200M a.dxf || exit 9; $CLI check a.dxf; rm a.dxf"));
+        if (run.status == 9)
+            QSKIP("No such file can be made here");
+        QVERIFY2(run.out.contains(QStringLiteral("a.dxf: причина: Это не текстовый файл, а "
+                                                 "двоичный DXF.\n")
+                                      .toUtf8()),
+            run.out);
+    }
+
     void controlCharacters()
     {
         // A designation that would end the line and another that would name the window.
