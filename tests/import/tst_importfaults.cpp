@@ -17,7 +17,7 @@ Q_DECLARE_METATYPE(Change)
 
 namespace {
 
-void truncate(const QString& fileName)
+void cutInHalf(const QString& fileName)
 {
     QFile file(fileName);
     QVERIFY(file.resize(file.size() / 2));
@@ -166,7 +166,7 @@ void TestImportFaults::changedFiles_data()
     QTest::addColumn<int>("pass");
     QTest::addColumn<bool>("isLater");
     QTest::addColumn<Change>("change");
-    const QList<QPair<const char*, Change>> changes{ { "shrinks", truncate }, { "grows", grow },
+    const QList<QPair<const char*, Change>> changes{ { "shrinks", cutInHalf }, { "grows", grow },
         { "vanishes", removeFile }, { "is emptied", makeEmpty } };
     for (const char* format : { "mif", "dxf" }) {
         for (const auto& [name, change] : changes) {
