@@ -1,6 +1,6 @@
 #include "geometry/conflicts.h"
 
-#include "geometry/designation.h"
+#include "geometry/defnames.h"
 
 #include <QHash>
 
@@ -51,6 +51,45 @@ int vertexCount(const DefPolygon& polygon)
     return count;
 }
 
+/// A vertex with a designation.
+struct Bearer {
+    DefName name;
+    int vertex; ///< its place among those of all contours
+    const DefPoint* point;
+};
+
+/// The vertices with a designation, those with the same one near each other. A hash table of them
+/// would take several times the room.
+std::vector<Bearer> sortedBearers(const DefPolygon& polygon)
+{
+    DefNames names;
+    std::vector<Bearer> bearers;
+    bearers.reserve(static_cast<size_t>(vertexCount(polygon)));
+    int vertex = 0;
+    for (const QVector<DefPoint>& contour : polygon.contours) {
+        for (const DefPoint& point : contour) {
+            if (!point.def.isEmpty())
+                bearers.push_back({ names.nameOf(point.def), vertex, &point });
+            ++vertex;
+        }
+    }
+    std::sort(bearers.begin(), bearers.end(),
+        [](const Bearer& a, const Bearer& b) { return a.name.hash < b.name.hash; });
+    return bearers;
+}
+
+using BearerIterator = std::vector<Bearer>::iterator;
+
+/// Marks what conflicts among the vertices of one designation.
+void markConflicts(QBitArray& marks, BearerIterator begin, BearerIterator end)
+{
+    Spread spread;
+    std::for_each(begin, end, [&](const Bearer& bearer) { spread.add(*bearer.point); });
+    std::for_each(begin, end, [&](const Bearer& bearer) {
+        marks.setBit(bearer.vertex, spread.conflictsWith(*bearer.point));
+    });
+}
+
 /// Marks the objects with this designation, if there are several, and only then.
 void markBearers(QBitArray& marks, const QVector<DefPolygon>& objects, const QString& def)
 {
@@ -73,15 +112,17 @@ void markBearers(QBitArray& marks, const QVector<DefPolygon>& objects, const QSt
 QBitArray duplicateDefs(const QVector<DefPolygon>& objects)
 {
     QBitArray result(objects.size());
-    QHash<DefKey, int> firstBearer;
+    DefNames names;
+    QHash<DefName, int> firstBearer;
     firstBearer.reserve(objects.size());
     for (int i = 0; i < objects.size(); ++i) {
-        const DefKey key{ objects.at(i).def };
-        if (key.def.isEmpty())
+        const QString& def = objects.at(i).def;
+        if (def.isEmpty())
             continue;
-        const auto first = firstBearer.constFind(key);
+        const DefName name = names.nameOf(def);
+        const auto first = firstBearer.constFind(name);
         if (first == firstBearer.constEnd()) {
-            firstBearer.insert(key, i);
+            firstBearer.insert(name, i);
             continue;
         }
         result.setBit(*first);
@@ -103,33 +144,18 @@ void updateDuplicateDefs(
 
 QBitArray conflictingPoints(const DefPolygon& polygon)
 {
-    const int count = vertexCount(polygon);
-    std::vector<Spread> spreads;
-    std::vector<size_t> spreadOfVertex;
-    spreadOfVertex.reserve(static_cast<size_t>(count));
-    QHash<DefKey, size_t> spreadOfDef;
-    spreadOfDef.reserve(count);
-
-    for (const QVector<DefPoint>& contour : polygon.contours) {
-        for (const DefPoint& point : contour) {
-            const auto known = spreadOfDef.constFind(DefKey{ point.def });
-            const size_t spread = known != spreadOfDef.constEnd() ? *known : spreads.size();
-            if (spread == spreads.size()) {
-                spreads.emplace_back();
-                spreadOfDef.insert(DefKey{ point.def }, spread);
-            }
-            spreads[spread].add(point);
-            spreadOfVertex.push_back(spread);
-        }
-    }
-
-    QBitArray result(count);
-    int vertex = 0;
-    for (const QVector<DefPoint>& contour : polygon.contours) {
-        for (const DefPoint& point : contour) {
-            const Spread& spread = spreads[spreadOfVertex[static_cast<size_t>(vertex)]];
-            result.setBit(vertex, !point.def.isEmpty() && spread.conflictsWith(point));
-            ++vertex;
+    QBitArray result(vertexCount(polygon));
+    std::vector<Bearer> bearers = sortedBearers(polygon);
+    for (auto it = bearers.begin(); it != bearers.end();) {
+        const auto otherHash = std::find_if(it, bearers.end(),
+            [it](const Bearer& bearer) { return bearer.name.hash != it->name.hash; });
+        // Hardly ever do several designations have one hash.
+        while (it != otherHash) {
+            const DefName name = it->name;
+            const auto end = std::partition(
+                it, otherHash, [name](const Bearer& bearer) { return bearer.name == name; });
+            markConflicts(result, it, end);
+            it = end;
         }
     }
     return result;

@@ -1,5 +1,7 @@
 #include "geometry/designation.h"
 
+#include <QHash>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -25,6 +27,28 @@ bool operator<(const SortKey& a, const SortKey& b)
 {
     const int order = QString::compare(a.prefix, b.prefix, Qt::CaseInsensitive);
     return order != 0 ? order < 0 : a.number < b.number;
+}
+
+std::vector<SortKey> sortKeys(const QVector<DefPolygon>& objects)
+{
+    // One long text may be the designation of thousands: what it is split into is shared, too.
+    constexpr int longText = 64;
+    QHash<const QChar*, size_t> keyOfText;
+    std::vector<SortKey> keys(static_cast<size_t>(objects.size()));
+    for (size_t i = 0; i < keys.size(); ++i) {
+        const QString& def = objects.at(static_cast<int>(i)).def;
+        const auto known =
+            def.size() < longText ? keyOfText.constEnd() : keyOfText.constFind(def.constData());
+        if (known != keyOfText.constEnd()) {
+            keys[i] = keys[*known];
+        } else {
+            splitDef(def, keys[i].prefix, keys[i].number);
+            if (def.size() >= longText)
+                keyOfText.insert(def.constData(), i);
+        }
+        keys[i].index = static_cast<int>(i);
+    }
+    return keys;
 }
 
 } // namespace
@@ -62,12 +86,7 @@ QString numberedDef(const QString& prefix, int number)
 
 void sortObjects(QVector<DefPolygon>& objects)
 {
-    std::vector<SortKey> keys(static_cast<size_t>(objects.size()));
-    int index = 0;
-    for (SortKey& key : keys) {
-        splitDef(objects.at(index).def, key.prefix, key.number);
-        key.index = index++;
-    }
+    std::vector<SortKey> keys = sortKeys(objects);
     std::sort(keys.begin(), keys.end());
 
     QVector<DefPolygon> sorted;

@@ -146,7 +146,6 @@ void LineReader::seek(qint64 position, int linesBefore)
     const int linesOfEarlierRuns = m_linesBefore;
     m_file.seek(position - inBlock);
     start();
-    m_isAtStart = position == inBlock;
     m_blockEnd = position - inBlock;
     m_lineStart = position;
     m_linesBefore = linesOfEarlierRuns;
