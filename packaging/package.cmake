@@ -1,5 +1,6 @@
 # One Debian package of everything that is installed; scripts/package.sh makes it.
 
+# Who answers is not settled; the address is one that can never be anybody's.
 set(IMPORTGEOMETRY_MAINTAINER "importgeometry maintainers <maintainers@importgeometry.invalid>" CACHE STRING
     "Who answers for the package: name and address")
 
