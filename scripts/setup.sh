@@ -16,8 +16,9 @@ packages=(
 )
 test_packages=(
     binutils           # readelf and nm look at the plug-in
-    xvfb xauth         # one test shows the dialog on a real window system
+    xvfb xauth openbox # tests show the dialog and the window on a real window system
     man-db             # a test formats the manual page
+    poppler-utils      # a test reads the text of a printed sheet
 )
 ci_packages=(
     clang libclang-rt-dev  # the second compiler, its sanitizers and its fuzzer

@@ -14,6 +14,8 @@ CatalogueModel::CatalogueModel(Document& document, QObject* parent)
     : QAbstractTableModel(parent)
     , m_document(document)
 {
+    // Without an object while there is none to be asked for, and with the columns of the new table.
+    connect(&document, &Document::tableAboutToBeReplaced, this, [this] { reset(-1); });
     connect(&document, &Document::tableReplaced, this, [this] { reset(-1); });
     connect(&document, &Document::pointRenamed, this, &CatalogueModel::renamed);
 }

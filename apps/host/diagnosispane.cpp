@@ -4,7 +4,6 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QTextBrowser>
-#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -75,7 +74,7 @@ QString windowRemedy(const FoundCause& found)
             .arg(found.detail);
     default:
         return isMendedByCopy(found.cause)
-            ? QStringLiteral("Откройте исправленную копию: её пишет кнопка внизу.")
+            ? QStringLiteral("Откройте исправленную копию: её пишет кнопка справа.")
             : remedyText(found);
     }
 }
@@ -91,13 +90,10 @@ DiagnosisPane::DiagnosisPane(QWidget* parent)
     m_mend->setObjectName(QStringLiteral("mendButton"));
     m_mend->setToolTip(QStringLiteral("Записать рядом с файлом копию, которая читается целиком, и "
                                       "открыть её"));
-    auto* layout = new QVBoxLayout(this);
+    auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(4, 4, 4, 4);
     layout->addWidget(m_browser);
-    auto* row = new QHBoxLayout;
-    row->addWidget(m_mend);
-    row->addStretch();
-    layout->addLayout(row);
+    layout->addWidget(m_mend, 0, Qt::AlignTop);
     connect(m_mend, &QPushButton::clicked, this,
         [this] { emit mendRequested(m_fileName, m_visibleOnly); });
     clear();

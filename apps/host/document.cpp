@@ -107,6 +107,7 @@ void Document::renamePoint(int object, int contour, int vertex, const QString& d
 
 void Document::setTable(const FormTable& table)
 {
+    emit tableAboutToBeReplaced();
     m_table = table;
     m_duplicates = duplicateDefs(m_table.objects);
     const AxisOrder order = guessAxisOrder(m_table.objects);

@@ -37,6 +37,7 @@ public:
     int catalogueColumns() const { return m_catalogueColumns; }
 
 signals:
+    void tableAboutToBeReplaced();
     /// Everything is another: objects, places, names.
     void tableReplaced();
     void objectRenamed(int object);

@@ -67,6 +67,13 @@ MainWindow::MainWindow(PluginHost& host)
 MainWindow::~MainWindow()
 {
     finishBackgroundWork();
+    disconnect(&m_document, nullptr, this, nullptr);
+    disconnect(&m_document.undoStack(), nullptr, this, nullptr);
+    // The views and their models ask the document to the last; it is gone before the children of a
+    // window go by themselves.
+    delete takeCentralWidget();
+    delete m_catalogueModel;
+    delete m_objectsModel;
 }
 
 void MainWindow::buildViews()
@@ -77,6 +84,15 @@ void MainWindow::buildViews()
     m_catalogue =
         makeTable(*m_catalogueModel, "catalogue", QStringLiteral("Каталог координат объекта"));
     m_catalogue->setSelectionBehavior(QAbstractItemView::SelectItems);
+    // Only what is in sight is measured: a catalogue may have any number of rows.
+    m_catalogue->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    m_catalogue->horizontalHeader()->setResizeContentsPrecision(0);
+    m_objects->horizontalHeader()->setStretchLastSection(false);
+    m_objects->horizontalHeader()->setSectionResizeMode(
+        ObjectsModel::Designation, QHeaderView::Stretch);
+    m_objects->horizontalHeader()->setSectionResizeMode(
+        ObjectsModel::Points, QHeaderView::ResizeToContents);
+    m_objects->horizontalHeader()->setResizeContentsPrecision(0);
     m_plan = new PlanWidget(m_document);
     m_plan->setObjectName(QStringLiteral("plan"));
     m_search = new QLineEdit;
@@ -128,7 +144,7 @@ void MainWindow::buildDocks()
     m_messagesDock = addDock("messagesDock", QStringLiteral("Сообщения"), m_messages);
     tabifyDockWidget(m_diagnosisDock, m_messagesDock);
     m_diagnosisDock->raise();
-    resizeDocks({ m_diagnosisDock }, { 190 }, Qt::Vertical);
+    resizeDocks({ m_diagnosisDock }, { 230 }, Qt::Vertical);
 }
 
 void MainWindow::connectViews()

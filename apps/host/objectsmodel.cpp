@@ -10,10 +10,8 @@ ObjectsModel::ObjectsModel(Document& document, QObject* parent)
     : QAbstractTableModel(parent)
     , m_document(document)
 {
-    connect(&document, &Document::tableReplaced, this, [this] {
-        beginResetModel();
-        endResetModel();
-    });
+    connect(&document, &Document::tableAboutToBeReplaced, this, [this] { beginResetModel(); });
+    connect(&document, &Document::tableReplaced, this, [this] { endResetModel(); });
     connect(&document, &Document::objectRenamed, this, &ObjectsModel::renamed);
 }
 

@@ -67,6 +67,7 @@ void PlanFrame::drawGrid()
     const auto first = [step](double from) { return std::ceil(from / step) * step; };
     const int decimals = std::max(0, -static_cast<int>(std::floor(std::log10(step) + 1e-9)));
     const auto number = [decimals](double value) { return QString::number(value, 'f', decimals); };
+    const QFontMetricsF metrics(planFont(false));
     QVector<QPolygonF> crosses;
     constexpr int most = 200;
     const double startX = first(middleX - halfWidth);
@@ -85,6 +86,9 @@ void PlanFrame::drawGrid()
             crosses.append(
                 QPolygonF(QVector<QPointF>{ place - QPointF(0, arm), place + QPointF(0, arm) }));
         }
+        const double end = foot.x() + 4 + metrics.horizontalAdvance(number(x));
+        if (end > frame.right())
+            continue;
         text(QPointF(foot.x() + 2, frame.top() + 12), number(x), m_colors.grey);
         m_space.take(QRectF(foot.x(), frame.top(), 70, 14));
     }

@@ -203,6 +203,8 @@ void PlanScene::drawSelection(
         return;
     const auto& contours = m_objects.at(selection.objects.last()).contours;
     const DefPoint vertex = contours.value(selection.contour).value(selection.vertex);
+    if (!isPlace(vertex))
+        return;
     painter.setPen(QPen(chosen, chosenWidth));
     painter.setBrush(Qt::NoBrush);
     painter.drawEllipse(view.toPicture(vertex), 7, 7);

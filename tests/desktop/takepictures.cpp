@@ -97,8 +97,10 @@ void takeAll(PluginHost& host)
 
     // A drawing as people have it: refused, explained, mended.
     QTemporaryDir own;
-    const QString drawing = own.filePath(QStringLiteral("survey.dxf"));
-    QFile::copy(samples + QStringLiteral("/survey.dxf"), drawing);
+    // Pictures show names without the folders of this machine.
+    const QString drawing = QStringLiteral("survey.dxf");
+    QFile::copy(samples + QStringLiteral("/survey.dxf"), own.filePath(drawing));
+    QDir::setCurrent(own.path());
     MainWindow other(host);
     other.resize(1200, 780);
     other.show();
@@ -128,7 +130,7 @@ int main(int argc, char** argv)
         std::fputs("usage: importgeometry-pictures FOLDER SAMPLES [dark]\n", stderr);
         return 2;
     }
-    folder = QString::fromLocal8Bit(argv[1]);
+    folder = QDir(QString::fromLocal8Bit(argv[1])).absolutePath();
     samples = QString::fromLocal8Bit(argv[2]);
     QDir().mkpath(folder);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
