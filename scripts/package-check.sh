@@ -7,7 +7,12 @@
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-scripts/setup.sh package-check
+# What is mounted here is for this script and what it starts, and goes with them.
+if [ -z "${PACKAGE_CHECK_APART-}" ]; then
+    scripts/setup.sh package-check
+    export PACKAGE_CHECK_APART=1
+    exec unshare --mount scripts/package-check.sh "$@"
+fi
 
 release=${1-bookworm}
 work=build/package-check/$release
@@ -17,16 +22,8 @@ folders=(build/packages/*-linux-*.tar.gz)
 folder=${folders[0]}
 installed=$work/installed
 bare=$work/bare
-mounts=()
 
-clean_up() {
-    local i
-    for ((i = ${#mounts[@]} - 1; i >= 0; i--)); do
-        umount "${mounts[i]}"
-    done
-    [ -z "${display_pid-}" ] || kill "$display_pid"
-}
-trap clean_up EXIT
+trap '[ -z "${display_pid-}" ] || kill "$display_pid"' EXIT
 
 step() {
     echo
@@ -36,12 +33,6 @@ step() {
 fail() {
     echo "package-check: $*" >&2
     exit 1
-}
-
-mount_at() {
-    mkdir -p "${*: -1}"
-    mount "$@"
-    mounts+=("${*: -1}")
 }
 
 # The root's own programs, with nothing of this machine's environment but the way out.
@@ -82,8 +73,10 @@ rm -rf "$installed"
 cp -a "$bare" "$installed"
 for root in "$bare" "$installed"; do
     cp -L /etc/resolv.conf /etc/hosts "$root/etc/"
-    mount_at -t proc proc "$root/proc"
-    mount_at --bind /dev "$root/dev"
+    # A root that is thrown away need not survive a power cut.
+    echo force-unsafe-io >"$root/etc/dpkg/dpkg.cfg.d/package-check"
+    mount -t proc proc "$root/proc"
+    mount --rbind /dev "$root/dev"
 done
 
 step "Install"
@@ -138,10 +131,11 @@ exec {number}<> <(:)
 Xvfb -displayfd "$number" -screen 0 1280x1024x24 -nolisten tcp >"$work/xvfb.log" 2>&1 &
 display_pid=$!
 read -r -t 30 -u "$number" screen || fail "no display"
-mount_at --bind /tmp/.X11-unix "$bare/tmp/.X11-unix"
+mkdir -p "$bare/tmp/.X11-unix"
+mount --bind /tmp/.X11-unix "$bare/tmp/.X11-unix"
 export DISPLAY=:$screen
 in_root "$bare" timeout 60 /opt/importgeometry/importgeometry-host --settings /tmp/settings \
-    --operation "Объекты из DXF" --file "$samples/lots.dxf" >"$work/display.log" 2>&1 &
+    >"$work/display.log" 2>&1 &
 host_pid=$!
 windows() {
     xwininfo -root -tree | grep -c '"importgeometry-host" "importgeometry-host"' || true
