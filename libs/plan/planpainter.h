@@ -34,8 +34,6 @@ private:
     void drawObject(PlanCanvas& canvas, int index);
     void drawPoints(PlanCanvas& canvas);
     void drawPointsOf(PlanCanvas& canvas, int index);
-    void addObjectLabels(
-        const DefPolygon& object, const QVector<QPolygonF>& contours, bool isArea, bool isRed);
 
     const QVector<DefPolygon>& m_objects;
     const PlanAxes m_axes;
