@@ -2,8 +2,6 @@
 
 #include "geometry/defnames.h"
 
-#include <QHash>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -58,9 +56,7 @@ struct Bearer {
     const DefPoint* point;
 };
 
-/// The vertices with a designation, those with the same one near each other. A hash table of them
-/// would take several times the room.
-std::vector<Bearer> sortedBearers(const DefPolygon& polygon)
+std::vector<Bearer> bearersOf(const DefPolygon& polygon)
 {
     DefNames names;
     std::vector<Bearer> bearers;
@@ -73,8 +69,25 @@ std::vector<Bearer> sortedBearers(const DefPolygon& polygon)
             ++vertex;
         }
     }
-    std::sort(bearers.begin(), bearers.end(),
-        [](const Bearer& a, const Bearer& b) { return a.name.hash < b.name.hash; });
+    return bearers;
+}
+
+/// An object with a designation.
+struct ObjectName {
+    DefName name;
+    int object; ///< its index
+};
+
+std::vector<ObjectName> objectNames(const QVector<DefPolygon>& objects)
+{
+    DefNames names;
+    std::vector<ObjectName> bearers;
+    bearers.reserve(static_cast<size_t>(objects.size()));
+    for (int i = 0; i < objects.size(); ++i) {
+        const QString& def = objects.at(i).def;
+        if (!def.isEmpty())
+            bearers.push_back({ names.nameOf(def), i });
+    }
     return bearers;
 }
 
@@ -112,22 +125,12 @@ void markBearers(QBitArray& marks, const QVector<DefPolygon>& objects, const QSt
 QBitArray duplicateDefs(const QVector<DefPolygon>& objects)
 {
     QBitArray result(objects.size());
-    DefNames names;
-    QHash<DefName, int> firstBearer;
-    firstBearer.reserve(objects.size());
-    for (int i = 0; i < objects.size(); ++i) {
-        const QString& def = objects.at(i).def;
-        if (def.isEmpty())
-            continue;
-        const DefName name = names.nameOf(def);
-        const auto first = firstBearer.constFind(name);
-        if (first == firstBearer.constEnd()) {
-            firstBearer.insert(name, i);
-            continue;
-        }
-        result.setBit(*first);
-        result.setBit(i);
-    }
+    std::vector<ObjectName> bearers = objectNames(objects);
+    forEachName(bearers, [&](auto begin, auto end) {
+        const bool isShared = end - begin > 1;
+        std::for_each(
+            begin, end, [&](const ObjectName& bearer) { result.setBit(bearer.object, isShared); });
+    });
     return result;
 }
 
@@ -145,18 +148,7 @@ void updateDuplicateDefs(
 QBitArray conflictingPoints(const DefPolygon& polygon)
 {
     QBitArray result(vertexCount(polygon));
-    std::vector<Bearer> bearers = sortedBearers(polygon);
-    for (auto it = bearers.begin(); it != bearers.end();) {
-        const auto otherHash = std::find_if(it, bearers.end(),
-            [it](const Bearer& bearer) { return bearer.name.hash != it->name.hash; });
-        // Hardly ever do several designations have one hash.
-        while (it != otherHash) {
-            const DefName name = it->name;
-            const auto end = std::partition(
-                it, otherHash, [name](const Bearer& bearer) { return bearer.name == name; });
-            markConflicts(result, it, end);
-            it = end;
-        }
-    }
+    std::vector<Bearer> bearers = bearersOf(polygon);
+    forEachName(bearers, [&](auto begin, auto end) { markConflicts(result, begin, end); });
     return result;
 }
