@@ -141,6 +141,7 @@ private slots:
         row("closed by 129", drawing(polyline("129")), "closed-flag 12 1 [129]");
         row("closed by 9, twice", drawing(polyline("9") + polyline("9")), "closed-flag 12 2 [9]");
         row("closed mesh", drawing(polyline("17")), "mesh 12 1 []");
+        row("faces", drawing(polyline("64")), "mesh 12 1 []");
         row("LWPOLYLINE closed by 129", drawing(QByteArray(square).replace("70\n1", "70\n129")),
             "");
         row("bulges", drawing(QByteArray(square).replace("20\n9\n", "20\n9\n42\n-0.5\n")),
