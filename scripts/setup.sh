@@ -16,6 +16,7 @@ test_packages=(
     binutils           # readelf and nm look at the plug-in
     xvfb xauth         # one test shows the dialog on a real window system
     man-db             # a test formats the manual page
+    zsh fish           # the completions are tried in their shells
 )
 ci_packages=(
     clang libclang-rt-dev  # the second compiler, its sanitizers and its fuzzer

@@ -63,6 +63,7 @@ void PlanFrame::drawGrid()
     const auto first = [step](double from) { return std::ceil(from / step) * step; };
     const int decimals = std::max(0, -static_cast<int>(std::floor(std::log10(step) + 1e-9)));
     const auto number = [decimals](double value) { return QString::number(value, 'f', decimals); };
+    const QFontMetricsF metrics(planFont(false));
     QVector<QPolygonF> crosses;
     constexpr int most = 200;
     const double startX = first(middleX - halfWidth);
@@ -81,7 +82,10 @@ void PlanFrame::drawGrid()
             crosses.append(
                 QPolygonF(QVector<QPointF>{ place - QPointF(0, arm), place + QPointF(0, arm) }));
         }
-        text(QPointF(foot.x() + 2, frame.top() + 12), number(x), planGrey);
+        const QPointF start(foot.x() + 2, frame.top() + 12);
+        if (start.x() + metrics.horizontalAdvance(number(x)) >= frame.right())
+            continue;
+        text(start, number(x), planGrey);
         m_space.take(QRectF(foot.x(), frame.top(), 70, 14));
     }
     for (int j = 0; j < most; ++j) {

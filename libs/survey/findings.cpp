@@ -109,7 +109,7 @@ std::vector<Bearer> sortedBearers(const QVector<DefPolygon>& objects)
     bearers.reserve(static_cast<size_t>(objects.size()));
     for (int i = 0; i < objects.size(); ++i) {
         if (!objects.at(i).def.isEmpty())
-            bearers.push_back({ qHash(DefKey{ objects.at(i).def }, seed), i });
+            bearers.push_back({ hashOfDef(objects.at(i).def, seed), i });
     }
     std::sort(bearers.begin(), bearers.end(), [](const Bearer& a, const Bearer& b) {
         return a.hash < b.hash || (a.hash == b.hash && a.object < b.object);

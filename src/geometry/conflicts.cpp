@@ -3,6 +3,7 @@
 #include "geometry/designation.h"
 
 #include <QHash>
+#include <QRandomGenerator>
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +14,8 @@ namespace {
 
 /// The extent of all vertices that share a designation.
 struct Spread {
+    const QString* def = nullptr;
+    uint hash = 0; ///< of the designation
     int count = 0;
     bool finite = true;
     double minX = std::numeric_limits<double>::infinity();
@@ -41,6 +44,42 @@ struct Spread {
         return std::max(point.x - minX, maxX - point.x) > DefPoint::epsilon
             || std::max(point.y - minY, maxY - point.y) > DefPoint::epsilon;
     }
+};
+
+/// Finds the spread of a designation. A QHash would need memory for each of them.
+class SpreadTable {
+public:
+    /// For so many designations at most.
+    explicit SpreadTable(int most)
+    {
+        size_t size = 2;
+        while (size < 2 * static_cast<size_t>(most))
+            size *= 2;
+        m_slots.assign(size, -1);
+    }
+
+    /// The index of the designation's spread, which is appended where there is none.
+    int spreadOf(const QString& def, std::vector<Spread>& spreads)
+    {
+        // A seed of its own: nobody can write a file whose designations collide.
+        static const uint seed = QRandomGenerator::system()->generate();
+        const uint hash = hashOfDef(def, seed);
+        const size_t mask = m_slots.size() - 1;
+        size_t slot = hash & mask;
+        for (; m_slots[slot] >= 0; slot = (slot + 1) & mask) {
+            const Spread& spread = spreads[static_cast<size_t>(m_slots[slot])];
+            if (spread.hash == hash && (spread.def->isSharedWith(def) || sameDef(*spread.def, def)))
+                return m_slots[slot];
+        }
+        m_slots[slot] = static_cast<int>(spreads.size());
+        spreads.emplace_back();
+        spreads.back().def = &def;
+        spreads.back().hash = hash;
+        return m_slots[slot];
+    }
+
+private:
+    std::vector<int> m_slots; ///< indices of spreads; -1 where there is none
 };
 
 int vertexCount(const DefPolygon& polygon)
@@ -105,20 +144,14 @@ QBitArray conflictingPoints(const DefPolygon& polygon)
 {
     const int count = vertexCount(polygon);
     std::vector<Spread> spreads;
-    std::vector<size_t> spreadOfVertex;
+    std::vector<int> spreadOfVertex;
+    spreads.reserve(static_cast<size_t>(count));
     spreadOfVertex.reserve(static_cast<size_t>(count));
-    QHash<DefKey, size_t> spreadOfDef;
-    spreadOfDef.reserve(count);
-
+    SpreadTable table(count);
     for (const QVector<DefPoint>& contour : polygon.contours) {
         for (const DefPoint& point : contour) {
-            const auto known = spreadOfDef.constFind(DefKey{ point.def });
-            const size_t spread = known != spreadOfDef.constEnd() ? *known : spreads.size();
-            if (spread == spreads.size()) {
-                spreads.emplace_back();
-                spreadOfDef.insert(DefKey{ point.def }, spread);
-            }
-            spreads[spread].add(point);
+            const int spread = table.spreadOf(point.def, spreads);
+            spreads[static_cast<size_t>(spread)].add(point);
             spreadOfVertex.push_back(spread);
         }
     }
@@ -127,7 +160,8 @@ QBitArray conflictingPoints(const DefPolygon& polygon)
     int vertex = 0;
     for (const QVector<DefPoint>& contour : polygon.contours) {
         for (const DefPoint& point : contour) {
-            const Spread& spread = spreads[spreadOfVertex[static_cast<size_t>(vertex)]];
+            const int index = spreadOfVertex[static_cast<size_t>(vertex)];
+            const Spread& spread = spreads[static_cast<size_t>(index)];
             result.setBit(vertex, !point.def.isEmpty() && spread.conflictsWith(point));
             ++vertex;
         }
