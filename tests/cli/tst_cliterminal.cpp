@@ -105,8 +105,9 @@ private slots:
         reader.setStandardOutputFile(QProcess::nullDevice());
         reader.start(QStringLiteral("cat"), { out });
         QVERIFY(reader.waitForStarted(patience));
-        output.close();
         QCOMPARE(waitFor(process).status, 0);
+        // Now nobody writes, and the reader ends.
+        output.close();
         QVERIFY(reader.waitForFinished(patience));
     }
 
