@@ -58,7 +58,7 @@ private:
         DefPolygon object;
         OtherCells others;
         bool hasCatalogue = false;
-        m_cells.clear();
+        m_count = 0;
         while (m_xml.readNextStartElement()) {
             if (isAt(cellTag)) {
                 readCell();
@@ -69,7 +69,7 @@ private:
                 m_xml.skipCurrentElement();
             }
         }
-        object.def = m_cells.value(std::max(m_columns.defColNum, 0));
+        object.def = cellAt(std::max(m_columns.defColNum, 0));
         others.object = othersOf({ std::max(m_columns.defColNum, 0) });
         m_table.objects.append(std::move(object));
         m_table.others.append(std::move(others));
@@ -78,7 +78,8 @@ private:
     void readCatalogue(DefPolygon& object, OtherCells& others)
     {
         m_table.catalogueName = m_xml.attributes().value(QLatin1String("Name")).toString();
-        const QStringList objectCells = std::move(m_cells);
+        const QVector<QString> objectCells = m_cells;
+        const int objectCount = m_count;
         m_hasOthers = false;
         while (m_xml.readNextStartElement()) {
             if (isAt(rowTag))
@@ -89,11 +90,12 @@ private:
         if (!m_hasOthers)
             others.points.clear();
         m_cells = objectCells;
+        m_count = objectCount;
     }
 
     void readPoint(DefPolygon& object, OtherCells& others)
     {
-        m_cells.clear();
+        m_count = 0;
         while (m_xml.readNextStartElement()) {
             if (isAt(cellTag))
                 readCell();
@@ -102,14 +104,14 @@ private:
         }
         if (object.contours.isEmpty())
             object.contours.append(QVector<DefPoint>());
-        const bool isSeparator = std::all_of(
-            m_cells.cbegin(), m_cells.cend(), [](const QString& cell) { return cell.isEmpty(); });
+        const bool isSeparator = std::all_of(m_cells.cbegin(), m_cells.cbegin() + m_count,
+            [](const QString& cell) { return cell.isEmpty(); });
         if (isSeparator) {
             object.contours.append(QVector<DefPoint>());
             return;
         }
         DefPoint point;
-        point.def = m_cells.value(m_columns.nColNum);
+        point.def = cellAt(m_columns.nColNum);
         point.x = coordinate(m_columns.xColNum);
         point.y = coordinate(m_columns.yColNum);
         object.contours.last().append(point);
@@ -124,7 +126,7 @@ private:
     double coordinate(int column)
     {
         bool ok = false;
-        const QString text = m_cells.value(column);
+        const QString text = cellAt(column);
         const double value = text.toDouble(&ok);
         if (!ok && !m_xml.hasError()) {
             m_xml.raiseError(QStringLiteral("в столбце %1 каталога не координата: «%2»")
@@ -137,20 +139,37 @@ private:
         return value;
     }
 
+    /// Reads the text of a cell into the row; the rows share their memory.
     void readCell()
     {
-        if (m_cells.size() >= mostCells)
+        if (m_count >= mostCells) {
             m_xml.raiseError(QStringLiteral("в строке таблицы слишком много ячеек"));
-        m_cells.append(m_xml.readElementText());
+            return;
+        }
+        if (m_count == m_cells.size())
+            m_cells.append(QString());
+        QString& cell = m_cells[m_count++];
+        cell.resize(0);
+        while (!m_xml.atEnd()) {
+            const QXmlStreamReader::TokenType token = m_xml.readNext();
+            if (token == QXmlStreamReader::EndElement)
+                return;
+            if (token == QXmlStreamReader::StartElement)
+                m_xml.raiseError(QStringLiteral("в ячейке таблицы не только текст"));
+            else if (token == QXmlStreamReader::Characters)
+                cell.append(m_xml.text());
+        }
     }
+
+    QString cellAt(int column) const { return column < m_count ? m_cells.at(column) : QString(); }
 
     /// The cells of the row but for those of the given columns; empty where they have no text.
     QStringList othersOf(std::initializer_list<int> known) const
     {
         QStringList cells;
-        for (int i = m_cells.size() - 1; i >= 0; --i) {
+        for (int i = m_count - 1; i >= 0; --i) {
             const bool isOther =
-                std::find(known.begin(), known.end(), i) == known.end() && !m_cells.at(i).isEmpty();
+                !m_cells.at(i).isEmpty() && std::find(known.begin(), known.end(), i) == known.end();
             if (isOther && cells.isEmpty())
                 cells = QVector<QString>(i + 1).toList();
             if (isOther)
@@ -162,7 +181,8 @@ private:
     QXmlStreamReader& m_xml;
     FormTable& m_table;
     const GeometryInfo m_columns;
-    QStringList m_cells;
+    QVector<QString> m_cells; ///< of the row, and unused ones
+    int m_count = 0; ///< of the row
     bool m_hasOthers = false;
 };
 

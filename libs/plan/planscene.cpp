@@ -15,11 +15,11 @@ namespace {
 
 constexpr double detail = 1; ///< shorter steps are not seen
 constexpr double speckSize = 3; ///< smaller objects have no shape
-constexpr double filledSize = 6; ///< of the smallest object that is filled in a crowded picture
+constexpr double filledSize = 24; ///< of the smallest object that is filled in a crowded picture
 constexpr double namedSize = 14; ///< smaller objects have no room for a name
 constexpr int mostNames = 300; ///< of objects, and of points
-constexpr int crowded = 20000; ///< more places than these are drawn without smooth edges
-constexpr int mostDots = 3000;
+constexpr int crowded = 5000; ///< more places than these are drawn without smooth edges
+constexpr int mostDots = 1200;
 constexpr double chosenWidth = 2.5;
 
 double sizeOf(const QRectF& box)
