@@ -8,10 +8,13 @@
 #include <QProgressDialog>
 #include <QRunnable>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <memory>
 
 namespace {
+
+constexpr int unshownMs = 300;
 
 /// One after the other: an import tells its messages through one function of the process.
 QThreadPool& pool()
@@ -50,24 +53,29 @@ private:
 bool runWithProgress(QWidget* parent, const QString& label, const BackgroundWork& work)
 {
     auto* task = new Task(work);
+    const std::shared_ptr<std::atomic_bool> cancelled = task->cancelFlag();
+    const QFuture<void> future = task->future();
     QFutureWatcher<void> watcher;
     QEventLoop loop;
-    const std::shared_ptr<std::atomic_bool> cancelled = task->cancelFlag();
+    QObject::connect(&watcher, &QFutureWatcher<void>::finished, &loop, &QEventLoop::quit);
+    watcher.setFuture(future);
+    pool().start(task);
+    // Short work shows no window, and nothing else is begun beside it.
+    QTimer::singleShot(unshownMs, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    if (future.isFinished())
+        return true;
     // No bar can tell how far the work is; one that moves tells that it goes on.
     QProgressDialog progress(label, QStringLiteral("Отмена"), 0, 0, parent);
     progress.setWindowModality(Qt::WindowModal);
-    progress.setMinimumDuration(400);
-    QObject::connect(&progress, &QProgressDialog::canceled, &loop, [&] {
-        *cancelled = true;
-        loop.quit();
-    });
-    QObject::connect(&watcher, &QFutureWatcher<void>::finished, &loop, &QEventLoop::quit);
-    QFuture<void> future = task->future();
-    watcher.setFuture(future);
-    pool().start(task);
-    if (!future.isFinished())
-        loop.exec(QEventLoop::AllEvents);
-    return !*cancelled;
+    QObject::connect(&progress, &QProgressDialog::canceled, &loop, &QEventLoop::quit);
+    progress.show();
+    loop.exec();
+    if (future.isFinished() && !progress.wasCanceled())
+        return true;
+    // The program may be about to end, too.
+    *cancelled = true;
+    return false;
 }
 
 void finishBackgroundWork()

@@ -29,7 +29,7 @@ QString trouble(const QSaveFile& file)
 
 bool writePicture(QIODevice& out, const FormExport& task)
 {
-    PlanPainter plan(task.table.objects, PlanAxes{ task.northingFirst, true });
+    PlanPainter plan(task.table.objects, PlanAxes{ task.northingFirst, true, true });
     return writePlan(out, task.form == FormFile::Svg ? PlanFormat::Svg : PlanFormat::Png,
         plan.pageWithin(largestPicture), plan, task.title);
 }

@@ -86,8 +86,12 @@ bool Sheet::paint(QPagedPaintDevice& device, const std::atomic_bool& cancelled)
     const QSizeF plan(m_page.width(), m_page.height() * 0.55);
     painter.save();
     painter.translate(0, planTop);
+    // Letters of a picture on a screen are too large for paper.
+    constexpr double reduced = 0.72;
+    painter.scale(reduced, reduced);
     PainterCanvas canvas(painter);
-    PlanPainter(m_objects, PlanAxes{ m_northingFirst, true }).paint(canvas, plan, m_tableName);
+    PlanPainter(m_objects, PlanAxes{ m_northingFirst, true, true })
+        .paint(canvas, plan / reduced, m_tableName);
     painter.restore();
     startPage();
     drawLine(m_title, true, 14);

@@ -204,21 +204,28 @@ bool MainWindow::exportTo(FormFile form, const QString& fileName, bool chosenOnl
 
 void MainWindow::print()
 {
-    QPrinter printer(QPrinter::HighResolution);
-    QPrintDialog dialog(&printer, this);
+    auto printer = std::make_shared<QPrinter>(QPrinter::HighResolution);
+    QPrintDialog dialog(printer.get(), this);
     dialog.setOption(QAbstractPrintDialog::PrintSelection, !chosenObjects().isEmpty());
     if (dialog.exec() != QDialog::Accepted)
         return;
-    QVector<int> rows = printer.printRange() == QPrinter::Selection
+    QVector<int> rows = printer->printRange() == QPrinter::Selection
         ? chosenObjects()
         : allRows(m_document.objects().size());
     std::sort(rows.begin(), rows.end());
-    const std::atomic_bool cancelled{ false };
-    Sheet sheet(m_document.table(), rows, m_document.isNorthingFirst(),
+    auto sheet = std::make_shared<Sheet>(m_document.table(), rows, m_document.isNorthingFirst(),
         QStringLiteral("План и каталог координат"));
-    if (!sheet.paint(printer, cancelled))
+    auto isPrinted = std::make_shared<bool>(false);
+    const bool isDone = runWithProgress(
+        this, QStringLiteral("Печатается…"), [=](const std::atomic_bool& cancelled) {
+            *isPrinted = sheet->paint(*printer, cancelled);
+            if (!*isPrinted)
+                printer->abort();
+        });
+    if (isDone && !*isPrinted) {
         QMessageBox::warning(
             this, QStringLiteral("Не напечатано"), QStringLiteral("Принтер не принял задание."));
+    }
 }
 
 void MainWindow::copyCatalogue()

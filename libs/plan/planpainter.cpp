@@ -45,8 +45,9 @@ void PlanPainter::paint(PlanCanvas& canvas, const QSizeF& size, const QString& t
 QString PlanPainter::axesText() const
 {
     const auto number = [](double value) { return QString::number(value, 'f', 2); };
-    const QLatin1String right(m_axes.swapped ? "Y" : "X");
-    const QLatin1String up(m_axes.swapped ? "X" : "Y");
+    const bool isXUp = m_axes.isXUp || m_axes.swapped;
+    const QLatin1String right(isXUp ? "Y" : "X");
+    const QLatin1String up(isXUp ? "X" : "Y");
     return QStringLiteral("%1вправо %2: от %3 до %4; вверх %5: от %6 до %7")
         .arg(m_axes.isNorthUp ? QStringLiteral("север вверху; ") : QString(), right,
             number(m_view.left()), number(m_view.right()), up, number(m_view.bottom()),
@@ -61,6 +62,8 @@ void PlanPainter::drawObjects(PlanCanvas& canvas)
             QStringLiteral("object-%1").arg(i + 1), planText(m_objects.at(i).def), false);
         drawObject(canvas, i);
         canvas.endGroup();
+        if (objectDrawn)
+            objectDrawn();
     }
     canvas.endGroup();
 }

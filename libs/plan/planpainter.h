@@ -6,12 +6,15 @@
 #include <QBitArray>
 #include <QPolygonF>
 
+#include <functional>
+
 class PlanCanvas;
 
 /// Which coordinate of the objects runs where.
 struct PlanAxes {
     bool swapped = false; ///< the first coordinate runs upwards and the second one to the right
     bool isNorthUp = false; ///< the north is above, as far as the coordinates tell
+    bool isXUp = false; ///< X names what runs upwards, whichever coordinate of the objects it is
 };
 
 /// Draws objects with their designations and the names of their points. Objects whose designation
@@ -22,6 +25,8 @@ class PlanPainter {
 public:
     /// `objects` must outlive the painter of the plan.
     PlanPainter(const QVector<DefPolygon>& objects, const PlanAxes& axes);
+
+    std::function<void()> objectDrawn; ///< called behind each object; may be empty
 
     /// The largest page of the objects' shape within `most`.
     QSize pageWithin(const QSize& most) const { return m_view.pageWithin(most); }

@@ -187,6 +187,10 @@ void PlanScene::drawSelection(
             object < m_objects.size() ? m_index.boxInPicture(object, view) : QRectF();
         if (object >= m_objects.size() || isApart(box, view.frame()))
             continue;
+        if (sizeOf(box) < speckSize) {
+            painter.fillRect(box.adjusted(-1, -1, 1, 1), chosen);
+            continue;
+        }
         const PlanOutline outline = m_index.outline(object, view, detail);
         QPainterPath path;
         for (const QPolygonF& ring : outline.areas)
