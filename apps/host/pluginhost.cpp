@@ -40,7 +40,8 @@ QStringList PluginHost::candidates()
     const QString program = QCoreApplication::applicationDirPath();
     QStringList folders{ program, program + QStringLiteral("/../lib"),
         program + QStringLiteral("/importgeometry"),
-        program + QStringLiteral("/../lib/importgeometry") };
+        program + QStringLiteral("/../lib/importgeometry"),
+        program + QStringLiteral("/../" INSTALLED_PLUGINS) };
     for (const QString& path : QCoreApplication::libraryPaths())
         folders.append(path + QStringLiteral("/importgeometry"));
     QStringList files;

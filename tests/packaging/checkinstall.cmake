@@ -59,3 +59,12 @@ foreach(page IN LISTS pages)
         expect(share/doc/importgeometry/${target})
     endforeach()
 endforeach()
+
+# The installed program finds the installed plug-in, and no other.
+execute_process(
+    COMMAND ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 "${PREFIX}/bin/importgeometry-host" --auto
+        --settings "${PREFIX}/settings"
+    OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+if(NOT output MATCHES "${PREFIX}/${LIBDIR}/qt5/plugins/importgeometry/libimportgeometry.so")
+    message(SEND_ERROR "the installed program took another plug-in:\n${output}")
+endif()
