@@ -22,8 +22,8 @@ void addPlace(Bounds& bounds, const Place& place)
 
 void addPath(Bounds& bounds, const PathShape& path)
 {
-    for (const PathVertex& vertex : path.vertices)
-        addPlace(bounds, vertex.place);
+    for (size_t i = 0; i < path.vertices.size(); ++i)
+        addPlace(bounds, path.vertices.place(i));
 }
 
 void addConic(Bounds& bounds, const ConicShape& conic)
@@ -32,12 +32,6 @@ void addConic(Bounds& bounds, const ConicShape& conic)
     const double y = std::hypot(conic.first.y, conic.second.y);
     bounds.add(conic.centre.x.value - x, conic.centre.y.value - y);
     bounds.add(conic.centre.x.value + x, conic.centre.y.value + y);
-}
-
-bool holdsTexts(const DxfBlock& block)
-{
-    return std::any_of(block.entities.begin(), block.entities.end(),
-        [](const Entity& entity) { return std::holds_alternative<LabelShape>(entity.shape); });
 }
 
 } // namespace
@@ -51,55 +45,78 @@ void Bounds::add(double x, double y)
     isEmpty = false;
 }
 
+void Bounds::shift(const Vec3& by)
+{
+    left += by.x;
+    right += by.x;
+    bottom += by.y;
+    top += by.y;
+}
+
 BlockChooser::BlockChooser(const DxfDrawing& drawing, BlockMode mode)
     : m_drawing(drawing)
     , m_mode(mode)
 {
 }
 
-bool BlockChooser::isPoint(const DxfBlock& block)
+BlockState& BlockChooser::state(const DxfBlock& block)
+{
+    const auto known = m_states.find(&block);
+    if (known != m_states.end())
+        return known->second;
+    const DxfBlockHead head = m_drawing.head(block);
+    BlockState& state = m_states[&block];
+    state.base = head.base;
+    state.external = head.external;
+    state.entities = head.entities;
+    return state;
+}
+
+bool BlockChooser::isPoint(BlockState& block)
 {
     if (m_mode != BlockMode::Auto)
         return m_mode == BlockMode::Points;
-    const auto known = m_known.find(&block);
-    if (known != m_known.end())
-        return known->second;
-    const bool isPoint = judge(block);
-    m_known.emplace(&block, isPoint);
-    return isPoint;
+    if (!block.isJudged)
+        block.isPoint = judge(block);
+    block.isJudged = true;
+    return block.isPoint;
 }
 
-bool BlockChooser::judge(const DxfBlock& block)
+bool BlockChooser::judge(BlockState& block)
 {
-    const Bounds bounds = boundsOf(block, 0);
+    const Bounds& bounds = boundsOf(block, 0);
     if (bounds.isEndless)
         return false;
     if (bounds.isEmpty)
-        return !holdsTexts(block);
-    const double offset = std::hypot((bounds.left + bounds.right) / 2 - block.base.x,
-        (bounds.bottom + bounds.top) / 2 - block.base.y);
+        return !block.holdsTexts;
+    const double offset =
+        std::hypot((bounds.left + bounds.right) / 2, (bounds.bottom + bounds.top) / 2);
     if (offset > bounds.size() * centreShare)
         return false;
     const double wholeSize = drawingSize();
-    const auto scale = m_largestScale.find(&block);
-    const double factor = scale == m_largestScale.end() ? 1 : scale->second;
+    const double factor = block.largestScale > 0 ? block.largestScale : 1;
     return bounds.size() * factor <= wholeSize * markShare;
 }
 
-Bounds BlockChooser::boundsOf(const DxfBlock& block, int depth)
+const Bounds& BlockChooser::boundsOf(BlockState& block, int depth)
 {
-    const auto known = m_bounds.find(&block);
-    if (known != m_bounds.end())
-        return known->second;
-    Bounds bounds;
+    if (block.isMeasured)
+        return block.bounds;
     // While it is looked at, a block that is met again holds itself.
-    bounds.isEndless = true;
-    m_bounds.emplace(&block, bounds);
-    bounds.isEndless = false;
-    for (const Entity& entity : block.entities)
-        addEntity(bounds, entity, depth);
-    m_bounds[&block] = bounds;
-    return bounds;
+    block.isMeasured = true;
+    block.bounds.isEndless = true;
+    Bounds bounds;
+    Entity entity;
+    m_drawing.forEachOfBlock(block.entities, [&](DxfRecords& records) {
+        if (!readEntity(records, entity)) {
+            block.holdsTexts = block.holdsTexts || std::holds_alternative<LabelShape>(entity.shape);
+            addEntity(bounds, entity, depth);
+        }
+        return true;
+    });
+    bounds.shift(block.base * -1);
+    block.bounds = bounds;
+    return block.bounds;
 }
 
 void BlockChooser::addEntity(Bounds& bounds, const Entity& entity, int depth)
@@ -122,26 +139,22 @@ void BlockChooser::addInsert(Bounds& bounds, const Entity& entity, int depth)
 {
     const auto& insert = std::get<InsertShape>(entity.shape);
     const DxfBlock* const block = m_drawing.block(insert.block);
-    const Bounds inner = block && depth < mostDepth ? boundsOf(*block, depth + 1) : Bounds();
+    const Bounds inner = block && depth < mostDepth ? boundsOf(state(*block), depth + 1) : Bounds();
     const double x = insert.place.x.value;
     const double y = insert.place.y.value;
     bounds.add(x, y);
     bounds.isEndless = bounds.isEndless || inner.isEndless;
     if (inner.isEmpty)
         return;
-    const double factor = std::max(std::abs(insert.scale.x), std::abs(insert.scale.y));
-    const double reach = factor
-        * std::max({ inner.right - block->base.x, block->base.x - inner.left,
-            inner.top - block->base.y, block->base.y - inner.bottom });
     if (insert.rotation == 0 && insert.scale.x > 0 && insert.scale.y > 0) {
-        bounds.add(x + (inner.left - block->base.x) * insert.scale.x,
-            y + (inner.bottom - block->base.y) * insert.scale.y);
-        bounds.add(x + (inner.right - block->base.x) * insert.scale.x,
-            y + (inner.top - block->base.y) * insert.scale.y);
-    } else {
-        bounds.add(x - reach, y - reach);
-        bounds.add(x + reach, y + reach);
+        bounds.add(x + inner.left * insert.scale.x, y + inner.bottom * insert.scale.y);
+        bounds.add(x + inner.right * insert.scale.x, y + inner.top * insert.scale.y);
+        return;
     }
+    const double factor = std::max(std::abs(insert.scale.x), std::abs(insert.scale.y));
+    const double reach = factor * std::max({ inner.right, -inner.left, inner.top, -inner.bottom });
+    bounds.add(x - reach, y - reach);
+    bounds.add(x + reach, y + reach);
 }
 
 double BlockChooser::drawingSize()
@@ -157,7 +170,7 @@ double BlockChooser::drawingSize()
         const auto* const insert = std::get_if<InsertShape>(&entity.shape);
         const DxfBlock* const block = insert ? m_drawing.block(insert->block) : nullptr;
         if (block) {
-            double& largest = m_largestScale[block];
+            double& largest = state(*block).largestScale;
             largest = std::max({ largest, std::abs(insert->scale.x), std::abs(insert->scale.y) });
         }
     });

@@ -18,8 +18,23 @@ struct Bounds {
     bool isEndless = false; ///< of a block that holds itself
 
     void add(double x, double y);
+    void shift(const Vec3& by);
     /// The longer side.
     double size() const { return std::max(right - left, top - bottom); }
+};
+
+/// What is known of a block that is inserted somewhere.
+struct BlockState {
+    Vec3 base;
+    size_t entities = 0; ///< where the first of them stands
+    Bounds bounds; ///< from the base on
+    double largestScale = 0; ///< of the inserts in the drawing
+    qint64 inserts = 0; ///< that were drawn
+    bool external = false;
+    bool isMeasured = false; ///< the bounds are known, or about to be
+    bool holdsTexts = false;
+    bool isJudged = false;
+    bool isPoint = false;
 };
 
 /// Tells survey points from contours among the blocks of a drawing.
@@ -32,11 +47,16 @@ class BlockChooser {
 public:
     BlockChooser(const DxfDrawing& drawing, BlockMode mode);
 
-    bool isPoint(const DxfBlock& block);
+    /// What is known of a block; the first call reads it. Stays where it is.
+    BlockState& state(const DxfBlock& block);
+    bool isPoint(BlockState& block);
+
+    /// The blocks that state() was asked for, in no order.
+    const std::unordered_map<const DxfBlock*, BlockState>& states() const { return m_states; }
 
 private:
-    bool judge(const DxfBlock& block);
-    Bounds boundsOf(const DxfBlock& block, int depth);
+    bool judge(BlockState& block);
+    const Bounds& boundsOf(BlockState& block, int depth);
     void addEntity(Bounds& bounds, const Entity& entity, int depth);
     void addInsert(Bounds& bounds, const Entity& entity, int depth);
     double drawingSize();
@@ -44,9 +64,7 @@ private:
     const DxfDrawing& m_drawing;
     BlockMode m_mode;
     double m_drawingSize = -1; ///< negative until it is known
-    std::unordered_map<const DxfBlock*, double> m_largestScale; ///< of inserts in the drawing
-    std::unordered_map<const DxfBlock*, Bounds> m_bounds;
-    std::unordered_map<const DxfBlock*, bool> m_known;
+    std::unordered_map<const DxfBlock*, BlockState> m_states;
 };
 
 } // namespace prep

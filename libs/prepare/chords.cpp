@@ -12,9 +12,6 @@ namespace prep {
 
 namespace {
 
-/// More chords than this are never made of one curve.
-constexpr int mostChords = 100000;
-
 /// The longer half axis of the ellipse a cos t + b sin t: the larger singular value of the matrix
 /// (a b). Any text on conics has it under "conjugate diameters".
 double longerHalfAxis(const Vec3& a, const Vec3& b)
@@ -33,12 +30,22 @@ int ChordMaker::chordCount(double radius, double sweep)
     const double step =
         radius > m_tolerance ? std::min(2 * std::acos(1 - m_tolerance / radius), M_PI_2) : M_PI_2;
     const double count = std::ceil(std::abs(sweep) / step);
-    const auto most =
-        static_cast<double>(std::min<qint64>(mostChords, std::max<qint64>(m_left, 1)));
+    const int most = chordsLeft();
     if (count <= most)
         return std::max(static_cast<int>(count), 1);
     m_coarse = true;
-    return static_cast<int>(most);
+    return most;
+}
+
+int ChordMaker::chordsLeft() const
+{
+    return static_cast<int>(std::max<qint64>(std::min(m_left, m_contourLeft), 1));
+}
+
+void ChordMaker::spend(int chords)
+{
+    m_left = std::max<qint64>(m_left - chords, 0);
+    m_contourLeft = std::max<qint64>(m_contourLeft - chords, 0);
 }
 
 bool ChordMaker::takeCoarse()
@@ -50,7 +57,7 @@ void ChordMaker::appendInner(const Vec3& centre, const Vec3& first, const Vec3& 
     double start, double sweep, std::vector<Planar>& places)
 {
     const int count = chordCount(longerHalfAxis(first, second), sweep);
-    m_left -= count;
+    spend(count);
     for (int i = 1; i < count; ++i) {
         const double t = start + sweep * i / count;
         const Vec3 place = centre + first * std::cos(t) + second * std::sin(t);
@@ -85,10 +92,10 @@ bool ChordMaker::appendSpline(
     for (int span = 0; span < curve.spanCount(); ++span) {
         if (curve.isEmpty(span))
             continue;
-        const auto most = static_cast<int>(std::min<qint64>(mostChords, m_left));
+        const int most = chordsLeft();
         const int made = appendChords(curve.bezier(span), m_tolerance, most, places);
-        m_coarse = m_coarse || made >= most;
-        m_left = std::max<qint64>(m_left - made, 0);
+        m_coarse = m_coarse || (made >= most && spline.degree > 1);
+        spend(made);
     }
     return true;
 }

@@ -25,6 +25,9 @@ public:
     {
     }
 
+    /// A contour gets no more than 100,000 chords, and one for each of its arcs and spans.
+    void startContour() { m_contourLeft = mostChords; }
+
     /// Appends the places between the ends of the arc centre + first cos t + second sin t.
     void appendInner(const Vec3& centre, const Vec3& first, const Vec3& second, double start,
         double sweep, std::vector<Planar>& places);
@@ -41,10 +44,16 @@ public:
     bool takeCoarse();
 
 private:
+    static constexpr int mostChords = 100000;
+
     int chordCount(double radius, double sweep);
+    /// How many chords the next curve may have.
+    int chordsLeft() const;
+    void spend(int chords);
 
     double m_tolerance;
     qint64 m_left;
+    qint64 m_contourLeft = mostChords;
     bool m_coarse = false;
 };
 

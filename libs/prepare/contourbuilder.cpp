@@ -31,7 +31,9 @@ bool isSame(const FlatVertex& a, const FlatVertex& b)
 void ContourBuilder::start(const Affine& map)
 {
     m_map = map;
+    m_chords.startContour();
     m_vertices.clear();
+    m_last.reset();
     m_hasBulges = false;
     m_hasFitPoints = false;
 }
@@ -52,10 +54,18 @@ FlatVertex ContourBuilder::vertex(const Planar& place) const
     return m_swapXY ? swapped(vertex) : vertex;
 }
 
-void ContourBuilder::appendPlaces()
+void ContourBuilder::put(const FlatVertex& vertex)
+{
+    if (m_inEdge)
+        m_edge.push_back(vertex);
+    else
+        m_vertices.append(vertex);
+}
+
+void ContourBuilder::putPlaces()
 {
     for (const Planar& place : m_places)
-        m_vertices.push_back(vertex(place));
+        put(vertex(place));
     m_places.clear();
 }
 
@@ -63,17 +73,18 @@ void ContourBuilder::append(const PathShape& path)
 {
     const size_t count = path.vertices.size();
     for (size_t i = 0; i < count; ++i) {
-        const PathVertex& from = path.vertices[i];
-        m_vertices.push_back(vertex(from.place));
-        if (from.bulge == 0 || (i + 1 == count && !path.closed))
+        const Place from = path.vertices.place(i);
+        const double bulge = path.vertices.bulge(i);
+        put(vertex(from));
+        if (bulge == 0 || (i + 1 == count && !path.closed))
             continue;
-        const Vec3 start = from.place.vec();
-        const Vec3 end = path.vertices[(i + 1) % count].place.vec();
+        const Vec3 start = from.vec();
+        const Vec3 end = path.vertices.place((i + 1) % count).vec();
         if (start.x == end.x && start.y == end.y)
             continue;
         m_hasBulges = true;
-        m_chords.appendBulge(start, end, from.bulge, m_map, m_places);
-        appendPlaces();
+        m_chords.appendBulge(start, end, bulge, m_map, m_places);
+        putPlaces();
     }
 }
 
@@ -90,7 +101,7 @@ void ContourBuilder::append(const ConicShape& conic)
     m_chords.appendInner(centre, first, second, conic.start, conic.sweep, m_places);
     if (!conic.full)
         appendAt(conic.start + conic.sweep);
-    appendPlaces();
+    putPlaces();
 }
 
 bool ContourBuilder::append(const SplineShape& spline)
@@ -104,35 +115,41 @@ bool ContourBuilder::append(const SplineShape& spline)
             m_places.push_back({ place.x, place.y });
         }
     }
-    appendPlaces();
+    putPlaces();
     return true;
 }
 
-void ContourBuilder::appendEdge(std::vector<FlatVertex> edge)
+bool ContourBuilder::appendShape(const HatchEdge& shape)
 {
-    if (edge.empty())
-        return;
-    if (m_vertices.empty()) {
-        m_vertices = std::move(edge);
-        return;
+    if (const auto* path = std::get_if<PathShape>(&shape))
+        append(*path);
+    else if (const auto* conic = std::get_if<ConicShape>(&shape))
+        append(*conic);
+    else
+        return append(std::get<SplineShape>(shape));
+    return true;
+}
+
+bool ContourBuilder::appendEdge(const HatchEdge& edge)
+{
+    const auto* const path = std::get_if<PathShape>(&edge);
+    if (path && path->closed) {
+        append(*path);
+        return true;
     }
-    const FlatVertex& last = m_vertices.back();
-    if (distance(last, edge.back()) < distance(last, edge.front()))
-        std::reverse(edge.begin(), edge.end());
-    const bool meets = isSame(last, edge.front());
-    m_vertices.insert(m_vertices.end(), edge.begin() + (meets ? 1 : 0), edge.end());
-}
-
-std::vector<FlatVertex> ContourBuilder::takeVertices()
-{
-    return std::exchange(m_vertices, {});
-}
-
-bool ContourBuilder::isFinite() const
-{
-    return std::all_of(m_vertices.begin(), m_vertices.end(), [](const FlatVertex& vertex) {
-        return std::isfinite(vertex.x) && std::isfinite(vertex.y);
-    });
+    m_edge.clear();
+    m_inEdge = true;
+    const bool drawn = appendShape(edge);
+    m_inEdge = false;
+    if (!drawn || m_edge.empty())
+        return drawn;
+    if (m_last && distance(*m_last, m_edge.back()) < distance(*m_last, m_edge.front()))
+        std::reverse(m_edge.begin(), m_edge.end());
+    const bool meets = m_last && isSame(*m_last, m_edge.front());
+    for (size_t i = meets ? 1 : 0; i < m_edge.size(); ++i)
+        m_vertices.append(m_edge[i]);
+    m_last = m_edge.back();
+    return true;
 }
 
 } // namespace prep

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "prepare/chords.h"
-#include "prepare/flatsink.h"
+#include "prepare/vertexrow.h"
+
+#include <optional>
 
 namespace prep {
 
@@ -17,24 +19,20 @@ public:
     /// Starts a new contour of shapes that `map` moves.
     void start(const Affine& map);
 
-    /// Goes on with a boundary of edges; each of them may run either way.
-    void appendEdge(std::vector<FlatVertex> edge);
-
     // What is appended follows what is there.
     void append(const PathShape& path);
     void append(const ConicShape& conic);
     /// False for a spline that cannot be drawn.
     bool append(const SplineShape& spline);
 
+    /// Goes on with an edge of a boundary, which may run either way unless it is the whole of it.
+    /// False for one that cannot be drawn.
+    bool appendEdge(const HatchEdge& edge);
+
     /// The vertex at a place. Its digits are those of the drawing if nothing moves.
     FlatVertex vertex(const Place& place) const;
-    FlatVertex vertex(const Planar& place) const;
 
-    const std::vector<FlatVertex>& vertices() const { return m_vertices; }
-    /// Whether all coordinates are numbers.
-    bool isFinite() const;
-    /// Gives the vertices away.
-    std::vector<FlatVertex> takeVertices();
+    const VertexRow& vertices() const { return m_vertices; }
 
     /// Whether the contour has arcs of a path as chords.
     bool hasBulges() const { return m_hasBulges; }
@@ -43,12 +41,18 @@ public:
     bool takeCoarse() { return m_chords.takeCoarse(); }
 
 private:
-    void appendPlaces();
+    bool appendShape(const HatchEdge& shape);
+    FlatVertex vertex(const Planar& place) const;
+    void put(const FlatVertex& vertex);
+    void putPlaces();
 
     ChordMaker m_chords;
     bool m_swapXY;
     Affine m_map;
-    std::vector<FlatVertex> m_vertices;
+    VertexRow m_vertices;
+    std::optional<FlatVertex> m_last; ///< the end of the last edge
+    std::vector<FlatVertex> m_edge; ///< that is being built
+    bool m_inEdge = false;
     std::vector<Planar> m_places;
     bool m_hasBulges = false;
     bool m_hasFitPoints = false;

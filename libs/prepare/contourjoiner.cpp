@@ -1,107 +1,76 @@
 #include "prepare/contourjoiner.h"
 
-#include <cmath>
-#include <unordered_map>
+#include "prepare/plainnumber.h"
+
+#include <algorithm>
 #include <utility>
 
 namespace prep {
 
 namespace {
 
-/// A square cell of the plane, on one layer.
-struct Cell {
-    double column;
-    double row;
-    std::string_view layer;
+/// The last line of a text that ends with a line end, which is taken away.
+std::string_view takeLastLine(std::string_view& text)
+{
+    const std::string_view lines = text.substr(0, text.size() - 1);
+    const size_t before = lines.rfind('\n');
+    const size_t start = before == std::string_view::npos ? 0 : before + 1;
+    const std::string_view line = lines.substr(start);
+    text = text.substr(0, start);
+    return line;
+}
 
-    bool operator==(const Cell& other) const
-    {
-        return column == other.column && row == other.row && layer == other.layer;
-    }
-};
+FlatVertex vertexOf(std::string_view x, std::string_view y)
+{
+    return { toNumber(x).value_or(0), toNumber(y).value_or(0), x, y };
+}
 
-struct CellHash {
-    size_t operator()(const Cell& cell) const
-    {
-        const std::hash<double> hash;
-        const size_t place = hash(cell.column) * 31 + hash(cell.row);
-        return place * 31 + std::hash<std::string_view>()(cell.layer);
-    }
-};
+FlatVertex firstVertex(std::string_view text)
+{
+    std::string_view x;
+    std::string_view y;
+    VertexCursor(text).next(x, y);
+    return vertexOf(x, y);
+}
+
+FlatVertex takeLastVertex(std::string_view& text)
+{
+    const std::string_view y = takeLastLine(text);
+    const std::string_view x = takeLastLine(text);
+    return vertexOf(x, y);
+}
 
 } // namespace
 
-/// Gives ends that meet the same node: an end takes the nearest node within the tolerance, or
-/// becomes one.
-class ContourJoiner::NodeFinder {
-public:
-    NodeFinder(double tolerance, std::deque<Node>& nodes)
-        : m_tolerance(tolerance)
-        , m_nodes(nodes)
-    {
-    }
-
-    size_t find(std::string_view layer, const FlatVertex& end)
-    {
-        const double column = cellOf(end.x);
-        const double row = cellOf(end.y);
-        const Entry* nearest = nullptr;
-        double least = m_tolerance;
-        const int reach = m_tolerance > 0 ? 1 : 0;
-        for (int i = -reach; i <= reach; ++i) {
-            for (int k = -reach; k <= reach; ++k) {
-                const auto [first, last] = m_cells.equal_range({ column + i, row + k, layer });
-                for (auto it = first; it != last; ++it) {
-                    const double distance = std::hypot(it->second.x - end.x, it->second.y - end.y);
-                    if (distance > least || (nearest && distance == least))
-                        continue;
-                    nearest = &it->second;
-                    least = distance;
-                }
-            }
-        }
-        if (nearest)
-            return nearest->node;
-        m_cells.insert({ { column, row, layer }, { end.x, end.y, m_nodes.size() } });
-        m_nodes.emplace_back();
-        return m_nodes.size() - 1;
-    }
-
-private:
-    struct Entry {
-        double x;
-        double y;
-        size_t node;
-    };
-
-    /// Nodes stand farther apart than the tolerance: few of them share a cell.
-    double cellOf(double coordinate) const
-    {
-        return m_tolerance > 0 ? std::floor(coordinate / m_tolerance) : coordinate;
-    }
-
-    double m_tolerance;
-    std::deque<Node>& m_nodes;
-    std::unordered_multimap<Cell, Entry, CellHash> m_cells;
-};
-
 ContourJoiner::ContourJoiner(double tolerance, FlatSink& sink, PrepareReport& report)
-    : m_tolerance(tolerance)
-    , m_sink(sink)
+    : m_sink(sink)
     , m_report(report)
+    , m_nodes(tolerance)
 {
 }
 
-void ContourJoiner::takeContour(
-    std::string_view layer, const std::vector<FlatVertex>& vertices, bool closed)
+uint32_t ContourJoiner::numberOf(std::string_view layer)
 {
-    Contour contour;
-    contour.layer = layer;
-    contour.first = m_vertices.size();
-    contour.count = vertices.size();
-    contour.state = closed ? State::Closed : State::Unknown;
-    m_contours.push_back(contour);
-    m_vertices.insert(m_vertices.end(), vertices.begin(), vertices.end());
+    const auto [found, isNew] =
+        m_layerNumbers.emplace(layer, static_cast<uint32_t>(m_layers.size()));
+    if (isNew)
+        m_layers.push_back(layer);
+    return found->second;
+}
+
+void ContourJoiner::takeContour(std::string_view layer, const VertexRow& vertices, bool closed)
+{
+    const std::string_view text = m_heap.add(vertices.text());
+    m_contours.push_back({ text.data(), static_cast<uint32_t>(text.size()), numberOf(layer), 0, 0,
+        static_cast<uint8_t>(std::min<size_t>(vertices.size() - 1, 3)),
+        closed ? State::Closed : State::Unknown });
+}
+
+size_t ContourJoiner::heldSize() const
+{
+    // A contour, its two nodes and their buckets.
+    constexpr size_t contourSize = sizeof(Contour) + 2 * sizeof(EndNodes::Node) + 16;
+    return m_heap.size() + m_contours.size() * contourSize + m_sink.heldSize();
 }
 
 void ContourJoiner::takePoint(std::string_view layer, const FlatVertex& place)
@@ -109,16 +78,16 @@ void ContourJoiner::takePoint(std::string_view layer, const FlatVertex& place)
     m_sink.takePoint(layer, place);
 }
 
-void ContourJoiner::takeLabel(FlatLabel label)
+void ContourJoiner::takeLabel(const FlatLabel& label)
 {
-    m_sink.takeLabel(std::move(label));
+    m_sink.takeLabel(label);
 }
 
 void ContourJoiner::finish()
 {
     findNodes();
-    std::vector<size_t> loop;
-    for (size_t i = 0; i < m_contours.size(); ++i) {
+    std::vector<uint32_t> loop;
+    for (uint32_t i = 0; i < m_contours.size(); ++i) {
         const State state = m_contours[i].state;
         if (state == State::Unknown && findLoop(i, loop))
             writeLoop(loop);
@@ -129,38 +98,38 @@ void ContourJoiner::finish()
 
 void ContourJoiner::findNodes()
 {
-    NodeFinder finder(m_tolerance, m_nodes);
-    for (size_t i = 0; i < m_contours.size(); ++i) {
+    const auto isOpen = [](const Contour& contour) { return contour.state != State::Closed; };
+    const auto open = std::count_if(m_contours.begin(), m_contours.end(), isOpen);
+    m_nodes.reserve(2 * static_cast<size_t>(open));
+    for (uint32_t i = 0; i < m_contours.size(); ++i) {
         Contour& contour = m_contours[i];
-        if (contour.state == State::Closed)
+        if (!isOpen(contour))
             continue;
-        contour.startNode = finder.find(contour.layer, m_vertices[contour.first]);
-        contour.endNode = finder.find(contour.layer, m_vertices[contour.first + contour.count - 1]);
-        for (const size_t node : { contour.startNode, contour.endNode }) {
-            if (m_nodes[node].degree < 2)
-                m_nodes[node].contours[m_nodes[node].degree] = i;
-            ++m_nodes[node].degree;
-        }
+        std::string_view text = contour.vertices();
+        const FlatVertex start = firstVertex(text);
+        const FlatVertex end = takeLastVertex(text);
+        contour.startNode = m_nodes.add(contour.layer, start.x, start.y, i);
+        contour.endNode = m_nodes.add(contour.layer, end.x, end.y, i);
     }
 }
 
 /// The contour that meets this one at a node where two ends meet.
-size_t ContourJoiner::nextOf(size_t contour, size_t node) const
+uint32_t ContourJoiner::nextOf(uint32_t contour, uint32_t node) const
 {
-    const auto& contours = m_nodes[node].contours;
+    const auto& contours = m_nodes.node(node).contours;
     return contours[0] == contour ? contours[1] : contours[0];
 }
 
-bool ContourJoiner::findLoop(size_t start, std::vector<size_t>& loop)
+bool ContourJoiner::findLoop(uint32_t start, std::vector<uint32_t>& loop)
 {
     loop.clear();
-    size_t vertices = 0;
-    size_t current = start;
-    size_t node = m_contours[start].endNode;
+    size_t segments = 0;
+    uint32_t current = start;
+    uint32_t node = m_contours[start].endNode;
     for (;;) {
         loop.push_back(current);
-        vertices += m_contours[current].count - 1;
-        if (m_nodes[node].degree != 2)
+        segments += m_contours[current].segments;
+        if (m_nodes.node(node).degree != 2)
             break;
         current = nextOf(current, node);
         if (current == start)
@@ -171,41 +140,53 @@ bool ContourJoiner::findLoop(size_t start, std::vector<size_t>& loop)
         node = next.startNode == node ? next.endNode : next.startNode;
     }
     const bool isLoop =
-        node == m_contours[start].startNode && m_nodes[node].degree == 2 && vertices >= 3;
+        node == m_contours[start].startNode && m_nodes.node(node).degree == 2 && segments >= 3;
     // Nobody walks this way again.
-    for (const size_t contour : loop)
+    for (const uint32_t contour : loop)
         m_contours[contour].state = isLoop ? State::Written : State::Open;
     return isLoop;
 }
 
-void ContourJoiner::append(
-    const Contour& contour, bool reversed, std::vector<FlatVertex>& vertices) const
+/// Appends all vertices but the last one, which is the first one of what follows.
+void ContourJoiner::append(const Contour& contour, bool reversed)
 {
-    // The last vertex is the first one of what follows.
-    for (size_t i = 0; i + 1 < contour.count; ++i)
-        vertices.push_back(m_vertices[contour.first + (reversed ? contour.count - 1 - i : i)]);
+    std::string_view text = contour.vertices();
+    if (reversed) {
+        for (FlatVertex vertex = takeLastVertex(text); !text.empty(); vertex = takeLastVertex(text))
+            m_row.append(vertex);
+        return;
+    }
+    takeLastVertex(text);
+    VertexCursor cursor(text);
+    std::string_view x;
+    std::string_view y;
+    while (cursor.next(x, y))
+        m_row.append(vertexOf(x, y));
 }
 
-void ContourJoiner::writeLoop(const std::vector<size_t>& loop)
+void ContourJoiner::writeLoop(const std::vector<uint32_t>& loop)
 {
-    std::vector<FlatVertex> vertices;
-    size_t node = m_contours[loop.front()].startNode;
-    for (const size_t index : loop) {
+    m_row.clear();
+    uint32_t node = m_contours[loop.front()].startNode;
+    for (const uint32_t index : loop) {
         const Contour& contour = m_contours[index];
         const bool reversed = contour.startNode != node;
-        append(contour, reversed, vertices);
+        append(contour, reversed);
         node = reversed ? contour.startNode : contour.endNode;
     }
     m_report.note(Note::Joined, static_cast<qint64>(loop.size()));
-    m_sink.takeContour(m_contours[loop.front()].layer, vertices, true);
+    m_sink.takeContour(m_layers[m_contours[loop.front()].layer], m_row, true);
 }
 
 void ContourJoiner::write(const Contour& contour)
 {
-    const auto first = m_vertices.begin() + static_cast<std::ptrdiff_t>(contour.first);
-    const std::vector<FlatVertex> vertices(
-        first, first + static_cast<std::ptrdiff_t>(contour.count));
-    m_sink.takeContour(contour.layer, vertices, contour.state == State::Closed);
+    m_row.clear();
+    VertexCursor cursor(contour.vertices());
+    std::string_view x;
+    std::string_view y;
+    while (cursor.next(x, y))
+        m_row.append(vertexOf(x, y));
+    m_sink.takeContour(m_layers[contour.layer], m_row, contour.state == State::Closed);
 }
 
 } // namespace prep

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "prepare/endnodes.h"
 #include "prepare/flatsink.h"
 #include "prepare/preparereport.h"
+#include "prepare/textheap.h"
 
-#include <cstddef>
 #include <deque>
+#include <unordered_map>
+#include <vector>
 
 namespace prep {
 
@@ -19,47 +22,48 @@ public:
     /// Ends meet within `tolerance`. Contours are kept until finish().
     ContourJoiner(double tolerance, FlatSink& sink, PrepareReport& report);
 
-    void takeContour(
-        std::string_view layer, const std::vector<FlatVertex>& vertices, bool closed) override;
+    void takeContour(std::string_view layer, const VertexRow& vertices, bool closed) override;
     void takePoint(std::string_view layer, const FlatVertex& place) override;
-    void takeLabel(FlatLabel label) override;
+    void takeLabel(const FlatLabel& label) override;
+    size_t heldSize() const override;
 
     void finish();
 
 private:
-    enum class State {
+    enum class State : uint8_t {
         Unknown,
         Closed, ///< was closed as it came
         Open, ///< belongs to no loop
         Written, ///< as a part of a loop
     };
+    /// There may be one for every few bytes of a file, so it is kept small.
     struct Contour {
-        std::string_view layer;
-        size_t first = 0; ///< of its vertices
-        size_t count = 0;
-        State state = State::Unknown;
-        size_t startNode = 0;
-        size_t endNode = 0;
-    };
-    struct Node {
-        size_t contours[2] = { 0, 0 };
-        size_t degree = 0; ///< how many ends meet
-    };
-    class NodeFinder;
+        const char* text; ///< of its vertices
+        uint32_t textSize;
+        uint32_t layer;
+        uint32_t startNode = 0;
+        uint32_t endNode = 0;
+        uint8_t segments; ///< up to three; more makes no difference
+        State state;
 
+        std::string_view vertices() const { return { text, textSize }; }
+    };
     void findNodes();
-    bool findLoop(size_t start, std::vector<size_t>& loop);
-    size_t nextOf(size_t contour, size_t node) const;
-    void writeLoop(const std::vector<size_t>& loop);
-    void append(const Contour& contour, bool reversed, std::vector<FlatVertex>& vertices) const;
+    bool findLoop(uint32_t start, std::vector<uint32_t>& loop);
+    uint32_t nextOf(uint32_t contour, uint32_t node) const;
+    void writeLoop(const std::vector<uint32_t>& loop);
+    void append(const Contour& contour, bool reversed);
     void write(const Contour& contour);
+    uint32_t numberOf(std::string_view layer);
 
-    double m_tolerance;
     FlatSink& m_sink;
     PrepareReport& m_report;
-    std::deque<FlatVertex> m_vertices;
+    TextHeap m_heap;
     std::deque<Contour> m_contours;
-    std::deque<Node> m_nodes;
+    std::unordered_map<std::string_view, uint32_t> m_layerNumbers;
+    std::vector<std::string_view> m_layers;
+    EndNodes m_nodes;
+    VertexRow m_row; ///< that is handed on
 };
 
 } // namespace prep

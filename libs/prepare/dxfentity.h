@@ -1,43 +1,20 @@
 #pragma once
 
-#include "prepare/space.h"
+#include "prepare/pathvertices.h"
 
 #include <string>
-#include <string_view>
 #include <variant>
-#include <vector>
 
 namespace prep {
-
-/// A coordinate of a drawing. The digits are those of the file, for the writer.
-struct Coordinate {
-    double value = 0;
-    std::string_view digits;
-};
-
-struct Place {
-    Coordinate x;
-    Coordinate y;
-    double z = 0;
-
-    Vec3 vec() const { return { x.value, y.value, z }; }
-};
 
 /// POINT.
 struct PointShape {
     Place place;
 };
 
-/// A vertex and the bulge of the segment that it begins: the tangent of a quarter of the angle that
-/// the arc spans, positive for an anticlockwise one.
-struct PathVertex {
-    Place place;
-    double bulge = 0;
-};
-
 /// LINE, LWPOLYLINE, POLYLINE.
 struct PathShape {
-    std::vector<PathVertex> vertices;
+    PathVertices vertices;
     bool closed = false;
     /// Whether it is told closed or open, and how many vertices it has, in the form that the
     /// readers of the import take.
@@ -75,8 +52,6 @@ struct LabelShape {
     int vertical = 0; ///< as in code 73
 };
 
-struct Entity;
-
 /// INSERT.
 struct InsertShape {
     std::string_view block;
@@ -87,15 +62,17 @@ struct InsertShape {
     int rows = 1;
     double columnStep = 0;
     double rowStep = 0;
-    std::vector<Entity> attributes;
+    size_t attributes = 0; ///< where the record stands that the first attribute follows
 };
 
-/// HATCH: its boundaries, each a row of edges that follow each other.
+/// HATCH: a drawing may have more boundaries in one than memory holds, so they are read where they
+/// are drawn.
 struct HatchShape {
-    using Edge = std::variant<PathShape, ConicShape, SplineShape>;
-    using Boundary = std::vector<Edge>;
-    std::vector<Boundary> boundaries;
+    size_t position = 0; ///< of its record
 };
+
+/// A piece of the boundary of a HATCH.
+using HatchEdge = std::variant<PathShape, ConicShape, SplineShape>;
 
 /// DIMENSION: the block that holds what is seen of it.
 struct DimensionShape {

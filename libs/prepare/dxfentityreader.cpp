@@ -50,8 +50,11 @@ Reason readLine(DxfRecords& records, Entity& entity)
 {
     DxfFields fields = readFields(records, entity);
     entity.extrusion = Vec3{ 0, 0, 1 }; // coordinates of the world
-    PathShape shape{ { { fields.place(10) }, { fields.place(11) } }, false };
-    return finish(fields, entity, std::move(shape));
+    PathShape shape;
+    const bool good =
+        shape.vertices.append(fields.place(10)) && shape.vertices.append(fields.place(11));
+    const Reason reason = finish(fields, entity, std::move(shape));
+    return reason ? reason : badIf(!good);
 }
 
 // Polylines
@@ -85,41 +88,79 @@ private:
     bool m_late = false;
 };
 
+/// The vertices of a LWPOLYLINE: a pair of coordinates makes one, whichever of them comes first.
+class LwpolylineVertices {
+public:
+    explicit LwpolylineVertices(PathVertices& vertices)
+        : m_vertices(vertices)
+    {
+    }
+
+    /// False for a pair that belongs to no vertex.
+    bool take(const DxfPair& pair)
+    {
+        if (pair.code == 10 || pair.code == 20)
+            takeCoordinate(pair);
+        else if (pair.code == 42 && !isEmpty())
+            takeBulge(toBulge(pair.value));
+        else
+            return false;
+        return true;
+    }
+    bool isEmpty() const { return m_firstCode == 0; }
+    bool isBad() const { return m_bad || m_inVertex; }
+
+private:
+    void takeCoordinate(const DxfPair& pair)
+    {
+        const std::optional<Coordinate> coordinate = toCoordinate(pair.value);
+        m_bad = m_bad || !coordinate || (m_inVertex && pair.code == m_firstCode);
+        (pair.code == 10 ? m_place.x : m_place.y) = coordinate.value_or(Coordinate());
+        if (m_inVertex) {
+            m_bad = m_bad || !m_vertices.append(m_place);
+            if (m_bulge != 0 && !m_bad)
+                m_vertices.setBulge(m_bulge);
+        } else {
+            m_firstCode = pair.code;
+            m_bulge = 0;
+        }
+        m_inVertex = !m_inVertex;
+    }
+
+    void takeBulge(double bulge)
+    {
+        if (m_inVertex)
+            m_bulge = bulge;
+        else if (!m_bad)
+            m_vertices.setBulge(bulge);
+    }
+
+    PathVertices& m_vertices;
+    Place m_place;
+    int m_firstCode = 0; ///< that of the coordinate that began the last vertex
+    bool m_inVertex = false; ///< one of its coordinates is still to come
+    double m_bulge = 0; ///< of a vertex that is not there yet
+    bool m_bad = false;
+};
+
 Reason readLwpolyline(DxfRecords& records, Entity& entity)
 {
     DxfFields fields;
     PathShape shape;
     LwpolylineForm form;
-    bool bad = false;
-    int coordinates = 0;
-    int lastCode = 0; ///< of a coordinate
+    LwpolylineVertices vertices(shape.vertices);
     DxfPair pair;
     while (records.pair(pair)) {
-        if (pair.code == 10 || pair.code == 20) {
-            // A pair of coordinates makes a vertex, whichever of them comes first.
-            const bool isFirst = coordinates++ % 2 == 0;
-            if (isFirst)
-                shape.vertices.emplace_back();
-            bad = bad || (!isFirst && pair.code == lastCode);
-            lastCode = pair.code;
-            const auto coordinate = toCoordinate(pair.value);
-            bad = bad || !coordinate;
-            Place& place = shape.vertices.back().place;
-            (pair.code == 10 ? place.x : place.y) = coordinate.value_or(Coordinate());
-        } else if (pair.code == 42 && !shape.vertices.empty()) {
-            shape.vertices.back().bulge = toBulge(pair.value);
-        } else {
-            form.take(pair, shape.vertices.empty());
-            fields.take(pair);
-        }
+        if (vertices.take(pair))
+            continue;
+        form.take(pair, vertices.isEmpty());
+        fields.take(pair);
     }
     fields.fill(entity);
-    const double elevation = fields.lenientNumber(38);
-    for (PathVertex& vertex : shape.vertices)
-        vertex.place.z = elevation;
+    shape.vertices.setElevation(fields.lenientNumber(38));
     shape.closed = (fields.whole(70) & 1) != 0;
     shape.isTold = form.isTold(shape);
-    bad = bad || coordinates % 2 != 0 || shape.vertices.size() < 2;
+    const bool bad = vertices.isBad() || shape.vertices.size() < 2;
     const Reason reason = finish(fields, entity, std::move(shape));
     return reason ? reason : badIf(bad);
 }
@@ -144,9 +185,10 @@ bool readVertices(DxfRecords& records, bool isFitted, PathShape& shape)
         shape.isTold = shape.isTold && (shape.closed || fields.text(70) != "1");
         if (isFitted && (fields.whole(70) & splineFrameVertex) != 0)
             continue;
-        shape.vertices.push_back(
-            { fields.place(10), fields.has(42) ? toBulge(fields.text(42)) : 0 });
-        good = good && !fields.isBad();
+        const Place place = fields.place(10);
+        good = good && !fields.isBad() && shape.vertices.append(place);
+        if (good && fields.has(42))
+            shape.vertices.setBulge(toBulge(fields.text(42)));
     }
     shape.isTold = false;
     return good;
@@ -165,9 +207,7 @@ Reason readPolyline(DxfRecords& records, Entity& entity)
     if ((flags & Spatial) != 0) {
         entity.extrusion = Vec3{ 0, 0, 1 }; // coordinates of the world
     } else {
-        const double elevation = fields.lenientNumber(30);
-        for (PathVertex& vertex : shape.vertices)
-            vertex.place.z = elevation;
+        shape.vertices.setElevation(fields.lenientNumber(30));
     }
     const bool bad = !good || shape.vertices.size() < 2;
     const Reason reason = finish(fields, entity, std::move(shape));
@@ -217,9 +257,12 @@ Reason readSpline(DxfRecords& records, Entity& entity)
     }
     fields.fill(entity);
     entity.extrusion = Vec3{ 0, 0, 1 }; // coordinates of the world
+    const bool tooLong = reader.isTooLong();
     SplineShape shape = reader.spline();
     shape.degree = fields.whole(71);
     shape.closed = (fields.whole(70) & 1) != 0;
+    if (tooLong)
+        return fields.isInPaperSpace() ? Note::PaperSpace : Note::TooMuch;
     const bool bad = reader.isBad() || (shape.controls.empty() && shape.fits.size() < 2);
     const Reason reason = finish(fields, entity, std::move(shape));
     return reason ? reason : badIf(bad);
@@ -277,6 +320,18 @@ Reason readMText(DxfRecords& records, Entity& entity)
 
 // References to blocks
 
+void passAttributes(DxfRecords& records)
+{
+    while (records.next()) {
+        if (records.type() == "SEQEND")
+            return;
+        if (records.type() != "ATTRIB") {
+            records.unread();
+            return;
+        }
+    }
+}
+
 Reason readInsert(DxfRecords& records, Entity& entity)
 {
     DxfFields fields = readFields(records, entity);
@@ -289,16 +344,8 @@ Reason readInsert(DxfRecords& records, Entity& entity)
     shape.rows = std::max(fields.whole(71, 1), 1);
     shape.columnStep = fields.number(44);
     shape.rowStep = fields.number(45);
-    while (records.next()) {
-        if (records.type() != "ATTRIB") {
-            if (records.type() != "SEQEND")
-                records.unread();
-            break;
-        }
-        Entity attribute;
-        if (!readEntity(records, attribute))
-            shape.attributes.push_back(std::move(attribute));
-    }
+    shape.attributes = records.nextPosition();
+    passAttributes(records);
     return finish(fields, entity, std::move(shape));
 }
 
@@ -311,10 +358,10 @@ Reason readDimension(DxfRecords& records, Entity& entity)
 Reason readHatch(DxfRecords& records, Entity& entity)
 {
     DxfFields fields;
-    HatchShape shape;
-    const bool good = readBoundaries(records, fields, shape);
+    const HatchShape shape{ records.position() };
+    const bool good = readBoundaries(records, fields, nullptr);
     fields.fill(entity);
-    const Reason reason = finish(fields, entity, std::move(shape));
+    const Reason reason = finish(fields, entity, shape);
     return reason ? reason : badIf(!good);
 }
 

@@ -20,6 +20,17 @@ void setAngles(ConicShape& conic, double start, double end)
     conic.full = conic.full || sweep > fullTurn - noticeable;
 }
 
+/// Appends a value of a spline, unless there are more than any has.
+template <typename Value>
+void SplineReader::append(std::vector<Value>& values, const Value& value)
+{
+    constexpr size_t most = 100000;
+    if (values.size() < most)
+        values.push_back(value);
+    else
+        m_tooLong = true;
+}
+
 double SplineReader::number(const DxfPair& pair)
 {
     const std::optional<double> number = toNumber(pair.text());
@@ -30,7 +41,7 @@ double SplineReader::number(const DxfPair& pair)
 void SplineReader::takePlace(std::vector<Vec3>& places, const DxfPair& pair, int xCode)
 {
     if (pair.code == xCode) {
-        places.push_back({ number(pair), 0, 0 });
+        append(places, { number(pair), 0, 0 });
     } else if (places.empty()) {
         m_bad = true;
     } else {
@@ -42,10 +53,10 @@ bool SplineReader::take(const DxfPair& pair)
 {
     switch (pair.code) {
     case 40:
-        m_spline.knots.push_back(number(pair));
+        append(m_spline.knots, number(pair));
         return true;
     case 41:
-        m_spline.weights.push_back(number(pair));
+        append(m_spline.weights, number(pair));
         return true;
     case 10:
     case 20:
@@ -76,10 +87,10 @@ constexpr int polylineFlag = 2;
 /// "Boundary Path Data" in Autodesk's DXF reference.
 class BoundaryReader {
 public:
-    BoundaryReader(DxfRecords& records, DxfFields& fields, HatchShape& hatch)
+    BoundaryReader(DxfRecords& records, DxfFields& fields, BoundarySink* sink)
         : m_records(records)
         , m_fields(fields)
-        , m_hatch(hatch)
+        , m_sink(sink)
     {
     }
 
@@ -107,10 +118,9 @@ private:
         endEdge();
         --m_pathsLeft;
         m_inBoundary = true;
-        m_hatch.boundaries.emplace_back();
         m_isPolyline = (toWhole(m_pair.text()).value_or(0) & polylineFlag) != 0;
-        if (m_isPolyline)
-            m_hatch.boundaries.back().emplace_back(PathShape{ {}, true });
+        if (m_sink)
+            m_sink->startBoundary();
     }
 
     void takeBoundaryPair()
@@ -135,21 +145,31 @@ private:
 
     void takeVertexPair()
     {
-        auto& vertices = std::get<PathShape>(m_hatch.boundaries.back().back()).vertices;
         if (m_pair.code != 10 && m_pair.code != 20 && m_pair.code != 42)
             return;
-        if (m_pair.code == 10)
-            vertices.emplace_back();
         const std::optional<Coordinate> coordinate = toCoordinate(m_pair.value);
-        if (vertices.empty() || !coordinate) {
-            m_good = false;
+        m_good = m_good && coordinate && (m_pair.code == 10 || m_place);
+        if (!m_good)
             return;
+        if (m_pair.code == 10) {
+            endVertex();
+            m_place = Place{ *coordinate, { 0, coordinate->digits.substr(0, 0) } };
+        } else if (m_pair.code == 20) {
+            m_place->y = *coordinate;
+        } else {
+            m_bulge = coordinate->value;
         }
-        PathVertex& vertex = vertices.back();
-        if (m_pair.code == 42)
-            vertex.bulge = coordinate->value;
-        else
-            (m_pair.code == 10 ? vertex.place.x : vertex.place.y) = *coordinate;
+    }
+
+    void endVertex()
+    {
+        if (m_place && m_good) {
+            m_good = m_path.vertices.append(*m_place);
+            if (m_bulge != 0 && m_good)
+                m_path.vertices.setBulge(m_bulge);
+        }
+        m_place.reset();
+        m_bulge = 0;
     }
 
     void takeSplinePair()
@@ -164,31 +184,44 @@ private:
 
     void endEdge()
     {
-        if (m_inBoundary && m_edgeType != 0)
-            m_hatch.boundaries.back().push_back(edge());
+        if (m_inBoundary && m_isPolyline) {
+            endVertex();
+            m_path.closed = true;
+            hand(m_path);
+            m_path = PathShape();
+        } else if (m_inBoundary && m_edgeType == LineEdge) {
+            hand(line());
+        } else if (m_inBoundary && m_edgeType == SplineEdge) {
+            hand(spline());
+        } else if (m_inBoundary && m_edgeType != 0) {
+            hand(conic());
+        }
+        m_isPolyline = false;
         m_edgeType = 0;
         m_edge = DxfFields();
         m_spline = SplineReader();
     }
 
-    HatchShape::Edge edge()
+    void hand(const HatchEdge& edge)
     {
-        HatchShape::Edge edge;
-        if (m_edgeType == LineEdge)
-            edge = PathShape{ { { m_edge.place(10) }, { m_edge.place(11) } }, false };
-        else if (m_edgeType == SplineEdge)
-            edge = spline();
-        else
-            edge = conic();
         m_good = m_good && !m_edge.isBad();
-        return edge;
+        if (m_sink)
+            m_sink->takeEdge(edge);
+    }
+
+    PathShape line()
+    {
+        PathShape line;
+        m_good = line.vertices.append(m_edge.place(10)) && line.vertices.append(m_edge.place(11))
+            && m_good;
+        return line;
     }
 
     SplineShape spline()
     {
         SplineShape spline = m_spline.spline();
         spline.degree = m_edge.whole(94);
-        m_good = m_good && !m_spline.isBad();
+        m_good = m_good && !m_spline.isBad() && !m_spline.isTooLong();
         return spline;
     }
 
@@ -215,7 +248,7 @@ private:
 
     DxfRecords& m_records;
     DxfFields& m_fields;
-    HatchShape& m_hatch;
+    BoundarySink* m_sink;
     DxfPair m_pair;
     int m_pathsLeft = 0;
     bool m_inBoundary = false;
@@ -223,14 +256,17 @@ private:
     int m_edgeType = 0;
     DxfFields m_edge;
     SplineReader m_spline;
+    PathShape m_path; ///< a boundary that is a polyline
+    std::optional<Place> m_place; ///< of its last vertex
+    double m_bulge = 0;
     bool m_good = true;
 };
 
 } // namespace
 
-bool readBoundaries(DxfRecords& records, DxfFields& fields, HatchShape& hatch)
+bool readBoundaries(DxfRecords& records, DxfFields& fields, BoundarySink* sink)
 {
-    return BoundaryReader(records, fields, hatch).read();
+    return BoundaryReader(records, fields, sink).read();
 }
 
 } // namespace prep

@@ -23,8 +23,7 @@ std::string_view DxfPairCursor::line()
     const std::string_view rest = m_bytes.substr(m_position);
     const size_t length = std::min(rest.find('\n'), rest.size());
     m_position += std::min(length + 1, rest.size());
-    const bool hasReturn = length > 0 && rest[length - 1] == '\r';
-    return rest.substr(0, hasReturn ? length - 1 : length);
+    return withoutReturns(rest.substr(0, length));
 }
 
 bool DxfPairCursor::takeAny(DxfPair& pair)

@@ -18,6 +18,14 @@ struct DxfPair {
     std::string_view text() const { return trimmed(value); }
 };
 
+/// A line without its carriage returns, of which a file that went through many hands has several.
+inline std::string_view withoutReturns(std::string_view line)
+{
+    while (!line.empty() && line.back() == '\r')
+        line.remove_suffix(1);
+    return line;
+}
+
 /// Walks the pairs of an ASCII drawing, and passes over what is no pair: comments (code 999), blank
 /// lines where a code should stand, lines that are no code. The import's own cursor stops there,
 /// as it must; this one is for drawings that need mending.
@@ -77,9 +85,8 @@ inline bool DxfPairCursor::takePlain(DxfPair& pair)
     const auto left = static_cast<size_t>(end - at);
     const auto* const lineEnd = static_cast<const char*>(std::memchr(at, '\n', left));
     const size_t length = lineEnd ? static_cast<size_t>(lineEnd - at) : left;
-    const bool hasReturn = lineEnd && length > 0 && at[length - 1] == '\r';
     pair.code = code;
-    pair.value = { at, length - (hasReturn ? 1 : 0) };
+    pair.value = withoutReturns({ at, length });
     m_position = static_cast<size_t>(at - m_bytes.data()) + length + (lineEnd ? 1 : 0);
     return true;
 }

@@ -5,17 +5,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace prep {
 
-namespace {
-
-bool isBefore(const FlatVertex& a, const FlatVertex& b)
+bool DxfWriter::Label::operator<(const Label& other) const
 {
-    return a.x < b.x || (a.x == b.x && a.y < b.y);
+    return std::tie(x, y, number) < std::tie(other.x, other.y, other.number);
 }
-
-} // namespace
 
 DxfWriter::DxfWriter(QIODevice& out, const QByteArray& codec, PrepareReport& report)
     : m_out(out)
@@ -56,57 +53,94 @@ void DxfWriter::place(int xCode, const FlatVertex& vertex)
     };
     coordinate(xCode, vertex.x, vertex.xDigits);
     coordinate(xCode + 10, vertex.y, vertex.yDigits);
-    m_leastX = m_isEmpty ? vertex.x : std::min(m_leastX, vertex.x);
+}
+
+void DxfWriter::noteX(double x)
+{
+    m_leastX = m_isEmpty ? x : std::min(m_leastX, x);
     m_isEmpty = false;
 }
 
 void DxfWriter::start(std::string_view type, std::string_view layer)
 {
-    m_out.settle();
     m_out.pair(0, type);
     m_out.pair(8, layer);
 }
 
-void DxfWriter::takeContour(
-    std::string_view layer, const std::vector<FlatVertex>& vertices, bool closed)
+void DxfWriter::takeContour(std::string_view layer, const VertexRow& vertices, bool closed)
 {
     ++m_report.contours;
+    noteX(vertices.leastX());
+    VertexCursor cursor = vertices.cursor();
+    std::string_view x;
+    std::string_view y;
     if (vertices.size() == 2 && !closed) {
         start("LINE", layer);
-        place(10, vertices[0]);
-        place(11, vertices[1]);
+        for (int code = 10; cursor.next(x, y); ++code) {
+            m_out.pair(code, x);
+            m_out.pair(code + 10, y);
+        }
+        m_out.settle();
         return;
     }
     start("POLYLINE", layer);
     m_out.pair(66, "1");
     m_out.pair(70, closed ? "1" : "0");
-    for (const FlatVertex& vertex : vertices) {
+    while (cursor.next(x, y)) {
         start("VERTEX", layer);
-        place(10, vertex);
+        m_out.pair(10, x);
+        m_out.pair(20, y);
+        m_out.settle();
     }
     start("SEQEND", layer);
+    m_out.settle();
 }
 
-void DxfWriter::takePoint(std::string_view layer, const FlatVertex& place)
+void DxfWriter::takePoint(std::string_view layer, const FlatVertex& vertex)
 {
-    m_points.push_back({ layer, place });
+    const size_t before = m_out.size();
+    start("POINT", layer);
+    place(10, vertex);
+    noteX(vertex.x);
+    ++m_pointCount;
+    const std::string_view kept = m_heap.add(m_out.cutFrom(before));
+    // What stands side by side is written as one.
+    const bool follows =
+        !m_points.empty() && m_points.back().data() + m_points.back().size() == kept.data();
+    if (follows)
+        m_points.back() = { m_points.back().data(), m_points.back().size() + kept.size() };
+    else
+        m_points.push_back(kept);
 }
 
-void DxfWriter::takeLabel(FlatLabel label)
+void DxfWriter::takeLabel(const FlatLabel& label)
 {
-    m_labels.push_back(std::move(label));
+    const size_t before = m_out.size();
+    writeLabel(label);
+    if (m_labels.empty())
+        m_firstLayer = label.layer;
+    const std::string_view pairs = m_heap.add(m_out.cutFrom(before));
+    m_labels.push_back({ label.place.x, label.place.y, pairs.data(),
+        static_cast<uint32_t>(pairs.size()), static_cast<uint32_t>(m_labels.size()) });
+}
+
+size_t DxfWriter::heldSize() const
+{
+    return m_heap.size() + m_labels.size() * sizeof(Label)
+        + m_points.size() * sizeof(std::string_view);
 }
 
 void DxfWriter::finish()
 {
-    std::stable_sort(m_labels.begin(), m_labels.end(),
-        [](const FlatLabel& a, const FlatLabel& b) { return isBefore(a.place, b.place); });
+    std::sort(m_labels.begin(), m_labels.end());
     if (m_labels.empty())
-        m_report.note(Note::PointsWithoutTexts, static_cast<qint64>(m_points.size()));
+        m_report.note(Note::PointsWithoutTexts, m_pointCount);
     else
         writePoints();
-    for (const FlatLabel& label : m_labels)
-        writeLabel(label);
+    for (const Label& label : m_labels) {
+        m_out.text({ label.pairs, label.size });
+        m_out.settle();
+    }
     m_report.labels += static_cast<qint64>(m_labels.size());
     m_out.pair(0, "ENDSEC");
     m_out.pair(0, "EOF");
@@ -115,23 +149,23 @@ void DxfWriter::finish()
 
 void DxfWriter::writePoints()
 {
-    if (m_points.empty())
+    if (m_pointCount == 0)
         addPointAside();
-    for (const Point& point : m_points) {
-        start("POINT", point.layer);
-        place(10, point.place);
+    for (const std::string_view points : m_points) {
+        m_out.text(points);
+        m_out.settle();
     }
-    m_report.points += static_cast<qint64>(m_points.size());
+    m_report.points += m_pointCount;
 }
 
 /// A point to the left of everything names no vertex.
 void DxfWriter::addPointAside()
 {
-    FlatVertex aside = m_labels.front().place;
-    const double left = m_isEmpty ? aside.x : std::min(m_leastX, aside.x);
-    aside.x = std::floor(left) - 1;
-    aside.xDigits = {};
-    m_points.push_back({ m_labels.front().layer, aside });
+    const Label& first = m_labels.front();
+    const double left = m_isEmpty ? first.x : std::min(m_leastX, first.x);
+    start("POINT", m_firstLayer);
+    place(10, { std::floor(left) - 1, first.y, {}, {} });
+    ++m_pointCount;
     m_report.note(Note::PointAdded);
 }
 

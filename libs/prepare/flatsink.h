@@ -1,19 +1,10 @@
 #pragma once
 
+#include "prepare/vertexrow.h"
+
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace prep {
-
-/// A vertex of the result. Digits that are not empty are those of the source and are written as
-/// they are; else the values are.
-struct FlatVertex {
-    double x = 0;
-    double y = 0;
-    std::string_view xDigits;
-    std::string_view yDigits;
-};
 
 /// A text of the result.
 struct FlatLabel {
@@ -36,10 +27,12 @@ public:
 
     /// At least two vertices; those of a closed contour do not repeat the first one at the end,
     /// unless the source did.
-    virtual void takeContour(
-        std::string_view layer, const std::vector<FlatVertex>& vertices, bool closed) = 0;
+    virtual void takeContour(std::string_view layer, const VertexRow& vertices, bool closed) = 0;
     virtual void takePoint(std::string_view layer, const FlatVertex& place) = 0;
-    virtual void takeLabel(FlatLabel label) = 0;
+    virtual void takeLabel(const FlatLabel& label) = 0;
+
+    /// About how much memory is needed for what has been taken and cannot be written yet.
+    virtual size_t heldSize() const = 0;
 };
 
 } // namespace prep

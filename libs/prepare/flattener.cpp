@@ -1,6 +1,7 @@
 #include "prepare/flattener.h"
 
 #include "prepare/dxfentityreader.h"
+#include "prepare/dxfhatchreader.h"
 
 #include <QTextCodec>
 #include <QtMath>
@@ -13,22 +14,30 @@ namespace {
 
 constexpr size_t mostDepth = 64;
 
-// A small file may become a large result, but not one that fills memory or disk. Contours go to
-// the disk at once, unless they are kept for joining; points and texts are kept.
+// A small file may become a large result, but not one that fills memory or disk.
 
+/// What may be kept until the end, in bytes, when blocks are still opened.
 qint64 mostHeld(qint64 inputSize)
 {
-    return 100000 + inputSize / 64;
+    return (10 << 20) + inputSize * 4;
 }
 
-qint64 mostWork(qint64 inputSize, const PrepareOptions& options)
+/// How many bytes of blocks are read, those of a block anew for each insert.
+qint64 mostWork(qint64 inputSize)
 {
-    return options.join ? mostHeld(inputSize) : 1000000 + inputSize;
+    return 60000000 + inputSize * 40;
 }
 
-qint64 mostChordsOf(qint64 inputSize, const PrepareOptions& options)
+/// Contours go to the disk at once, unless they are kept for joining.
+qint64 mostChords(qint64 inputSize, const PrepareOptions& options)
 {
     return options.join ? 100000 + inputSize / 16 : 4000000 + inputSize * 4;
+}
+
+bool isLabelOrInsert(const Entity& entity)
+{
+    return std::holds_alternative<LabelShape>(entity.shape)
+        || std::holds_alternative<InsertShape>(entity.shape);
 }
 
 Affine rootMap(const PrepareOptions& options)
@@ -48,9 +57,9 @@ Flattener::Flattener(const DxfDrawing& drawing, const PrepareOptions& options,
     , m_layers(drawing, options, codecs.codec)
     , m_blocks(drawing, options.blocks)
     , m_labelText(codecs.codec, codecs.byteCodec)
-    , m_heldLeft(mostHeld(inputSize))
-    , m_workLeft(mostWork(inputSize, options))
-    , m_contour(options.tolerance * std::abs(options.scale), mostChordsOf(inputSize, options),
+    , m_mostHeld(mostHeld(inputSize))
+    , m_workLeft(mostWork(inputSize))
+    , m_contour(options.tolerance * std::abs(options.scale), mostChords(inputSize, options),
           options.swapXY)
 {
 }
@@ -66,11 +75,17 @@ void Flattener::run()
         else
             flatten(entity, context);
     });
-    for (const auto& [block, choice] : m_choices) {
-        const QString name =
-            m_codec->toUnicode(block->name.data(), static_cast<int>(block->name.size()));
-        m_report.blocks.insert(name, choice);
+    for (const auto& [block, state] : m_blocks.states()) {
+        if (state.inserts > 0)
+            tellBlock(*block, state);
     }
+}
+
+void Flattener::tellBlock(const DxfBlock& block, const BlockState& state)
+{
+    const std::string_view name = m_drawing.head(block).name;
+    m_report.tellBlock(m_codec->toUnicode(name.data(), static_cast<int>(name.size())),
+        { state.inserts, state.isPoint });
 }
 
 void Flattener::flatten(const Entity& entity, const Context& context)
@@ -131,46 +146,56 @@ void Flattener::take(const Item& item, const SplineShape& spline)
     writeContour(item, spline.closed, m_contour.hasFitPoints() ? Note::FitPoints : Note::Chords);
 }
 
+/// Draws the boundaries of a hatch as they are read.
+class Flattener::HatchDrawer : public BoundarySink {
+public:
+    HatchDrawer(Flattener& flattener, const Item& item)
+        : m_flattener(flattener)
+        , m_item(item)
+    {
+    }
+
+    void startBoundary() override
+    {
+        finish();
+        m_flattener.m_contour.start(m_item.map);
+        m_isDrawn = true;
+        m_hasBoundary = true;
+    }
+    void takeEdge(const HatchEdge& edge) override
+    {
+        m_isDrawn = m_isDrawn && m_flattener.m_contour.appendEdge(edge);
+    }
+    void finish()
+    {
+        if (!m_hasBoundary)
+            return;
+        if (m_isDrawn && m_flattener.m_contour.vertices().size() >= 3)
+            m_flattener.writeContour(m_item, true, Note::HatchOutlines);
+        else
+            m_flattener.m_report.drop(m_item.entity.type, Note::Incomplete);
+        m_hasBoundary = false;
+    }
+
+private:
+    Flattener& m_flattener;
+    const Item& m_item;
+    bool m_hasBoundary = false;
+    bool m_isDrawn = false;
+};
+
 void Flattener::take(const Item& item, const HatchShape& hatch)
 {
     if (!m_options.hatches) {
         m_report.drop(item.entity.type, Note::HatchLeftOut);
         return;
     }
-    for (const auto& boundary : hatch.boundaries) {
-        const bool drawn = buildBoundary(item, boundary);
-        if (!drawn || m_contour.vertices().size() < 3) {
-            m_report.drop(item.entity.type, Note::Incomplete);
-            continue;
-        }
-        writeContour(item, true, Note::HatchOutlines);
-    }
-}
-
-bool Flattener::buildBoundary(const Item& item, const HatchShape::Boundary& boundary)
-{
-    std::vector<std::vector<FlatVertex>> edges;
-    for (const HatchShape::Edge& edge : boundary) {
-        m_contour.start(item.map);
-        if (!appendEdge(edge))
-            return false;
-        edges.push_back(m_contour.takeVertices());
-    }
-    m_contour.start(item.map);
-    for (std::vector<FlatVertex>& edge : edges)
-        m_contour.appendEdge(std::move(edge));
-    return true;
-}
-
-bool Flattener::appendEdge(const HatchShape::Edge& edge)
-{
-    if (const auto* path = std::get_if<PathShape>(&edge))
-        m_contour.append(*path);
-    else if (const auto* conic = std::get_if<ConicShape>(&edge))
-        m_contour.append(*conic);
-    else
-        return m_contour.append(std::get<SplineShape>(edge));
-    return true;
+    DxfRecords records = m_drawing.recordsAt(hatch.position);
+    records.next();
+    DxfFields fields;
+    HatchDrawer drawer(*this, item);
+    readBoundaries(records, fields, &drawer);
+    drawer.finish();
 }
 
 // Labels
@@ -224,7 +249,7 @@ void Flattener::take(const Item& item, const LabelShape& label)
         m_report.drop(type, Note::Incomplete);
         return;
     }
-    if (!spendHeld(item))
+    if (!mayHold(item))
         return;
     const bool decoded = placed.text != label.text;
     m_report.note(Note::AsText, isText || !decoded ? 0 : 1);
@@ -232,32 +257,45 @@ void Flattener::take(const Item& item, const LabelShape& label)
     noteWritten(item,
         decoded || !isText ? std::optional(decoded ? Note::TextDecoded : Note::AsText)
                            : std::nullopt);
-    m_sink.takeLabel(std::move(placed));
+    m_sink.takeLabel(placed);
 }
 
 // Blocks
 
 void Flattener::take(const Item& item, const InsertShape& insert)
 {
-    const DxfBlock* const block = m_drawing.block(insert.block);
-    for (const Entity& attribute : insert.attributes)
-        flatten(attribute, item.context);
-    if (!block) {
+    flattenAttributes(insert, item.context);
+    const DxfBlock* const found = m_drawing.block(insert.block);
+    if (!found) {
         writePoint(item, insert.place, Note::MissingBlock);
-    } else if (block->external) {
+        return;
+    }
+    BlockState& block = m_blocks.state(*found);
+    if (block.external) {
         m_report.drop(item.entity.type, Note::ExternalBlock);
-    } else if (m_blocks.isPoint(*block)) {
-        noteBlock(*block, true);
+    } else if (m_blocks.isPoint(block)) {
+        ++block.inserts;
+        block.isPoint = true;
         if (const auto reason = m_layers.reasonAgainst(item.layer)) {
             m_report.drop(item.entity.type, *reason);
             return;
         }
         writePoint(item, insert.place, Note::InsertAsPoint);
-    } else if (isOpenable(item, *block)) {
-        noteBlock(*block, false);
+    } else if (isOpenable(item, block)) {
         m_report.note(Note::InsertExploded);
         m_report.write(item.entity.type, true);
-        explode(item, insert, *block);
+        explode(item, insert, block);
+        ++block.inserts;
+    }
+}
+
+void Flattener::flattenAttributes(const InsertShape& insert, const Context& context)
+{
+    DxfRecords records = m_drawing.recordsAt(insert.attributes);
+    Entity attribute;
+    while (records.next() && records.type() == "ATTRIB") {
+        if (!readEntity(records, attribute))
+            flatten(attribute, context);
     }
 }
 
@@ -267,27 +305,20 @@ void Flattener::take(const Item& item, const DimensionShape& dimension)
         m_report.drop(item.entity.type, Note::LabelLeftOut);
         return;
     }
-    const DxfBlock* const block = m_drawing.block(dimension.block);
-    if (!block) {
+    const DxfBlock* const found = m_drawing.block(dimension.block);
+    if (!found) {
         m_report.drop(item.entity.type, Note::Incomplete);
-    } else if (isOpenable(item, *block)) {
-        m_report.write(item.entity.type, true);
-        // The block of a dimension has the coordinates of the world.
-        explodeBlock(*block, { item.context.map, item.layer, true, true });
-    }
-}
-
-void Flattener::noteBlock(const DxfBlock& block, bool asPoint)
-{
-    BlockChoice& choice = m_choices[&block];
-    choice.asPoint = asPoint;
-    if (choice.inserts++ > 0 || asPoint)
         return;
-    for (const auto& [what, count] : block.dropped)
-        m_report.drop(what.first, what.second, count);
+    }
+    BlockState& block = m_blocks.state(*found);
+    if (!isOpenable(item, block))
+        return;
+    m_report.write(item.entity.type, true);
+    // The block of a dimension has the coordinates of the world.
+    explodeBlock(block, false, { item.context.map, item.layer, true, true });
 }
 
-bool Flattener::isOpenable(const Item& item, const DxfBlock& block)
+bool Flattener::isOpenable(const Item& item, const BlockState& block)
 {
     std::optional<Note> reason;
     if (std::find(m_open.begin(), m_open.end(), &block) != m_open.end())
@@ -301,42 +332,52 @@ bool Flattener::isOpenable(const Item& item, const DxfBlock& block)
     return !reason;
 }
 
+bool Flattener::spendWork(std::string_view type, size_t bytes)
+{
+    // An empty block costs something, too.
+    constexpr qint64 least = 100;
+    m_workLeft -= least + static_cast<qint64>(bytes);
+    if (m_workLeft > 0)
+        return true;
+    m_report.drop(type, Note::TooMuch);
+    return false;
+}
+
 // "INSERT" in Autodesk's DXF reference: the base point of the block comes to the insertion, scaled,
 // then turned; the steps of an array are turned, too, but not scaled.
-void Flattener::explode(const Item& item, const InsertShape& insert, const DxfBlock& block)
+void Flattener::explode(const Item& item, const InsertShape& insert, const BlockState& block)
 {
     const Affine turned =
         item.map.after(Affine::shift(insert.place.vec())).after(Affine::turn(insert.rotation));
     const Affine inner = Affine::scaling(insert.scale).after(Affine::shift(block.base * -1));
     for (int row = 0; row < insert.rows; ++row) {
         for (int column = 0; column < insert.columns; ++column) {
-            // An empty block costs something, too.
-            if (--m_workLeft <= 0) {
-                m_report.drop(item.entity.type, Note::TooMuch);
+            if (!spendWork(item.entity.type, 0))
                 return;
-            }
             const Affine step =
                 Affine::shift({ column * insert.columnStep, row * insert.rowStep, 0 });
-            explodeBlock(block,
+            const bool isFirst = block.inserts == 0 && row == 0 && column == 0;
+            explodeBlock(block, isFirst,
                 { turned.after(step).after(inner), item.layer, true, item.context.labelsOnly });
         }
     }
 }
 
-void Flattener::explodeBlock(const DxfBlock& block, const Context& context)
+void Flattener::explodeBlock(const BlockState& block, bool tellsDropped, const Context& context)
 {
     m_open.push_back(&block);
-    for (const Entity& entity : block.entities) {
-        const bool isLabel = std::holds_alternative<LabelShape>(entity.shape)
-            || std::holds_alternative<InsertShape>(entity.shape);
-        if (context.labelsOnly && !isLabel)
-            continue;
-        if (--m_workLeft <= 0) {
-            m_report.drop(entity.type, Note::TooMuch);
-            break;
-        }
-        flatten(entity, context);
-    }
+    Entity entity;
+    m_drawing.forEachOfBlock(block.entities, [&](DxfRecords& records) {
+        const auto reason = readEntity(records, entity);
+        records.passPairs();
+        if (!spendWork(entity.type, records.nextPosition() - records.position()))
+            return false;
+        if (reason)
+            m_report.drop(entity.type, *reason, tellsDropped ? 1 : 0);
+        else if (!context.labelsOnly || isLabelOrInsert(entity))
+            flatten(entity, context);
+        return true;
+    });
     m_open.pop_back();
 }
 
@@ -352,9 +393,9 @@ void Flattener::noteWritten(const Item& item, std::optional<Note> change)
     m_report.write(item.entity.type, change || item.context.inBlock || extruded);
 }
 
-bool Flattener::spendHeld(const Item& item)
+bool Flattener::mayHold(const Item& item)
 {
-    if (!item.context.inBlock || m_heldLeft-- > 0)
+    if (!item.context.inBlock || static_cast<qint64>(m_sink.heldSize()) < m_mostHeld)
         return true;
     m_report.drop(item.entity.type, Note::TooMuch);
     return false;
@@ -362,13 +403,16 @@ bool Flattener::spendHeld(const Item& item)
 
 void Flattener::writeContour(const Item& item, bool closed, std::optional<Note> change)
 {
-    if (m_contour.vertices().size() < 2 || !m_contour.isFinite()) {
+    const VertexRow& vertices = m_contour.vertices();
+    if (vertices.size() < 2 || !vertices.isFinite()) {
         m_report.drop(item.entity.type, Note::Incomplete);
         return;
     }
+    if (m_options.join && !mayHold(item))
+        return;
     m_report.note(Note::CoarseChords, m_contour.takeCoarse() ? 1 : 0);
     noteWritten(item, change);
-    m_sink.takeContour(item.layer, m_contour.vertices(), closed);
+    m_sink.takeContour(item.layer, vertices, closed);
 }
 
 void Flattener::writePoint(const Item& item, const Place& place, std::optional<Note> change)
@@ -379,7 +423,7 @@ void Flattener::writePoint(const Item& item, const Place& place, std::optional<N
         m_report.drop(item.entity.type, Note::Incomplete);
         return;
     }
-    if (!spendHeld(item))
+    if (!mayHold(item))
         return;
     noteWritten(item, change);
     m_sink.takePoint(item.layer, vertex);

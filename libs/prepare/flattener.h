@@ -2,6 +2,7 @@
 
 #include "prepare/blockchooser.h"
 #include "prepare/contourbuilder.h"
+#include "prepare/flatsink.h"
 #include "prepare/labeltext.h"
 #include "prepare/layerfilter.h"
 
@@ -39,6 +40,8 @@ private:
         std::string_view layer;
     };
 
+    class HatchDrawer;
+
     void flatten(const Entity& entity, const Context& context);
     std::optional<Note> reasonAgainst(const Item& item);
 
@@ -51,12 +54,13 @@ private:
     void take(const Item& item, const HatchShape& hatch);
     void take(const Item& item, const DimensionShape& dimension);
 
-    bool isOpenable(const Item& item, const DxfBlock& block);
-    void explode(const Item& item, const InsertShape& insert, const DxfBlock& block);
-    void explodeBlock(const DxfBlock& block, const Context& context);
-    void noteBlock(const DxfBlock& block, bool asPoint);
-    bool buildBoundary(const Item& item, const HatchShape::Boundary& boundary);
-    bool appendEdge(const HatchShape::Edge& edge);
+    void flattenAttributes(const InsertShape& insert, const Context& context);
+    bool isOpenable(const Item& item, const BlockState& block);
+    void explode(const Item& item, const InsertShape& insert, const BlockState& block);
+    void explodeBlock(const BlockState& block, bool tellsDropped, const Context& context);
+    void tellBlock(const DxfBlock& block, const BlockState& state);
+    /// Whether so much of a block may still be read.
+    bool spendWork(std::string_view type, size_t bytes);
     bool isLabelWanted(const Item& item) const;
     FlatLabel placedLabel(const Item& item, const LabelShape& label) const;
 
@@ -64,7 +68,8 @@ private:
     void writeContour(const Item& item, bool closed, std::optional<Note> change);
     void writePoint(const Item& item, const Place& place, std::optional<Note> change);
     void noteWritten(const Item& item, std::optional<Note> change);
-    bool spendHeld(const Item& item);
+    /// Whether something more may be kept in memory; what no block holds is always kept.
+    bool mayHold(const Item& item);
 
     const DxfDrawing& m_drawing;
     const PrepareOptions& m_options;
@@ -74,11 +79,10 @@ private:
     LayerFilter m_layers;
     BlockChooser m_blocks;
     LabelText m_labelText;
-    qint64 m_heldLeft; ///< what may still come out of blocks and is kept in memory
-    qint64 m_workLeft; ///< entities that may still come out of blocks
+    qint64 m_mostHeld; ///< what may be kept in memory when more comes out of blocks, in bytes
+    qint64 m_workLeft; ///< how many bytes of blocks may still be read
     ContourBuilder m_contour;
-    std::vector<const DxfBlock*> m_open; ///< the blocks that are being exploded
-    std::unordered_map<const DxfBlock*, BlockChoice> m_choices;
+    std::vector<const BlockState*> m_open; ///< the blocks that are being exploded
 };
 
 } // namespace prep

@@ -40,6 +40,8 @@ LayerFilter::LayerFilter(
 
 std::optional<Note> LayerFilter::reasonAgainst(std::string_view layer)
 {
+    if (!m_visibleOnly && m_taken.empty() && m_skipped.empty())
+        return {};
     const auto known = m_known.find(layer);
     if (known != m_known.end())
         return known->second;
@@ -59,8 +61,6 @@ std::optional<Note> LayerFilter::judge(std::string_view layer) const
     const DxfLayer* const entry = m_visibleOnly ? m_drawing.layer(layer) : nullptr;
     if (entry && (entry->frozen || entry->off))
         return Note::Invisible;
-    if (m_taken.empty() && m_skipped.empty())
-        return {};
     const QString name = m_codec->toUnicode(layer.data(), static_cast<int>(layer.size()));
     const bool taken = m_taken.empty() || matchesAny(m_taken, name);
     if (taken && !matchesAny(m_skipped, name))

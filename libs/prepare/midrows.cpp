@@ -42,23 +42,42 @@ MidRows::MidRows(std::string_view bytes, char delimiter, size_t columns, size_t 
     , m_delimiter(delimiter)
     , m_columns(columns)
 {
-    splitLines();
-    if (m_rows.size() == objects)
+    const size_t lines = count();
+    if (lines == objects)
         return;
-    const std::vector<std::string_view> lines = m_rows;
-    splitRecords();
+    m_isByLines = false;
     // A quote that nothing closes takes the rest of the file into one row.
-    if (m_rows.size() < objects && lines.size() > objects)
-        m_rows = lines;
+    m_isByLines = count() < objects && lines > objects;
 }
 
-void MidRows::splitLines()
+size_t MidRows::count() const
 {
-    for (size_t start = 0; start < m_bytes.size();) {
-        const size_t end = std::min(m_bytes.find('\n', start), m_bytes.size());
-        m_rows.push_back(withoutReturn(m_bytes.substr(start, end - start)));
-        start = end + 1;
-    }
+    size_t count = 0;
+    for (size_t start = 0; start < m_bytes.size(); start = rowEnd(start) + 1)
+        ++count;
+    return count;
+}
+
+bool MidRows::next(std::string_view& row)
+{
+    if (m_position >= m_bytes.size())
+        return false;
+    const size_t end = rowEnd(m_position);
+    row = withoutReturn(m_bytes.substr(m_position, end - m_position));
+    m_position = end + 1;
+    return true;
+}
+
+/// Where the row that begins at `start` ends.
+size_t MidRows::rowEnd(size_t start) const
+{
+    const size_t lineEnd = std::min(m_bytes.find('\n', start), m_bytes.size());
+    if (m_isByLines)
+        return lineEnd;
+    size_t fields = 0;
+    const size_t end = recordEnd(start, &fields);
+    // A line that has all columns ends its row, whatever its quotes say.
+    return fields > m_columns ? std::min(end, lineEnd) : end;
 }
 
 size_t MidRows::recordEnd(size_t start, size_t* fields) const
@@ -72,40 +91,25 @@ size_t MidRows::recordEnd(size_t start, size_t* fields) const
     }
 }
 
-void MidRows::splitRecords()
+bool MidFields::next(std::string_view& field)
 {
-    m_rows.clear();
-    for (size_t start = 0; start < m_bytes.size();) {
-        size_t fields = 0;
-        size_t end = recordEnd(start, &fields);
-        // A line that has all columns ends its row, whatever its quotes say.
-        const size_t lineEnd = std::min(m_bytes.find('\n', start), m_bytes.size());
-        if (fields > m_columns && end > lineEnd)
-            end = lineEnd;
-        m_rows.push_back(withoutReturn(m_bytes.substr(start, end - start)));
-        start = end + 1;
-    }
-}
-
-std::vector<std::string_view> midFields(std::string_view row, char delimiter)
-{
-    std::vector<std::string_view> fields;
-    for (size_t start = 0;;) {
-        size_t end = fieldEnd(row, start, delimiter);
-        // Line ends are within the value here.
-        while (end < row.size() && row[end] == '\n')
-            end = fieldEnd(row, end + 1, delimiter);
-        fields.push_back(row.substr(start, end - start));
-        if (end >= row.size())
-            return fields;
-        start = end + 1;
-    }
+    if (m_atEnd)
+        return false;
+    size_t end = fieldEnd(m_row, m_position, m_delimiter);
+    // Line ends are within the value here.
+    while (end < m_row.size() && m_row[end] == '\n')
+        end = fieldEnd(m_row, end + 1, m_delimiter);
+    field = m_row.substr(m_position, end - m_position);
+    m_atEnd = end >= m_row.size();
+    m_position = end + 1;
+    return true;
 }
 
 std::string midField(std::string_view field)
 {
-    std::string value(trimmed(field));
+    const std::string_view value = trimmed(field);
     std::string line;
+    line.reserve(value.size() + 2);
     for (const char c : value) {
         const bool isLineEnd = c == '\n' || c == '\r';
         if (!isLineEnd)
@@ -114,7 +118,9 @@ std::string midField(std::string_view field)
             line += ' ';
     }
     const bool isQuoted = !line.empty() && line.front() == '"';
-    return !isQuoted && line.find(',') != std::string::npos ? '"' + line + '"' : line;
+    if (!isQuoted && line.find(',') != std::string::npos)
+        line.insert(0, 1, '"').append(1, '"');
+    return line;
 }
 
 } // namespace prep

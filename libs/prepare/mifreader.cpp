@@ -40,6 +40,15 @@ std::string_view firstWord(std::string_view line)
     return line.substr(0, line.find_first_of(space));
 }
 
+/// The next line, trimmed.
+std::string_view takeLine(std::string_view& rest)
+{
+    const size_t length = std::min(rest.find('\n'), rest.size());
+    const std::string_view line = trimmed(rest.substr(0, length));
+    rest.remove_prefix(std::min(length + 1, rest.size()));
+    return line;
+}
+
 } // namespace
 
 std::optional<MifKind> mifKindOf(std::string_view word)
@@ -51,14 +60,26 @@ std::optional<MifKind> mifKindOf(std::string_view word)
     return {};
 }
 
+std::string_view takeClause(std::string_view& clauses)
+{
+    while (!clauses.empty()) {
+        const std::string_view line = takeLine(clauses);
+        const bool isClause = !line.empty()
+            && ((line[0] >= 'A' && line[0] <= 'Z') || (line[0] >= 'a' && line[0] <= 'z'));
+        if (isClause)
+            return line;
+    }
+    return {};
+}
+
 // Lines and words
 
 std::string_view MifReader::line()
 {
-    const std::string_view rest = m_bytes.substr(m_position);
-    const size_t length = std::min(rest.find('\n'), rest.size());
-    m_position += std::min(length + 1, rest.size());
-    return trimmed(rest.substr(0, length));
+    std::string_view rest = m_bytes.substr(m_position);
+    const std::string_view line = takeLine(rest);
+    m_position = m_bytes.size() - rest.size();
+    return line;
 }
 
 std::string_view MifReader::word()
@@ -100,7 +121,8 @@ int MifReader::count()
 
 bool MifReader::readHeader(std::vector<std::string_view>& lines)
 {
-    while (m_position < m_bytes.size()) {
+    constexpr size_t most = 20000;
+    while (m_position < m_bytes.size() && lines.size() < most) {
         const std::string_view text = line();
         if (isSameWord(text, "DATA"))
             return true;
@@ -142,28 +164,24 @@ bool MifReader::next(MifObject& object)
 // What stands behind an object and is none.
 void MifReader::readClauses(MifObject& object)
 {
-    while (m_position < m_bytes.size()) {
-        const size_t before = m_position;
-        const std::string_view text = line();
-        if (mifKindOf(firstWord(text))) {
-            m_position = before;
-            return;
-        }
-        const bool isClause = !text.empty()
-            && ((text[0] >= 'A' && text[0] <= 'Z') || (text[0] >= 'a' && text[0] <= 'z'));
-        if (isClause && object.complete)
-            object.clauses.push_back(text);
-    }
+    const size_t start = m_position;
+    size_t end = start;
+    while (m_position < m_bytes.size() && !mifKindOf(firstWord(line())))
+        end = m_position;
+    m_position = end;
+    if (object.complete)
+        object.clauses = m_bytes.substr(start, end - start);
 }
 
 // Objects
 
-bool MifReader::readVertices(int count, std::vector<FlatVertex>& vertices)
+bool MifReader::readPart(int count, MifObject& object)
 {
     const size_t rest = m_bytes.size() - m_position;
     // Each vertex takes four bytes at least.
     if (count < 0 || static_cast<size_t>(count) > rest / 4 + 1)
         return false;
+    object.parts.push_back(static_cast<uint32_t>(count));
     for (int i = 0; i < count; ++i) {
         FlatVertex vertex;
         const std::optional<double> x = number(&vertex.xDigits);
@@ -174,7 +192,7 @@ bool MifReader::readVertices(int count, std::vector<FlatVertex>& vertices)
             return false;
         vertex.x = *x;
         vertex.y = *y;
-        vertices.push_back(vertex);
+        object.vertices.append(vertex);
     }
     return true;
 }
@@ -193,14 +211,12 @@ bool MifReader::readObject(MifObject& object)
     case MifKind::Region:
         return readRegion(object);
     case MifKind::MultiPoint:
-        object.parts.emplace_back();
-        return readVertices(count(), object.parts.back());
+        return readPart(count(), object);
     default:
         break;
     }
     const qint64 mended = m_mendedLines;
-    object.parts.emplace_back();
-    if (!readVertices(object.kind == MifKind::Point ? 1 : 2, object.parts.back()))
+    if (!readPart(object.kind == MifKind::Point ? 1 : 2, object))
         return false;
     m_mendedLines = mended; // all on one line here
     if (object.kind == MifKind::Arc) {
@@ -221,11 +237,10 @@ bool MifReader::readPline(MifObject& object)
     const bool isMultiple = isSameWord(first, "MULTIPLE");
     const int sections = isMultiple ? count() : 1;
     for (int i = 0; i < sections; ++i) {
-        object.parts.emplace_back();
         const int vertices = isMultiple ? count() : toWhole(first).value_or(-1);
         if (isMultiple)
             noteOddPlace(true);
-        if (!readVertices(vertices, object.parts.back()) || vertices < 2)
+        if (!readPart(vertices, object) || vertices < 2)
             return false;
     }
     return sections > 0;
@@ -236,10 +251,9 @@ bool MifReader::readRegion(MifObject& object)
     const int rings = count();
     noteOddPlace(false);
     for (int i = 0; i < rings; ++i) {
-        object.parts.emplace_back();
         const int vertices = count();
         noteOddPlace(true);
-        if (!readVertices(vertices, object.parts.back()) || vertices < 3)
+        if (!readPart(vertices, object) || vertices < 3)
             return false;
     }
     return rings >= 0;
@@ -254,9 +268,8 @@ bool MifReader::readText(MifObject& object, size_t start)
         return false;
     m_position = close + 1;
     object.text = trimmed(m_bytes.substr(start, m_position - start));
-    object.parts.emplace_back();
     const qint64 mended = m_mendedLines;
-    const bool good = readVertices(2, object.parts.back());
+    const bool good = readPart(2, object);
     m_mendedLines = mended;
     return good;
 }

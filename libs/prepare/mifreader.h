@@ -1,9 +1,10 @@
 #pragma once
 
-#include "prepare/flatsink.h"
+#include "prepare/vertexrow.h"
 
 #include <QString>
 
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -30,16 +31,20 @@ struct MifObject {
     MifKind kind = MifKind::None;
     std::string_view name; ///< as the file writes it
     bool complete = true; ///< all that belongs to it was there and good
-    /// The sections of a PLINE, the rings of a REGION, the points of a MULTIPOINT, the corners of
-    /// what stands in a rectangle.
-    std::vector<std::vector<FlatVertex>> parts;
+    VertexRow vertices; ///< of all parts
+    /// How many of them the sections of a PLINE have, the rings of a REGION, the points of a
+    /// MULTIPOINT; two are the corners of what stands in a rectangle.
+    std::vector<uint32_t> parts;
     double start = 0; ///< angles of an ARC in degrees
     double end = 0;
     double rounding = 0; ///< of the corners of a ROUNDRECT: the diameter
     int collected = 0; ///< how many objects a COLLECTION holds
     std::string_view text; ///< a TEXT as it stands, from its keyword to its last quote
-    std::vector<std::string_view> clauses; ///< PEN, BRUSH and the like, line by line
+    std::string_view clauses; ///< the lines behind it: PEN, BRUSH and the like
 };
+
+/// Takes the next line with a PEN, a BRUSH or the like from `clauses`, trimmed; empty at the end.
+std::string_view takeClause(std::string_view& clauses);
 
 /// Reads MIF files by their words: a count or a vertex may stand on another line than the readers
 /// look for it, with blank lines between.
@@ -51,7 +56,8 @@ public:
     {
     }
 
-    /// Reads the lines before the data, trimmed; false when there is no line "Data".
+    /// Reads the lines before the data, trimmed; false when there is no line "Data" behind as many
+    /// as a header may have.
     bool readHeader(std::vector<std::string_view>& lines);
     /// Reads the next object. False at the end.
     bool next(MifObject& object);
@@ -63,7 +69,7 @@ private:
     std::string_view word();
     std::optional<double> number(std::string_view* digits = nullptr);
     int count();
-    bool readVertices(int count, std::vector<FlatVertex>& vertices);
+    bool readPart(int count, MifObject& object);
     bool readObject(MifObject& object);
     bool readPline(MifObject& object);
     bool readRegion(MifObject& object);

@@ -20,14 +20,23 @@ std::string upperName(std::string_view name)
     return QByteArray(name.data(), static_cast<int>(name.size())).toUpper().toStdString();
 }
 
-FlatVertex plain(double x, double y)
+double valueOf(std::string_view digits)
 {
-    return { x, y, {}, {} };
+    return toNumber(digits).value_or(0);
+}
+
+FlatVertex nextVertex(VertexCursor& cursor)
+{
+    FlatVertex vertex;
+    cursor.next(vertex.xDigits, vertex.yDigits);
+    vertex.x = valueOf(vertex.xDigits);
+    vertex.y = valueOf(vertex.yDigits);
+    return vertex;
 }
 
 } // namespace
 
-MifWriter::MifWriter(QIODevice& mifOut, QIODevice& midOut, const MidRows& rows, const RowForm& form,
+MifWriter::MifWriter(QIODevice& mifOut, QIODevice& midOut, MidRows& rows, const RowForm& form,
     const PrepareOptions& options, PrepareReport& report)
     : m_mifOut(mifOut)
     , m_midOut(midOut)
@@ -67,45 +76,47 @@ void MifWriter::flush(int limit)
 void MifWriter::finish()
 {
     flush(0);
-    if (m_nextRow < m_rows.size()) {
-        // Blank lines at the end are no rows.
-        qint64 left = 0;
-        for (size_t i = m_nextRow; i < m_rows.size(); ++i)
-            left += trimmed(m_rows.row(i)).empty() ? 0 : 1;
-        m_report.note(Note::MidTooLong, left);
-    }
+    // Blank lines at the end are no rows.
+    qint64 left = 0;
+    for (std::string_view row; m_rows.next(row);)
+        left += trimmed(row).empty() ? 0 : 1;
+    m_report.note(Note::MidTooLong, left);
 }
 
 // Rows
 
 std::string MifWriter::splitRow(std::string_view row) const
 {
-    std::vector<std::string_view> fields = midFields(row, m_form.delimiter);
-    if (m_form.firstColumn < fields.size()) {
-        const auto first = fields.begin() + static_cast<std::ptrdiff_t>(m_form.firstColumn);
-        std::rotate(fields.begin(), first, first + 1);
-    }
     std::string result;
-    for (size_t i = 0; i < fields.size(); ++i)
-        result.append(i == 0 ? "" : ",").append(midField(fields[i]));
+    result.reserve(row.size());
+    const char* separator = "";
+    const auto append = [&](bool first) {
+        MidFields fields(row, m_form.delimiter);
+        std::string_view field;
+        for (size_t i = 0; fields.next(field); ++i) {
+            if ((i == m_form.firstColumn) != first)
+                continue;
+            result.append(separator).append(midField(field));
+            separator = ",";
+        }
+    };
+    append(true);
+    append(false);
     return result;
 }
 
 /// Reads the row of the next object, as the readers take it.
 void MifWriter::takeRow()
 {
-    const std::string_view row = m_nextRow < m_rows.size() ? m_rows.row(m_nextRow) : "";
-    if (m_nextRow >= m_rows.size() && m_rows.size() > 0)
+    std::string_view row;
+    if (!m_rows.next(row) && !m_rows.isEmpty())
         m_report.note(Note::MidTooShort);
-    ++m_nextRow;
-    m_row = m_form.splits ? splitRow(row) : std::string(row);
-    const bool isBroken = !m_form.splits && m_row.find('\n') != std::string::npos;
-    if (isBroken)
-        m_row = splitRow(row);
+    const bool isBroken = !m_form.splits && row.find('\n') != std::string_view::npos;
+    m_row = m_form.splits || isBroken ? splitRow(row) : std::string(row);
     const bool isBlank = trimmed(m_row).empty();
     if (isBlank)
         m_row = "\"\"" + std::string(m_form.columns - 1, m_form.splits ? ',' : m_form.delimiter);
-    m_report.note(Note::MidRows, (isBroken || (isBlank && m_rows.size() > 0)) ? 1 : 0);
+    m_report.note(Note::MidRows, (isBroken || (isBlank && !m_rows.isEmpty())) ? 1 : 0);
 }
 
 void MifWriter::writeRow()
@@ -141,6 +152,10 @@ void MifWriter::flatten(const MifObject& object)
     const std::string name = upperName(object.name);
     switch (object.kind) {
     case MifKind::MultiPoint:
+        if (!staysFinite(object)) {
+            m_report.drop(name, Note::Incomplete);
+            break;
+        }
         writePoints(object);
         m_report.note(Note::PointsOfMultipoint);
         m_report.write(name, true);
@@ -149,55 +164,99 @@ void MifWriter::flatten(const MifObject& object)
     case MifKind::Rect:
     case MifKind::RoundRect:
     case MifKind::Ellipse:
-        writeShape(object);
+        if (!writeShape(object)) {
+            m_report.drop(name, Note::Incomplete);
+            break;
+        }
         m_report.note(Note::OutlineOfShape);
         m_report.note(Note::CoarseChords, m_chords.takeCoarse() ? 1 : 0);
         m_report.write(name, true);
         break;
     default:
+        if (!staysFinite(object)) {
+            m_report.drop(name, Note::Incomplete);
+            break;
+        }
         write(object);
         m_report.write(name, m_moves);
     }
 }
 
-FlatVertex MifWriter::moved(FlatVertex vertex) const
+double MifWriter::moved(double coordinate, size_t axis) const
 {
-    if (m_moves) {
-        const double x = (vertex.x * m_factors[0] + m_shifts[0]) * m_options.scale;
-        const double y = (vertex.y * m_factors[1] + m_shifts[1]) * m_options.scale;
-        vertex = plain(x, y);
-    }
-    if (m_flattens && m_options.swapXY) {
-        std::swap(vertex.x, vertex.y);
-        std::swap(vertex.xDigits, vertex.yDigits);
-    }
-    return vertex;
+    return (coordinate * m_factors[axis] + m_shifts[axis]) * m_options.scale;
 }
 
-void MifWriter::vertex(const FlatVertex& vertex)
+/// Whether all coordinates are numbers where they are moved to.
+bool MifWriter::staysFinite(const MifObject& object) const
 {
-    const FlatVertex place = moved(vertex);
-    const auto coordinate = [this](double value, std::string_view digits) {
-        const std::string text = digits.empty() ? plainText(value) : std::string(digits);
-        m_mif.append(text.data(), static_cast<int>(text.size()));
-    };
-    coordinate(place.x, place.xDigits);
+    if (!m_moves)
+        return true;
+    VertexCursor cursor = object.vertices.cursor();
+    std::string_view x;
+    std::string_view y;
+    while (cursor.next(x, y)) {
+        if (!std::isfinite(moved(valueOf(x), 0)) || !std::isfinite(moved(valueOf(y), 1)))
+            return false;
+    }
+    return true;
+}
+
+void MifWriter::vertex(std::string_view x, std::string_view y)
+{
+    if (m_moves)
+        putVertex(plainText(moved(valueOf(x), 0)), plainText(moved(valueOf(y), 1)));
+    else
+        putVertex(x, y);
+}
+
+void MifWriter::putVertex(std::string_view x, std::string_view y)
+{
+    if (m_flattens && m_options.swapXY)
+        std::swap(x, y);
+    put(x);
     m_mif.append(' ');
-    coordinate(place.y, place.yDigits);
+    put(y);
 }
 
-void MifWriter::vertices(const std::vector<FlatVertex>& vertices)
+void MifWriter::put(std::string_view text)
 {
-    for (const FlatVertex& place : vertices) {
-        vertex(place);
+    m_mif.append(text.data(), static_cast<int>(text.size()));
+}
+
+/// Writes so many vertices, one a line.
+void MifWriter::vertices(VertexCursor& cursor, size_t count)
+{
+    std::string_view x;
+    std::string_view y;
+    for (size_t i = 0; i < count && cursor.next(x, y); ++i) {
+        vertex(x, y);
         m_mif.append('\n');
+        flush(bufferSize);
+    }
+}
+
+/// Writes all vertices on the line.
+void MifWriter::corners(const MifObject& object)
+{
+    VertexCursor cursor = object.vertices.cursor();
+    std::string_view x;
+    std::string_view y;
+    for (const char* before = ""; cursor.next(x, y); before = " ") {
+        m_mif.append(before);
+        vertex(x, y);
     }
 }
 
 void MifWriter::writeClauses(const MifObject& object)
 {
-    for (const std::string_view clause : object.clauses)
-        m_mif.append("    ").append(clause.data(), static_cast<int>(clause.size())).append('\n');
+    std::string_view rest = object.clauses;
+    for (std::string_view clause = takeClause(rest); !clause.empty(); clause = takeClause(rest)) {
+        m_mif.append("    ");
+        put(clause);
+        m_mif.append('\n');
+        flush(bufferSize);
+    }
 }
 
 void MifWriter::write(const MifObject& object)
@@ -205,52 +264,50 @@ void MifWriter::write(const MifObject& object)
     const auto count = [](size_t number) {
         return QByteArray::number(static_cast<qint64>(number));
     };
+    VertexCursor cursor = object.vertices.cursor();
     switch (object.kind) {
     case MifKind::Point:
         m_mif.append("Point ");
-        vertex(object.parts[0][0]);
+        corners(object);
         m_mif.append('\n');
         ++m_report.points;
         break;
     case MifKind::Pline: {
         const bool isMultiple = object.parts.size() > 1;
         m_mif.append(isMultiple ? "Pline Multiple " + count(object.parts.size()) + '\n' : "Pline ");
-        for (const auto& part : object.parts) {
-            m_mif.append(isMultiple ? "  " + count(part.size()) : count(part.size())).append('\n');
-            vertices(part);
+        for (const uint32_t part : object.parts) {
+            m_mif.append(isMultiple ? "  " + count(part) : count(part)).append('\n');
+            vertices(cursor, part);
         }
         ++m_report.contours;
         break;
     }
     case MifKind::Region:
         m_mif.append("Region " + count(object.parts.size())).append('\n');
-        for (const auto& part : object.parts) {
-            m_mif.append("  " + count(part.size())).append('\n');
-            vertices(part);
+        for (const uint32_t part : object.parts) {
+            m_mif.append("  " + count(part)).append('\n');
+            vertices(cursor, part);
         }
         ++m_report.contours;
         break;
     case MifKind::Text:
-        m_mif.append(object.text.data(), static_cast<int>(object.text.size())).append("\n    ");
-        vertex(object.parts[0][0]);
-        m_mif.append(' ');
-        vertex(object.parts[0][1]);
+        put(object.text);
+        m_mif.append("\n    ");
+        corners(object);
         m_mif.append('\n');
         break;
     case MifKind::None:
         m_mif.append("None\n");
         break;
     case MifKind::MultiPoint:
-        m_mif.append("MultiPoint " + count(object.parts[0].size())).append('\n');
-        vertices(object.parts[0]);
+        m_mif.append("MultiPoint " + count(object.vertices.size())).append('\n');
+        vertices(cursor, object.vertices.size());
         break;
     default:
         m_report.contours += object.kind == MifKind::Line ? 1 : 0;
-        m_mif.append(object.name.data(), static_cast<int>(object.name.size()));
-        for (const FlatVertex& corner : object.parts[0]) {
-            m_mif.append(' ');
-            vertex(corner);
-        }
+        put(object.name);
+        m_mif.append(' ');
+        corners(object);
         m_mif.append('\n');
         if (object.kind == MifKind::Arc)
             m_mif.append("  " + QByteArray::fromStdString(plainText(object.start)) + ' '
@@ -266,8 +323,12 @@ void MifWriter::writePoints(const MifObject& object)
 {
     MifObject point;
     point.kind = MifKind::Point;
-    for (const FlatVertex& place : object.parts[0]) {
-        point.parts = { { place } };
+    VertexCursor cursor = object.vertices.cursor();
+    std::string_view x;
+    std::string_view y;
+    while (cursor.next(x, y)) {
+        point.vertices.clear();
+        point.vertices.append({ 0, 0, x, y });
         write(point);
     }
 }
@@ -275,25 +336,34 @@ void MifWriter::writePoints(const MifObject& object)
 // Shapes: each is told by the rectangle around it ("MIF file layout" in MapInfo's description of
 // the format); the angles of an arc are those of the parameter of its ellipse.
 
-void MifWriter::writeShape(const MifObject& object)
+bool MifWriter::writeShape(const MifObject& object)
 {
     MifObject outline;
     outline.kind = object.kind == MifKind::Arc ? MifKind::Pline : MifKind::Region;
-    outline.parts = { outlineOf(object) };
+    putOutline(object, outline.vertices);
+    // A circle may have been drawn with nothing between its corners.
+    const size_t least = object.kind == MifKind::Arc ? 2 : 3;
+    if (outline.vertices.size() < least || !outline.vertices.isFinite() || !staysFinite(outline))
+        return false;
+    outline.parts = { static_cast<uint32_t>(outline.vertices.size()) };
     outline.clauses = object.clauses;
     write(outline);
+    return true;
 }
 
-std::vector<FlatVertex> MifWriter::outlineOf(const MifObject& object)
+void MifWriter::putOutline(const MifObject& object, VertexRow& outline)
 {
-    const FlatVertex& a = object.parts[0][0];
-    const FlatVertex& b = object.parts[0][1];
+    VertexCursor cursor = object.vertices.cursor();
+    const FlatVertex a = nextVertex(cursor);
+    const FlatVertex b = nextVertex(cursor);
     if (object.kind == MifKind::Rect) {
-        const auto corner = [](const FlatVertex& x, const FlatVertex& y) {
-            return FlatVertex{ x.x, y.y, x.xDigits, y.yDigits };
-        };
-        return { a, corner(b, a), b, corner(a, b), a };
+        const FlatVertex right{ b.x, a.y, b.xDigits, a.yDigits };
+        const FlatVertex left{ a.x, b.y, a.xDigits, b.yDigits };
+        for (const FlatVertex& corner : { a, right, b, left, a })
+            outline.append(corner);
+        return;
     }
+    m_chords.startContour();
     const double left = std::min(a.x, b.x);
     const double right = std::max(a.x, b.x);
     const double bottom = std::min(a.y, b.y);
@@ -316,12 +386,12 @@ std::vector<FlatVertex> MifWriter::outlineOf(const MifObject& object)
         appendArc({ right - radii.x, bottom + radii.y }, radii, 270, 90);
         m_places.push_back(m_places.front());
     }
-    std::vector<FlatVertex> outline;
+    const Planar* last = nullptr;
     for (const Planar& place : m_places) {
-        if (outline.empty() || outline.back().x != place.x || outline.back().y != place.y)
-            outline.push_back(plain(place.x, place.y));
+        if (!last || last->x != place.x || last->y != place.y)
+            outline.append({ place.x, place.y, {}, {} });
+        last = &place;
     }
-    return outline;
 }
 
 /// Appends an arc of an ellipse, its ends included; angles are in degrees.

@@ -23,7 +23,7 @@ struct RowForm {
 class MifWriter {
 public:
     /// All must outlive the writer.
-    MifWriter(QIODevice& mifOut, QIODevice& midOut, const MidRows& rows, const RowForm& form,
+    MifWriter(QIODevice& mifOut, QIODevice& midOut, MidRows& rows, const RowForm& form,
         const PrepareOptions& options, PrepareReport& report);
 
     void start(const MifHeader& header, bool flattens, const QByteArray& charset);
@@ -35,21 +35,25 @@ private:
     void takeRow();
     void write(const MifObject& object);
     void flatten(const MifObject& object);
-    void writeShape(const MifObject& object);
+    bool writeShape(const MifObject& object);
     void writePoints(const MifObject& object);
-    std::vector<FlatVertex> outlineOf(const MifObject& object);
+    void putOutline(const MifObject& object, VertexRow& outline);
     void appendArc(const Planar& centre, const Planar& radii, double start, double sweep);
     void writeRow();
     std::string splitRow(std::string_view row) const;
     void writeClauses(const MifObject& object);
-    void vertex(const FlatVertex& vertex);
-    void vertices(const std::vector<FlatVertex>& vertices);
+    void vertex(std::string_view x, std::string_view y);
+    void putVertex(std::string_view x, std::string_view y);
+    void vertices(VertexCursor& cursor, size_t count);
+    void corners(const MifObject& object);
+    void put(std::string_view text);
+    double moved(double coordinate, size_t axis) const;
+    bool staysFinite(const MifObject& object) const;
     void flush(int limit);
-    FlatVertex moved(FlatVertex vertex) const;
 
     QIODevice& m_mifOut;
     QIODevice& m_midOut;
-    const MidRows& m_rows;
+    MidRows& m_rows;
     RowForm m_form;
     const PrepareOptions& m_options;
     PrepareReport& m_report;
@@ -58,7 +62,6 @@ private:
     bool m_moves = false;
     double m_factors[2] = { 1, 1 };
     double m_shifts[2] = { 0, 0 };
-    size_t m_nextRow = 0;
     std::string m_row; ///< that of the object at hand
     int m_collected = 0; ///< objects of a collection that share the row
     std::vector<Planar> m_places;

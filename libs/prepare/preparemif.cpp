@@ -53,7 +53,7 @@ public:
             m_codec->toUnicode(header.charset().data(), static_cast<int>(header.charset().size()))
                 .remove(QLatin1Char('"'));
         const char delimiter = header.delimiter();
-        const MidRows rows(m_mid, delimiter, header.columnCount(), countObjects(reader));
+        MidRows rows(m_mid, delimiter, header.columnCount(), countObjects(reader));
         if (!findNameField(header))
             return false;
         // The readers take a mark for a delimiter, but nothing that looks like a space.

@@ -135,9 +135,20 @@ void PrepareReport::notePassedOver(const DxfPairCursor& cursor)
 
 void PrepareReport::drop(std::string_view kind, Note reason, qint64 count)
 {
+    if (count <= 0)
+        return;
     KindTally& tally = tallyOf(kind);
     (effectOf(reason) == Effect::Lost ? tally.lost : tally.leftOut) += count;
     note(reason, count);
+}
+
+void PrepareReport::tellBlock(const QString& name, const BlockChoice& choice)
+{
+    constexpr int mostBlocks = 10000;
+    if (blocks.size() < mostBlocks || blocks.contains(name))
+        blocks.insert(name, choice);
+    else
+        ++otherBlocks;
 }
 
 bool PrepareReport::hasLosses() const

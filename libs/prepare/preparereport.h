@@ -119,8 +119,11 @@ public:
         KindTally& tally = tallyOf(kind);
         ++(changed ? tally.changed : tally.kept);
     }
-    /// An entity was not written, for the reason that the note tells.
+    /// Entities were not written, for the reason that the note tells.
     void drop(std::string_view kind, Note reason, qint64 count = 1);
+
+    /// Tells what was chosen for a block. Of very many blocks not all are told one by one.
+    void tellBlock(const QString& name, const BlockChoice& choice);
 
     bool hasLosses() const;
     const std::map<Note, qint64>& notes() const { return m_notes; }
@@ -130,7 +133,8 @@ public:
     QByteArray encoding; ///< of the file that was written; a codec's name
     QByteArray sourceEncoding; ///< as told from the bytes, or as it was given
     QString declaredEncoding; ///< what the file's header says
-    QMap<QString, BlockChoice> blocks;
+    QMap<QString, BlockChoice> blocks; ///< see tellBlock()
+    qint64 otherBlocks = 0; ///< how many more there were
     qint64 contours = 0; ///< written
     qint64 points = 0;
     qint64 labels = 0;

@@ -77,6 +77,8 @@ QStringList reportLines(const PrepareReport& report, const QString& target)
                          .arg(block->asPoint ? QStringLiteral("записаны точками")
                                              : QStringLiteral("разбиты на части")));
     }
+    if (report.otherBlocks > 0)
+        lines.append(QStringLiteral("других блоков: %1").arg(report.otherBlocks));
     return lines + noteLines(report);
 }
 
@@ -111,6 +113,8 @@ QJsonObject reportJson(const PrepareReport& report, const QString& fileName, con
                 block->asPoint ? QStringLiteral("points") : QStringLiteral("parts") } });
     }
     json.insert(QStringLiteral("blocks"), blocks);
+    if (report.otherBlocks > 0)
+        json.insert(QStringLiteral("otherBlocks"), report.otherBlocks);
     QJsonArray notes;
     for (const auto& [note, count] : report.notes()) {
         notes.append(QJsonObject{ { QStringLiteral("id"), noteId(note) },

@@ -221,6 +221,11 @@ QString causeText(const FoundCause& found)
     return filled(textsOf(found.cause).text, found.detail, QString::number(found.count));
 }
 
+bool isMendedByCopy(Cause cause)
+{
+    return QLatin1String(textsOf(cause).remedy).contains(QLatin1String("%p"));
+}
+
 QString remedyText(const FoundCause& found)
 {
     return remedyFor(found.cause, found.source, found.detail, QString::number(found.count));

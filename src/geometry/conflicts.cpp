@@ -1,9 +1,6 @@
 #include "geometry/conflicts.h"
 
-#include "geometry/designation.h"
-
-#include <QHash>
-#include <QRandomGenerator>
+#include "geometry/defnames.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,8 +11,6 @@ namespace {
 
 /// The extent of all vertices that share a designation.
 struct Spread {
-    const QString* def = nullptr;
-    uint hash = 0; ///< of the designation
     int count = 0;
     bool finite = true;
     double minX = std::numeric_limits<double>::infinity();
@@ -46,48 +41,66 @@ struct Spread {
     }
 };
 
-/// Finds the spread of a designation. A QHash would need memory for each of them.
-class SpreadTable {
-public:
-    /// For so many designations at most.
-    explicit SpreadTable(int most)
-    {
-        size_t size = 2;
-        while (size < 2 * static_cast<size_t>(most))
-            size *= 2;
-        m_slots.assign(size, -1);
-    }
-
-    /// The index of the designation's spread, which is appended where there is none.
-    int spreadOf(const QString& def, std::vector<Spread>& spreads)
-    {
-        // A seed of its own: nobody can write a file whose designations collide.
-        static const uint seed = QRandomGenerator::system()->generate();
-        const uint hash = hashOfDef(def, seed);
-        const size_t mask = m_slots.size() - 1;
-        size_t slot = hash & mask;
-        for (; m_slots[slot] >= 0; slot = (slot + 1) & mask) {
-            const Spread& spread = spreads[static_cast<size_t>(m_slots[slot])];
-            if (spread.hash == hash && (spread.def->isSharedWith(def) || sameDef(*spread.def, def)))
-                return m_slots[slot];
-        }
-        m_slots[slot] = static_cast<int>(spreads.size());
-        spreads.emplace_back();
-        spreads.back().def = &def;
-        spreads.back().hash = hash;
-        return m_slots[slot];
-    }
-
-private:
-    std::vector<int> m_slots; ///< indices of spreads; -1 where there is none
-};
-
 int vertexCount(const DefPolygon& polygon)
 {
     int count = 0;
     for (const QVector<DefPoint>& contour : polygon.contours)
         count += contour.size();
     return count;
+}
+
+/// A vertex with a designation.
+struct Bearer {
+    DefName name;
+    int vertex; ///< its place among those of all contours
+    const DefPoint* point;
+};
+
+std::vector<Bearer> bearersOf(const DefPolygon& polygon)
+{
+    DefNames names;
+    std::vector<Bearer> bearers;
+    bearers.reserve(static_cast<size_t>(vertexCount(polygon)));
+    int vertex = 0;
+    for (const QVector<DefPoint>& contour : polygon.contours) {
+        for (const DefPoint& point : contour) {
+            if (!point.def.isEmpty())
+                bearers.push_back({ names.nameOf(point.def), vertex, &point });
+            ++vertex;
+        }
+    }
+    return bearers;
+}
+
+/// An object with a designation.
+struct ObjectName {
+    DefName name;
+    int object; ///< its index
+};
+
+std::vector<ObjectName> objectNames(const QVector<DefPolygon>& objects)
+{
+    DefNames names;
+    std::vector<ObjectName> bearers;
+    bearers.reserve(static_cast<size_t>(objects.size()));
+    for (int i = 0; i < objects.size(); ++i) {
+        const QString& def = objects.at(i).def;
+        if (!def.isEmpty())
+            bearers.push_back({ names.nameOf(def), i });
+    }
+    return bearers;
+}
+
+using BearerIterator = std::vector<Bearer>::iterator;
+
+/// Marks what conflicts among the vertices of one designation.
+void markConflicts(QBitArray& marks, BearerIterator begin, BearerIterator end)
+{
+    Spread spread;
+    std::for_each(begin, end, [&](const Bearer& bearer) { spread.add(*bearer.point); });
+    std::for_each(begin, end, [&](const Bearer& bearer) {
+        marks.setBit(bearer.vertex, spread.conflictsWith(*bearer.point));
+    });
 }
 
 /// Marks the objects with this designation, if there are several, and only then.
@@ -112,20 +125,12 @@ void markBearers(QBitArray& marks, const QVector<DefPolygon>& objects, const QSt
 QBitArray duplicateDefs(const QVector<DefPolygon>& objects)
 {
     QBitArray result(objects.size());
-    QHash<DefKey, int> firstBearer;
-    firstBearer.reserve(objects.size());
-    for (int i = 0; i < objects.size(); ++i) {
-        const DefKey key{ objects.at(i).def };
-        if (key.def.isEmpty())
-            continue;
-        const auto first = firstBearer.constFind(key);
-        if (first == firstBearer.constEnd()) {
-            firstBearer.insert(key, i);
-            continue;
-        }
-        result.setBit(*first);
-        result.setBit(i);
-    }
+    std::vector<ObjectName> bearers = objectNames(objects);
+    forEachName(bearers, [&](auto begin, auto end) {
+        const bool isShared = end - begin > 1;
+        std::for_each(
+            begin, end, [&](const ObjectName& bearer) { result.setBit(bearer.object, isShared); });
+    });
     return result;
 }
 
@@ -142,29 +147,8 @@ void updateDuplicateDefs(
 
 QBitArray conflictingPoints(const DefPolygon& polygon)
 {
-    const int count = vertexCount(polygon);
-    std::vector<Spread> spreads;
-    std::vector<int> spreadOfVertex;
-    spreads.reserve(static_cast<size_t>(count));
-    spreadOfVertex.reserve(static_cast<size_t>(count));
-    SpreadTable table(count);
-    for (const QVector<DefPoint>& contour : polygon.contours) {
-        for (const DefPoint& point : contour) {
-            const int spread = table.spreadOf(point.def, spreads);
-            spreads[static_cast<size_t>(spread)].add(point);
-            spreadOfVertex.push_back(spread);
-        }
-    }
-
-    QBitArray result(count);
-    int vertex = 0;
-    for (const QVector<DefPoint>& contour : polygon.contours) {
-        for (const DefPoint& point : contour) {
-            const int index = spreadOfVertex[static_cast<size_t>(vertex)];
-            const Spread& spread = spreads[static_cast<size_t>(index)];
-            result.setBit(vertex, !point.def.isEmpty() && spread.conflictsWith(point));
-            ++vertex;
-        }
-    }
+    QBitArray result(vertexCount(polygon));
+    std::vector<Bearer> bearers = bearersOf(polygon);
+    forEachName(bearers, [&](auto begin, auto end) { markConflicts(result, begin, end); });
     return result;
 }

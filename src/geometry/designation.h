@@ -25,9 +25,6 @@ inline bool sameDef(const QString& a, const QString& b)
     return QString::compare(a, b, Qt::CaseInsensitive) == 0;
 }
 
-/// A hash of equal value for designations that sameDef holds for equal.
-uint hashOfDef(const QString& def, uint seed);
-
 /// A designation as a hash key that ignores case in the same way as sameDef.
 struct DefKey {
     QString def;
@@ -38,7 +35,5 @@ inline bool operator==(const DefKey& a, const DefKey& b)
     return sameDef(a.def, b.def);
 }
 
-inline uint qHash(const DefKey& key, uint seed = 0)
-{
-    return hashOfDef(key.def, seed);
-}
+/// A hash of equal value for designations that sameDef holds for equal.
+uint qHash(const DefKey& key, uint seed = 0);

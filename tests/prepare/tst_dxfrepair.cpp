@@ -71,6 +71,7 @@ void TestDxfRepair::frames_data()
         whole.indexOf("0\nLINE"), whole.lastIndexOf("0\nENDSEC") - whole.indexOf("0\nLINE"));
     row("whole", whole, {});
     row("line ends of DOS", QByteArray(whole).replace("\n", "\r\n"), {});
+    row("several returns at line ends", QByteArray(whole).replace("\n", "\r\r\n"), {});
     row("odd spacing", QByteArray(whole).replace("\n10\n", "\n 10 \n"), {});
     row("comments",
         "999\nmade by\n999\n\n" + QByteArray(whole).replace("0\nLINE", "999\nx\n0\nLINE"),

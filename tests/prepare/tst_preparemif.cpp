@@ -97,6 +97,7 @@ private slots:
     void missingMid();
     void noColumns();
     void collection();
+    void shapeOfNothing();
     void shapes_data();
     void shapes();
     void multipoint();
@@ -288,6 +289,16 @@ void TestPrepareMif::collection()
     QCOMPARE(result.mid, QByteArray("\"к\",1\n\"к\",1\n\"л\",2\n"));
     QCOMPARE(result.notes(), one("collection-parts"));
     QCOMPARE(import(result).messages, QStringList());
+}
+
+/// A circle without an extent is no contour, and nothing else either.
+void TestPrepareMif::shapeOfNothing()
+{
+    const PreparedPair result =
+        prepared(header + "Ellipse 1 2 1 2\nPoint 3 4\n", QByteArray("a,1\nb,2\n"));
+    QCOMPARE(result.objects(), QByteArray("Point 3 4\n"));
+    QCOMPARE(result.mid, QByteArray("b,2\n"));
+    QCOMPARE(result.report.notes().at(prep::Note::Incomplete), qint64(1));
 }
 
 void TestPrepareMif::shapes_data()
