@@ -95,9 +95,11 @@ QString FileProgress::text() const
 {
     const qint64 objects = objectsWritten;
     const qint64 written = OutputFile::bytesWritten();
+    QString line = readingText();
     if (objects == 0 && written == 0)
-        return readingText();
-    QString line = QStringLiteral("прочитано: ") + sizeText(m_size);
+        return line;
+    if (line.isEmpty())
+        line = QStringLiteral("прочитано: ") + sizeText(m_size);
     if (objects > 0)
         line += QStringLiteral(", записано объектов: %1").arg(objects);
     if (written > 0)

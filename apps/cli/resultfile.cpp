@@ -1,5 +1,6 @@
 #include "resultfile.h"
 
+#include "fileprogress.h"
 #include "interrupt.h"
 #include "outputfile.h"
 
@@ -79,8 +80,10 @@ void ResultFile::write()
         const QVector<DefPolygon> objects = std::move(m_waiting.front());
         m_waiting.pop_front();
         lock.unlock();
-        for (const DefPolygon& object : objects)
+        for (const DefPolygon& object : objects) {
             writer.write(object);
+            FileProgress::countObject();
+        }
         lock.lock();
     }
     if (m_end == End::Dropped)

@@ -32,3 +32,10 @@ struct Report {
 /// it is meant for. Of each kind of findings about objects at most so many are listed.
 Report makeReport(const Format& format, const ImportOptions& options, const GeometryInfo& columns,
     int mostListed, ImportRun& import);
+/// The same where nothing else is made of what was read.
+inline Report makeReport(
+    const Format& format, const ImportOptions& options, const GeometryInfo& columns, int mostListed)
+{
+    ImportRun import;
+    return makeReport(format, options, columns, mostListed, import);
+}
