@@ -60,12 +60,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         writeText(folder, QStringLiteral("plan.mid"), input.text(1));
 
     const Format& format = *formatOfFile(options.objectFileName);
-    const Report report = makeReport(format, options, GeometryInfo(), listedFindings);
+    ImportRun import;
+    const Report report = makeReport(format, options, GeometryInfo(), listedFindings, import);
     // Lines may end at a line feed of any encoding, and the second line of a pair may be missing.
     const int lineCount = input.text(0).count('\n') + input.text(1).count('\n') + 3;
     for (const FileSurvey& survey : report.surveys)
         requireSoundSurvey(survey, lineCount);
-    const ImportRun import = runImport(format, options);
     require(report.objectCount == import.objects.size(), "the report tells what was imported");
     requireSoundFindings(import.objects, import.shapes);
     return 0;

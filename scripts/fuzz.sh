@@ -15,7 +15,7 @@ shift
 
 build=build/fuzz
 targets=()
-options=(-max_total_time="$seconds" -max_len=4096 -timeout=20 -rss_limit_mb=4096
+options=(-max_total_time="$seconds" -max_len=4096 -timeout=120 -rss_limit_mb=4096
     -artifact_prefix="$build/findings/" -print_final_stats=1 -verbosity=0)
 for argument in "$@"; do
     case $argument in

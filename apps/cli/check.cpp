@@ -85,11 +85,14 @@ CheckOptions readCheckOptions(const QCommandLineParser& parser)
 
 ExitStatus checkFile(ImportTask task, const CheckOptions& options)
 {
+    FileProgress progress(options.quiet);
     spoolStandardInput(task.fileName());
-    const FileProgress progress(filesOf(*task.format, task.options), options.quiet);
+    progress.startFiles(filesOf(*task.format, task.options));
     resolveEncoding(task, Telling{ true, false, false });
+    // The process ends with this file: what was read is not freed vertex by vertex before.
+    static ImportRun* const import = new ImportRun;
     const Report report =
-        makeReport(*task.format, task.options, options.columns, options.mostListed);
+        makeReport(*task.format, task.options, options.columns, options.mostListed, *import);
     if (report.unreadable)
         printMessage(task.fileName(), report.messages.value(0).text);
     CheckOutput out(options.form, 1);

@@ -176,8 +176,10 @@ void writeXml(
 {
     OutputFile out(target);
     ResultWriter writer(out, options);
-    for (const DefPolygon& object : objects)
+    for (const DefPolygon& object : objects) {
         writer.write(object);
+        FileProgress::countObject();
+    }
     writer.finish();
     out.commit();
 }
@@ -235,12 +237,17 @@ ExitStatus convertFile(const ConvertOptions& options)
     const QString fileName = task.fileName();
     makeFolders(options);
     OutputFile::checkPlace(target);
+    FileProgress progress(options.telling.quiet);
     spoolStandardInput(fileName);
-    const FileProgress progress(filesOf(*task.format, task.options), options.telling.quiet);
+    progress.startFiles(filesOf(*task.format, task.options));
     std::optional<QTemporaryDir> folder;
     const bool isWhole =
         !options.preparation || prepareCopies(task, *options.preparation, folder.emplace());
     resolveEncoding(task, options.telling);
+    std::optional<Losses> losses;
+    // What a preparation took and left it has told itself.
+    if (!options.preparation)
+        losses.emplace(task, options.telling);
     std::optional<ResultFile> result;
     if (options.overlaps)
         result.emplace(target, options.result);
@@ -251,11 +258,9 @@ ExitStatus convertFile(const ConvertOptions& options)
     const bool failed = !import.messages.isEmpty();
     if (failed && !options.partial)
         return Failed;
-    // What the preparation took and left it has told itself.
     if (!isWhole && options.telling.strict)
         return Failed;
-    if (!failed && !options.preparation
-        && !tellLosses(task, import, &options.result.info, options.telling))
+    if (!failed && losses && !losses->tell(import, &options.result.info))
         return Failed;
     if (options.sort)
         sortObjects(import.objects);

@@ -8,12 +8,8 @@ namespace {
 
 QString explain(Cause cause)
 {
-    const FoundCause example{ cause, {}, 0, QStringLiteral("…"), 0, {} };
-    QString text = causeText(example);
-    text.replace(QLatin1String(" 0"), QLatin1String(" …"))
-        .replace(QLatin1String("(0)"), QLatin1String("(…)"));
     return QStringLiteral("%1\n    %2\n    Что делать: %3\n")
-        .arg(causeId(cause), text, remedyText(example));
+        .arg(causeId(cause), generalCauseText(cause), generalRemedyText(cause));
 }
 
 } // namespace

@@ -90,6 +90,10 @@ void write(const ExportTask& task, const ImportRun& all)
         writeCsv(out, all.objects, all.shapes, task.options);
     } else if (task.format == ExportFormat::GeoJson) {
         writeGeoJson(out, all.objects, all.shapes, task.options);
+        if (!task.telling.quiet && !all.objects.isEmpty() && !guessDegrees(all.objects)) {
+            printMessage(task.target,
+                QStringLiteral("координаты те же, что в файле; GeoJSON ждёт градусы WGS 84"));
+        }
     } else {
         OutputFile mid(task.midTarget());
         const qint64 unknown = writeMif(out, mid, all.objects, all.shapes, task.options);
@@ -110,22 +114,25 @@ ExitStatus runExport(const QCommandLineParser& parser)
     ImportRun all;
     bool failed = false;
     bool complete = true;
+    FileProgress progress(job.telling.quiet);
     for (ImportTask task : job.tasks) {
         spoolStandardInput(task.fileName());
-        const FileProgress progress(filesOf(*task.format, task.options), job.telling.quiet);
+        progress.startFiles(filesOf(*task.format, task.options));
         resolveEncoding(task, job.telling);
+        Losses losses(task, job.telling);
         const ImportRun import = runImport(*task.format, task.options);
         for (const ImportMessage& message : import.messages)
             printMessage(task.fileName(), message.text);
         failed = failed || !import.messages.isEmpty();
         if (import.messages.isEmpty())
-            complete = tellLosses(task, import, nullptr, job.telling) && complete;
+            complete = losses.tell(import, nullptr) && complete;
         all.objects += import.objects;
         all.shapes += import.shapes;
     }
     if ((failed && !job.partial) || !complete)
         return Failed;
     job.options.swapped = !job.asIs && guessAxisOrder(all.objects) == AxisOrder::NorthingFirst;
+    job.options.objectWritten = FileProgress::countObject;
     write(job, all);
     return failed ? Failed : Done;
 }

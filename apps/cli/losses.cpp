@@ -1,7 +1,5 @@
 #include "losses.h"
 
-#include "survey/report.h"
-
 #include <QCommandLineParser>
 
 #include <algorithm>
@@ -42,25 +40,32 @@ Telling readTelling(const QCommandLineParser& parser)
     return telling;
 }
 
-bool tellLosses(const ImportTask& task, const ImportRun& run, const GeometryInfo* columns,
-    const Telling& telling)
+Losses::Losses(const ImportTask& task, const Telling& telling)
+    : m_task(task)
+    , m_telling(telling)
 {
-    if (telling.quiet && !telling.strict)
+    if (!telling.quiet || telling.strict)
+        m_survey.emplace(*task.format, task.options);
+}
+
+bool Losses::tell(const ImportRun& run, const GeometryInfo* columns)
+{
+    if (!m_survey)
         return true;
     bool complete = true;
-    for (const FileSurvey& survey : surveyRun(*task.format, task.options, run, columns)) {
+    for (const FileSurvey& survey : m_survey->finish(run, columns)) {
         for (const FoundCause& found : survey.causes) {
             if (!isLoss(found))
                 continue;
             complete = false;
             const QString word =
-                telling.strict ? QStringLiteral("ошибка: ") : QStringLiteral("внимание: ");
+                m_telling.strict ? QStringLiteral("ошибка: ") : QStringLiteral("внимание: ");
             printMessage(found.fileName, word + causeText(found));
-            if (telling.verbose)
+            if (m_telling.verbose)
                 printMessage(found.fileName, QStringLiteral("что делать: ") + remedyText(found));
         }
     }
-    return complete || !telling.strict;
+    return complete || !m_telling.strict;
 }
 
 void resolveEncoding(ImportTask& task, const Telling& telling)

@@ -2,6 +2,9 @@
 
 #include "console.h"
 #include "importarguments.h"
+#include "survey/importsurvey.h"
+
+#include <optional>
 
 class QCommandLineParser;
 
@@ -16,10 +19,21 @@ struct Telling {
 QList<QCommandLineOption> tellingOptions();
 Telling readTelling(const QCommandLineParser& parser);
 
-/// Tells what an import left out of its file, a line for each cause. `columns` may be null where
-/// axes do not matter. False where that ends the command: with --strict.
-bool tellLosses(const ImportTask& task, const ImportRun& run, const GeometryInfo* columns,
-    const Telling& telling);
+/// What an import leaves out of its file. It is looked for while the import runs.
+class Losses {
+public:
+    /// Starts to look, where anything is to be told; `task` must live as long.
+    Losses(const ImportTask& task, const Telling& telling);
+
+    /// Tells a line for each cause. `columns` may be null where axes do not matter. False where
+    /// that ends the command: with --strict.
+    bool tell(const ImportRun& run, const GeometryInfo* columns);
+
+private:
+    const ImportTask& m_task;
+    const Telling m_telling;
+    std::optional<ImportSurvey> m_survey;
+};
 
 /// Puts the likely encoding of its files in the place of "auto", and tells it.
 void resolveEncoding(ImportTask& task, const Telling& telling);

@@ -94,15 +94,35 @@ QStringList optionNames(const Command& command)
     return names;
 }
 
-QString parseErrorText(const Command& command, const QCommandLineParser& parser)
+/// The unknown options as they were typed. Letters behind one dash are an option each; more of
+/// them are a long option that lacks a dash.
+QStringList unknownArguments(const QCommandLineParser& parser, const QStringList& arguments)
 {
-    const QStringList unknown = parser.unknownOptionNames();
-    if (unknown.isEmpty())
-        return parser.errorText();
-    const QString dashes = QLatin1String(unknown.first().size() > 1 ? "--" : "-");
-    const QString typed = dashes + unknown.first();
-    return QStringLiteral("неизвестный параметр «%1»%2")
-        .arg(typed, suggestionText(typed, optionNames(command)));
+    QStringList typed;
+    for (const QString& name : parser.unknownOptionNames()) {
+        QString text = (name.size() > 1 ? QStringLiteral("--") : QStringLiteral("-")) + name;
+        const auto isWord = [&name](const QString& argument) {
+            return argument.size() > 2 && argument.startsWith(QLatin1Char('-'))
+                && argument.at(1) != QLatin1Char('-') && argument.contains(name);
+        };
+        const auto word = std::find_if(arguments.cbegin() + 1, arguments.cend(), isWord);
+        if (name.size() == 1 && !arguments.contains(text) && word != arguments.cend())
+            text = *word;
+        if (!typed.contains(text))
+            typed.append(text);
+    }
+    return typed;
+}
+
+QString parseErrorText(
+    const Command& command, const QCommandLineParser& parser, const QStringList& arguments)
+{
+    QStringList unknown;
+    for (const QString& typed : unknownArguments(parser, arguments)) {
+        unknown.append(QStringLiteral("неизвестный параметр «%1»%2")
+                           .arg(typed, suggestionText(typed, optionNames(command))));
+    }
+    return unknown.isEmpty() ? parser.errorText() : unknown.join(QLatin1String(", "));
 }
 
 /// The arguments with the number of cores behind a -j or --jobs that has none.
@@ -132,7 +152,7 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments)
     parser.addOptions(importCommandLineOptions());
     parser.addOption({ { QStringLiteral("h"), help }, QStringLiteral("Показать эту справку.") });
     if (!parser.parse(withAllCores(arguments)))
-        throw Failure{ WrongUsage, parseErrorText(command, parser) };
+        throw Failure{ WrongUsage, parseErrorText(command, parser, arguments) };
     if (parser.isSet(help)) {
         printOut(commandHelp(command, parser));
         return Done;

@@ -131,6 +131,7 @@ void writePicture(const PlanOptions& options, const QVector<DefPolygon>& objects
 {
     OutputFile out(options.target);
     PlanPainter plan(objects, axesOf(objects, options.orientation));
+    plan.objectDrawn = FileProgress::countObject;
     const QSize size = options.hasSize ? options.size : plan.pageWithin(options.size);
     if (!writePlan(out, options.format, size, plan, titleOf(options.tasks)))
         throw Failure{ Failed, QStringLiteral("для рисунка такого размера не хватает памяти") };
@@ -145,10 +146,12 @@ ExitStatus runPlan(const QCommandLineParser& parser)
     QVector<DefPolygon> objects;
     bool failed = false;
     bool complete = true;
+    FileProgress progress(options.telling.quiet);
     for (ImportTask task : options.tasks) {
         spoolStandardInput(task.fileName());
-        const FileProgress progress(filesOf(*task.format, task.options), options.telling.quiet);
+        progress.startFiles(filesOf(*task.format, task.options));
         resolveEncoding(task, options.telling);
+        Losses losses(task, options.telling);
         const ImportRun import = runImport(*task.format, task.options);
         objects += import.objects;
         failed = failed || !import.messages.isEmpty();
@@ -156,7 +159,7 @@ ExitStatus runPlan(const QCommandLineParser& parser)
             printMessage(task.fileName(), message.text);
         // A picture shows the axes for itself.
         if (import.messages.isEmpty())
-            complete = tellLosses(task, import, nullptr, options.telling) && complete;
+            complete = losses.tell(import, nullptr) && complete;
     }
     if ((failed && !options.partial) || !complete)
         return Failed;

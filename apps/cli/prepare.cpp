@@ -1,4 +1,5 @@
 #include "commands.h"
+#include "fileprogress.h"
 #include "foreignfile.h"
 #include "outputfile.h"
 #include "prepare/reporttext.h"
@@ -87,7 +88,9 @@ ExitStatus runPrepare(const QCommandLineParser& parser)
     const QVector<PrepareTask> tasks = readTasks(parser);
     QJsonArray answers;
     ExitStatus status = Done;
+    FileProgress progress(false);
     for (const PrepareTask& task : tasks) {
+        progress.startFiles({ task.fileName });
         prep::PrepareReport report;
         try {
             report = prepareFile(task, options);

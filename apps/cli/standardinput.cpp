@@ -1,9 +1,11 @@
 #include "standardinput.h"
 
 #include "console.h"
+#include "fileprogress.h"
 
-#include <QFile>
 #include <QTemporaryFile>
+
+#include <cerrno>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,14 +20,25 @@ bool isRegularFile(int descriptor)
     return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-bool copyAll(QIODevice& from, QIODevice& to)
+/// What standard input has by now; it is not waited for a block to fill.
+qint64 readInput(QByteArray& block)
+{
+    ssize_t size = 0;
+    do {
+        size = read(STDIN_FILENO, block.data(), static_cast<size_t>(block.size()));
+    } while (size < 0 && errno == EINTR);
+    return size;
+}
+
+bool copyInput(QIODevice& to)
 {
     constexpr int blockSize = 1 << 20;
     QByteArray block(blockSize, Qt::Uninitialized);
     qint64 size = 0;
-    while ((size = from.read(block.data(), blockSize)) > 0) {
+    while ((size = readInput(block)) > 0) {
         if (to.write(block.constData(), size) != size)
             return false;
+        FileProgress::countInput(size);
     }
     return size == 0;
 }
@@ -41,11 +54,9 @@ void spoolStandardInput(const QString& fileName)
 {
     if (fileName != standardInput || isRegularFile(STDIN_FILENO))
         return;
-    QFile input;
     QTemporaryFile copy;
     // The copy has no name any more when this returns: its descriptor is all that is left.
-    const bool done = input.open(STDIN_FILENO, QIODevice::ReadOnly | QIODevice::Unbuffered)
-        && copy.open() && copyAll(input, copy) && copy.flush()
+    const bool done = copy.open() && copyInput(copy) && copy.flush()
         && dup2(copy.handle(), STDIN_FILENO) == STDIN_FILENO;
     if (!done)
         throw Failure{ Failed, QStringLiteral("стандартный ввод: не удаётся прочитать") };

@@ -96,7 +96,8 @@ void ImportFlow::check(const QString& operation, const ImportOptions& options)
     const bool isDone = runWithProgress(&m_window,
         QStringLiteral("Файл «%1» проверяется…").arg(shortName(options.objectFileName)),
         [report, format, options, columns](const std::atomic_bool&) {
-            *report = makeReport(*format, options, columns, listedFindings);
+            ImportRun run;
+            *report = makeReport(*format, options, columns, listedFindings, run);
         });
     if (isDone && *report)
         emit checked(**report);

@@ -85,6 +85,9 @@ void writeCsv(QIODevice& out, const QVector<DefPolygon>& objects, const QVector<
 {
     CsvWriter writer(out, options.russianNumbers);
     writer.start();
-    for (int i = 0; i < objects.size(); ++i)
+    for (int i = 0; i < objects.size(); ++i) {
         writer.write(objects.at(i), shapes.value(i, Shape::Line) == Shape::Area);
+        if (options.objectWritten)
+            options.objectWritten();
+    }
 }

@@ -5,12 +5,15 @@
 #include <QIODevice>
 #include <QString>
 
+#include <functional>
+
 /// The forms in which a catalogue is passed on.
 enum class ExportFormat { Csv, GeoJson, Mif };
 
 struct ExportOptions {
     bool russianNumbers = false; ///< CSV: semicolons between values, commas in numbers
     bool swapped = false; ///< the second coordinate of the file is the easting; not for CSV
+    std::function<void()> objectWritten; ///< called behind each object; may be empty
 };
 
 /// The form that the suffix of a file's name tells; none for others.

@@ -112,6 +112,8 @@ void writeGeoJson(QIODevice& out, const QVector<DefPolygon>& objects, const QVec
     for (int i = 0; i < objects.size(); ++i) {
         const bool isArea = shapes.value(i, Shape::Line) == Shape::Area;
         writer.write(objects.at(i), ObjectShape(objects.at(i), isArea, options.swapped));
+        if (options.objectWritten)
+            options.objectWritten();
     }
     out.write("\n]}\n");
 }

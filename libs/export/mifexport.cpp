@@ -101,6 +101,8 @@ qint64 writeMif(QIODevice& mif, QIODevice& mid, const QVector<DefPolygon>& objec
         mid.write('"' + codec->fromUnicode(def).replace('"', "\"\"") + "\","
             + QByteArray::number(shape.area, 'f', 2) + ','
             + QByteArray::number(shape.perimeter, 'f', 2) + '\n');
+        if (options.objectWritten)
+            options.objectWritten();
     }
     return unknown;
 }

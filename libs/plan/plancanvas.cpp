@@ -3,6 +3,9 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <array>
+#include <cmath>
+
 namespace {
 
 constexpr double lineWidth = 1.2;
@@ -18,9 +21,34 @@ QPainterPath painterPath(const QVector<QPolygonF>& polygons)
     return path;
 }
 
+/// Appends a number with two decimals.
+void appendNumber(QString& text, double value)
+{
+    constexpr double most = 1e6;
+    if (!(std::abs(value) < most)) {
+        text += QString::number(value, 'f', 2);
+        return;
+    }
+    qint64 hundredths = std::llround(value * 100);
+    if (hundredths < 0)
+        text += QLatin1Char('-');
+    hundredths = std::abs(hundredths);
+    std::array<QChar, 12> digits;
+    size_t start = digits.size();
+    for (int count = 0; count < 3 || hundredths > 0; ++count) {
+        digits[--start] = QLatin1Char(static_cast<char>('0' + hundredths % 10));
+        hundredths /= 10;
+        if (count == 1)
+            digits[--start] = QLatin1Char('.');
+    }
+    text.append(digits.data() + start, static_cast<int>(digits.size() - start));
+}
+
 QString number(double value)
 {
-    return QString::number(value, 'f', 2);
+    QString text;
+    appendNumber(text, value);
+    return text;
 }
 
 /// XML has no way to write other control characters.
@@ -98,12 +126,19 @@ void SvgCanvas::drawContours(const QVector<QPolygonF>& lines, const QVector<QPol
         attribute("fill-rule", QStringLiteral("evenodd"));
         fill(area);
     }
-    if (lines.isEmpty())
-        return;
-    m_writer.writeEmptyElement(QStringLiteral("path"));
-    attribute("d", pathOf(lines));
-    attribute("fill", QStringLiteral("none"));
-    attribute("stroke", line.name());
+    if (!areas.isEmpty() && areas == lines) {
+        stroke(line);
+    } else if (!lines.isEmpty()) {
+        m_writer.writeEmptyElement(QStringLiteral("path"));
+        attribute("d", pathOf(lines));
+        attribute("fill", QStringLiteral("none"));
+        stroke(line);
+    }
+}
+
+void SvgCanvas::stroke(const QColor& color)
+{
+    attribute("stroke", color.name());
     attribute("stroke-width", lineWidth);
 }
 
@@ -171,11 +206,19 @@ void SvgCanvas::fill(const QColor& color)
 
 QString SvgCanvas::pathOf(const QVector<QPolygonF>& polygons) const
 {
+    constexpr int usualLength = 16;
+    int places = 0;
+    for (const QPolygonF& polygon : polygons)
+        places += polygon.size();
     QString path;
+    path.reserve(places * usualLength);
     for (const QPolygonF& polygon : polygons) {
         QLatin1Char command('M');
         for (const QPointF& place : polygon) {
-            path += command + number(place.x()) + QLatin1Char(' ') + number(place.y());
+            path += command;
+            appendNumber(path, place.x());
+            path += QLatin1Char(' ');
+            appendNumber(path, place.y());
             command = QLatin1Char('L');
         }
     }

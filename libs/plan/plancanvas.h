@@ -61,6 +61,7 @@ private:
     void attribute(const char* name, const QString& value);
     void attribute(const char* name, double value);
     void fill(const QColor& color);
+    void stroke(const QColor& color);
     QString pathOf(const QVector<QPolygonF>& polygons) const;
 
     QXmlStreamWriter m_writer;

@@ -8,10 +8,12 @@
 
 namespace {
 
+/// Between a name and the frame.
+constexpr double gap = 2;
+
 /// Moves a rectangle into the frame, where it fits in.
 QRectF movedInto(QRectF rect, const QRectF& frame)
 {
-    constexpr double gap = 2;
     if (rect.right() > frame.right() - gap)
         rect.moveRight(frame.right() - gap);
     if (rect.left() < frame.left() + gap)
@@ -69,6 +71,15 @@ bool PlanSpace::take(const QRectF& rect)
     return true;
 }
 
+bool PlanSpace::isTaken(const QPointF& place) const
+{
+    const bool isInside = place.x() >= 0 && place.y() >= 0 && place.x() < m_columns * cell
+        && place.y() < m_rows * cell;
+    return !isInside
+        || m_cells[static_cast<size_t>(place.y() / cell) * static_cast<size_t>(m_columns)
+            + static_cast<size_t>(place.x() / cell)];
+}
+
 QString planText(const QString& text)
 {
     constexpr int most = 64;
@@ -84,13 +95,16 @@ void drawPlanLabels(PlanCanvas& canvas, QVector<PlanLabel> labels, const QRectF&
     std::stable_sort(labels.begin(), labels.end(),
         [rank](const PlanLabel& a, const PlanLabel& b) { return rank(a) < rank(b); });
 
+    const QRectF inner = frame.adjusted(gap, gap, -gap, -gap);
     const QFont fonts[] = { planFont(false), planFont(true) };
     const QFontMetricsF metrics[] = { QFontMetricsF(fonts[0]), QFontMetricsF(fonts[1]) };
     for (const PlanLabel& label : qAsConst(labels)) {
         const QFontMetricsF& metric = metrics[label.isObject ? 1 : 0];
-        const QSizeF size(metric.horizontalAdvance(label.text), metric.height());
-        if (label.text.isEmpty())
+        // Measuring costs most: a name whose middle is taken has no room.
+        if (label.text.isEmpty()
+            || (label.isObject && inner.contains(label.place) && space.isTaken(label.place)))
             continue;
+        const QSizeF size(metric.horizontalAdvance(label.text), metric.height());
         for (const QRectF& rect : candidates(label, size, frame)) {
             if (!frame.contains(rect) || !space.take(rect))
                 continue;

@@ -19,6 +19,8 @@ public:
 
     /// Takes the rectangle unless part of it is taken or outside.
     bool take(const QRectF& rect);
+    /// Whether something that covers the place could not be taken.
+    bool isTaken(const QPointF& place) const;
 
 private:
     static constexpr double cell = 4;

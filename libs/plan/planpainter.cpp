@@ -62,6 +62,8 @@ void PlanPainter::drawObjects(PlanCanvas& canvas)
             QStringLiteral("object-%1").arg(i + 1), planText(m_objects.at(i).def), false);
         drawObject(canvas, i);
         canvas.endGroup();
+        if (objectDrawn)
+            objectDrawn();
     }
     canvas.endGroup();
 }

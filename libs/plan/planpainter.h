@@ -6,6 +6,8 @@
 #include <QBitArray>
 #include <QPolygonF>
 
+#include <functional>
+
 class PlanCanvas;
 
 /// Which coordinate of the objects runs where.
@@ -23,6 +25,8 @@ class PlanPainter {
 public:
     /// `objects` must outlive the painter of the plan.
     PlanPainter(const QVector<DefPolygon>& objects, const PlanAxes& axes);
+
+    std::function<void()> objectDrawn; ///< called behind each object; may be empty
 
     /// The largest page of the objects' shape within `most`.
     QSize pageWithin(const QSize& most) const { return m_view.pageWithin(most); }

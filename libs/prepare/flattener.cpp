@@ -13,6 +13,8 @@ namespace prep {
 namespace {
 
 constexpr size_t mostDepth = 64;
+/// No designation has so many bytes, and reading one takes several times as many.
+constexpr size_t longestLabel = 1 << 20;
 
 // A small file may become a large result, but not one that fills memory or disk.
 
@@ -25,7 +27,7 @@ qint64 mostHeld(qint64 inputSize)
 /// How many bytes of blocks are read, those of a block anew for each insert.
 qint64 mostWork(qint64 inputSize)
 {
-    return 60000000 + inputSize * 40;
+    return 40000000 + inputSize * 40;
 }
 
 /// Contours go to the disk at once, unless they are kept for joining.
@@ -234,6 +236,10 @@ void Flattener::take(const Item& item, const LabelShape& label)
     const std::string_view type = item.entity.type;
     if (!isLabelWanted(item)) {
         m_report.drop(type, Note::LabelLeftOut);
+        return;
+    }
+    if (label.text.size() > longestLabel) {
+        m_report.drop(type, Note::TooMuch);
         return;
     }
     m_contour.start(item.map);

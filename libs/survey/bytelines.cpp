@@ -1,6 +1,5 @@
 #include "survey/bytelines.h"
 
-#include "import/textview.h"
 #include "survey/encodingguess.h"
 
 #include <QFileInfo>
@@ -67,15 +66,4 @@ bool ByteLines::fill()
     if (m_guess)
         m_guess->add({ m_buffer.constData() + kept, static_cast<size_t>(m_buffer.size() - kept) });
     return size > 0;
-}
-
-std::string_view trimmed(std::string_view text)
-{
-    size_t begin = 0;
-    size_t end = text.size();
-    while (begin < end && TextView::isSpace(text[begin]))
-        ++begin;
-    while (end > begin && TextView::isSpace(text[end - 1]))
-        --end;
-    return text.substr(begin, end - begin);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "import/textview.h"
+
 #include <QByteArray>
 #include <QFile>
 #include <QString>
@@ -62,4 +64,13 @@ private:
 };
 
 /// `text` without white space around it.
-std::string_view trimmed(std::string_view text);
+inline std::string_view trimmed(std::string_view text)
+{
+    size_t begin = 0;
+    size_t end = text.size();
+    while (begin < end && TextView::isSpace(text[begin]))
+        ++begin;
+    while (end > begin && TextView::isSpace(text[end - 1]))
+        --end;
+    return text.substr(begin, end - begin);
+}

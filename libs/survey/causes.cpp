@@ -137,11 +137,20 @@ constexpr CauseTexts causeTexts[] = {
         "Выберите кодировку %1 (--encoding %1 или --encoding auto)." },
 };
 
+/// What no drawing has.
+constexpr Cause causesOfMif[] = { Cause::MifHeader, Cause::Delimiter, Cause::DelimiterMissing,
+    Cause::MidDelimiter, Cause::NoData, Cause::MidOtherCase, Cause::MidMissing,
+    Cause::MidUnreadable, Cause::MidBlankRow, Cause::MidTooShort, Cause::MidTooLong,
+    Cause::Collection, Cause::CountOnNextLine, Cause::Degrees };
+
 const CauseTexts& textsOf(Cause cause)
 {
     return *std::find_if(std::begin(causeTexts), std::end(causeTexts),
         [cause](const CauseTexts& texts) { return texts.cause == cause; });
 }
+
+/// Stands for what only a file tells.
+const QString ellipsis = QStringLiteral("…");
 
 /// A name as a shell takes it for one word.
 QString quoted(const QString& name)
@@ -169,6 +178,22 @@ QString prepareCommandLine(const QString& fileName)
         .arg(quoted(fileName), quoted(besideName(fileName, QStringLiteral("-готов"), suffix)));
 }
 
+QString filled(const char* text, const QString& detail, const QString& count)
+{
+    return QString::fromUtf8(text)
+        .replace(QLatin1String("%2"), count)
+        .replace(QLatin1String("%1"), detail);
+}
+
+QString remedyFor(Cause cause, const QString& file, const QString& detail, const QString& count)
+{
+    return filled(textsOf(cause).remedy, detail, count)
+        .replace(QLatin1String("%o"),
+            quoted(besideName(file, QStringLiteral("-метры"), QStringLiteral("mif"))))
+        .replace(QLatin1String("%p"), prepareCommandLine(file))
+        .replace(QLatin1String("%f"), quoted(file));
+}
+
 } // namespace
 
 std::vector<Cause> allCauses()
@@ -193,9 +218,7 @@ QString causeId(Cause cause)
 
 QString causeText(const FoundCause& found)
 {
-    QString text = QString::fromUtf8(textsOf(found.cause).text);
-    text.replace(QLatin1String("%2"), QString::number(found.count));
-    return text.replace(QLatin1String("%1"), found.detail);
+    return filled(textsOf(found.cause).text, found.detail, QString::number(found.count));
 }
 
 bool isMendedByCopy(Cause cause)
@@ -205,12 +228,18 @@ bool isMendedByCopy(Cause cause)
 
 QString remedyText(const FoundCause& found)
 {
-    const QString file = found.source.isEmpty() ? QStringLiteral("ФАЙЛ.mif") : found.source;
-    QString text = QString::fromUtf8(textsOf(found.cause).remedy);
-    text.replace(QLatin1String("%2"), QString::number(found.count));
-    text.replace(QLatin1String("%1"), found.detail);
-    text.replace(QLatin1String("%o"),
-        quoted(besideName(file, QStringLiteral("-метры"), QStringLiteral("mif"))));
-    text.replace(QLatin1String("%p"), prepareCommandLine(file));
-    return text.replace(QLatin1String("%f"), quoted(file));
+    return remedyFor(found.cause, found.source, found.detail, QString::number(found.count));
+}
+
+QString generalCauseText(Cause cause)
+{
+    return filled(textsOf(cause).text, ellipsis, ellipsis);
+}
+
+QString generalRemedyText(Cause cause)
+{
+    const bool isOfMif =
+        std::find(std::begin(causesOfMif), std::end(causesOfMif), cause) != std::end(causesOfMif);
+    return remedyFor(cause, isOfMif ? QStringLiteral("ФАЙЛ.mif") : QStringLiteral("ФАЙЛ.dxf"),
+        ellipsis, ellipsis);
 }

@@ -70,3 +70,7 @@ QString causeText(const FoundCause& found);
 bool isMendedByCopy(Cause cause);
 /// What to do about it, in one sentence; a command line stands behind a colon, to be copied.
 QString remedyText(const FoundCause& found);
+
+/// The same about a cause in general: an ellipsis stands for what only a file tells.
+QString generalCauseText(Cause cause);
+QString generalRemedyText(Cause cause);

@@ -20,6 +20,16 @@ constexpr int closedBit = 1;
 constexpr int meshBits = 16 | 64;
 constexpr int frozenBit = 1;
 
+/// A short code as it is written; the same for all that are longer.
+constexpr int codeOf(std::string_view text)
+{
+    constexpr int characters = 256;
+    if (text.size() > 2)
+        return -1;
+    const int first = static_cast<unsigned char>(text[0]);
+    return text.size() == 1 ? first : first * characters + static_cast<unsigned char>(text[1]);
+}
+
 int toNumber(std::string_view text)
 {
     return toInt(TextView(text.data(), static_cast<qsizetype>(text.size())));
@@ -52,33 +62,28 @@ QByteArray bytesOf(std::string_view text)
 
 void DxfCensus::take(ByteLines& lines)
 {
-    // A code is kept in a place of its own: the line is gone when its value is read.
-    std::array<char, 4> code{};
     while (lines.next()) {
         const std::string_view text = trimmed(lines.line);
         // A blank line in the place of a code is passed over.
         if (text.empty())
             continue;
-        const size_t size = std::min(text.size(), code.size());
-        std::copy_n(text.begin(), size, code.begin());
+        // The line is gone when its value is read.
+        const int code = codeOf(text);
         if (!lines.next())
             break;
-        // Only short codes are looked for.
-        m_code = std::string_view(code.data(), size);
-        if (size <= 2)
-            takePair(lines.line, lines.number);
+        takePair(code, lines.line, lines.number);
     }
     endEntity();
     endPolyline();
 }
 
-void DxfCensus::takePair(std::string_view value, int line)
+void DxfCensus::takePair(int code, std::string_view value, int line)
 {
-    if (m_code == "0") {
+    if (code == codeOf("0")) {
         endEntity();
         startEntity(trimmed(value), line);
     } else if (m_role != Role::None || m_section == Section::Header) {
-        takeValue(value);
+        takeValue(code, value);
     }
 }
 
@@ -149,30 +154,46 @@ void DxfCensus::countKind(std::string_view kind, const char* suffix)
     ++m_lastCount->count;
 }
 
-void DxfCensus::takeValue(std::string_view value)
+/// Most values are coordinates, and nothing is done about them.
+void DxfCensus::takeValue(int code, std::string_view value)
 {
-    const auto is = [this](const char* code) { return m_code == code; };
-    const std::string_view text = trimmed(value);
-    if (is("1") && m_role == Role::Text)
-        m_receiver(value);
-    else if (is("2"))
-        takeName(text);
-    else if (is("8"))
-        m_isHidden = contains(m_hiddenLayers, text);
-    else if (is("42"))
-        takeBulge(text);
-    else if (is("67"))
-        m_isOnPaper = toNumber(text) == 1;
-    else if (is("62"))
-        m_layerIsHidden = m_layerIsHidden || (m_role == Role::Layer && toNumber(text) < 0);
-    else if (is("70"))
-        takeFlags(text);
-    else if (is("90"))
-        takeCount(text);
-    else if (is("9"))
-        m_codepageFollows = text == "$DWGCODEPAGE";
-    else if (is("3") && std::exchange(m_codepageFollows, false))
-        codepage = bytesOf(text.substr(0, maxNameLength));
+    switch (code) {
+    case codeOf("1"):
+        if (m_role == Role::Text)
+            m_receiver(value);
+        break;
+    case codeOf("2"):
+        takeName(trimmed(value));
+        break;
+    case codeOf("3"):
+        if (std::exchange(m_codepageFollows, false))
+            codepage = bytesOf(trimmed(value).substr(0, maxNameLength));
+        break;
+    case codeOf("8"):
+        m_isHidden = contains(m_hiddenLayers, trimmed(value));
+        break;
+    case codeOf("9"):
+        m_codepageFollows = trimmed(value) == "$DWGCODEPAGE";
+        break;
+    case codeOf("42"):
+        takeBulge(trimmed(value));
+        break;
+    case codeOf("62"):
+        m_layerIsHidden =
+            m_layerIsHidden || (m_role == Role::Layer && toNumber(trimmed(value)) < 0);
+        break;
+    case codeOf("67"):
+        m_isOnPaper = toNumber(trimmed(value)) == 1;
+        break;
+    case codeOf("70"):
+        takeFlags(trimmed(value));
+        break;
+    case codeOf("90"):
+        takeCount(trimmed(value));
+        break;
+    default:
+        break;
+    }
 }
 
 void DxfCensus::takeName(std::string_view name)

@@ -58,8 +58,8 @@ private:
         Other
     };
 
-    void takePair(std::string_view value, int line);
-    void takeValue(std::string_view value);
+    void takePair(int code, std::string_view value, int line);
+    void takeValue(int code, std::string_view value);
     void takeName(std::string_view name);
     void takeBulge(std::string_view number);
     void takeFlags(std::string_view flags);
@@ -73,7 +73,6 @@ private:
     Role roleOf(std::string_view kind) const;
 
     TextReceiver m_receiver;
-    std::string_view m_code;
     Section m_section = Section::Other;
     Role m_role = Role::None;
     int m_line = 0; ///< where the entity starts

@@ -1,6 +1,7 @@
 #include "survey/encodingguess.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace {
@@ -40,10 +41,13 @@ size_t asciiLength(std::string_view bytes)
 {
     constexpr quint64 highBits = 0x8080808080808080;
     size_t length = 0;
-    quint64 word = 0;
-    for (; length + sizeof(word) <= bytes.size(); length += sizeof(word)) {
-        std::memcpy(&word, bytes.data() + length, sizeof(word));
-        if ((word & highBits) != 0)
+    std::array<quint64, 8> words;
+    for (; length + sizeof(words) <= bytes.size(); length += sizeof(words)) {
+        std::memcpy(words.data(), bytes.data() + length, sizeof(words));
+        quint64 all = 0;
+        for (const quint64 word : words)
+            all |= word;
+        if ((all & highBits) != 0)
             break;
     }
     while (length < bytes.size() && !isHigh(bytes[length]))

@@ -5,22 +5,22 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 namespace {
 
 template <typename FormatSurveyor>
-std::unique_ptr<Surveyor> make(
-    const Format& format, const ImportOptions& options, FileRole role, const ImportRun& run)
+std::unique_ptr<Surveyor> make(const Format& format, const ImportOptions& options, FileRole role)
 {
-    return std::make_unique<FormatSurveyor>(format, options, role, run);
+    return std::make_unique<FormatSurveyor>(format, options, role);
 }
 
 /// How the files of a format are surveyed.
 constexpr struct {
     const char* format;
-    std::unique_ptr<Surveyor> (*make)(
-        const Format&, const ImportOptions&, FileRole, const ImportRun&);
+    std::unique_ptr<Surveyor> (*make)(const Format&, const ImportOptions&, FileRole);
 } surveyors[] = {
     { "mif", make<MifSurvey> },
     { "dxf", make<DxfSurvey> },
@@ -49,14 +49,11 @@ QByteArray likelyEncoding(const Format& format, const QString& fileName)
     return guess.codecName();
 }
 
-FileSurvey surveyFile(
-    const Format& format, const ImportOptions& options, FileRole role, const ImportRun& run)
+std::unique_ptr<Surveyor> makeSurveyor(
+    const Format& format, const ImportOptions& options, FileRole role)
 {
-    for (const auto& row : surveyors) {
-        if (format.id == QLatin1String(row.format))
-            return row.make(format, options, role, run)->survey();
-    }
-    FileSurvey survey;
-    survey.fileName = role == FileRole::Objects ? options.objectFileName : options.pointFileName;
-    return survey;
+    const auto* const found = std::find_if(std::begin(surveyors), std::end(surveyors),
+        [&format](const auto& row) { return format.id == QLatin1String(row.format); });
+    Q_ASSERT(found != std::end(surveyors));
+    return found->make(format, options, role);
 }

@@ -8,6 +8,7 @@
 #include <QVector>
 
 #include <map>
+#include <memory>
 #include <string>
 
 /// What an import reads a file for.
@@ -42,7 +43,9 @@ struct FileSurvey {
 /// plain ASCII and for no file.
 QByteArray likelyEncoding(const Format& format, const QString& fileName);
 
-/// Surveys the file of a role; `options.encoding` is the name of the codec in force, and `run` the
-/// import with these options.
-FileSurvey surveyFile(
-    const Format& format, const ImportOptions& options, FileRole role, const ImportRun& run);
+class Surveyor;
+
+/// What surveys the file of a role; `options.encoding` is the name of the codec in force. There
+/// is one for each format.
+std::unique_ptr<Surveyor> makeSurveyor(
+    const Format& format, const ImportOptions& options, FileRole role);

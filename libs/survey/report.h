@@ -28,12 +28,7 @@ struct Report {
     qint64 findingCount() const;
 };
 
-/// Imports a file and looks at its bytes; `columns` are those of the catalogue that it is meant
-/// for. Of each kind of findings about objects at most so many are listed.
+/// Imports a file into `import` and looks at its bytes; `columns` are those of the catalogue that
+/// it is meant for. Of each kind of findings about objects at most so many are listed.
 Report makeReport(const Format& format, const ImportOptions& options, const GeometryInfo& columns,
-    int mostListed);
-
-/// What an import did not take of its file, or took for something else than it is: the surveys of
-/// the file and of the file of points. `columns` may be null where axes do not matter.
-QVector<FileSurvey> surveyRun(const Format& format, const ImportOptions& options,
-    const ImportRun& run, const GeometryInfo* columns);
+    int mostListed, ImportRun& import);

@@ -26,29 +26,35 @@ QByteArray startOf(const QString& fileName)
 
 } // namespace
 
-Surveyor::Surveyor(
-    const Format& format, const ImportOptions& options, FileRole role, const ImportRun& run)
+Surveyor::Surveyor(const Format& format, const ImportOptions& options, FileRole role)
     : m_format(format)
     , m_options(options)
     , m_role(role)
-    , m_run(run)
 {
     m_survey.fileName = role == FileRole::Objects ? options.objectFileName : options.pointFileName;
 }
 
-FileSurvey Surveyor::survey()
+void Surveyor::look()
 {
     if (QFileInfo(m_survey.fileName).size() == 0) {
         addCause(Cause::EmptyFile, 0);
-        return m_survey;
+        return;
     }
     if (isOfOtherKind())
-        return m_survey;
+        return;
     lookAtStart();
     ByteLines lines;
     if (open(lines, m_survey.fileName))
         takeCensus(lines);
     tellEncoding();
+    m_isTaken = true;
+}
+
+FileSurvey Surveyor::judged(const ImportRun& run)
+{
+    if (!m_isTaken)
+        return m_survey;
+    m_run = &run;
     countReads();
     explainFailures();
     judge();
@@ -169,13 +175,13 @@ bool Surveyor::concerns(const ImportMessage& message) const
 
 bool Surveyor::isReadWhole() const
 {
-    return !(readsPoints() && m_run.stopped(true)) && !(readsObjects() && m_run.stopped(false));
+    return !(readsPoints() && m_run->stopped(true)) && !(readsObjects() && m_run->stopped(false));
 }
 
 void Surveyor::explainFailures()
 {
     QStringList explained;
-    for (const ImportMessage& message : m_run.messages) {
+    for (const ImportMessage& message : m_run->messages) {
         // Both passes may come upon the same.
         if (!message.failure || !concerns(message) || explained.contains(message.text))
             continue;
@@ -187,7 +193,7 @@ void Surveyor::explainFailures()
 void Surveyor::countReads()
 {
     for (auto& [name, kind] : m_survey.kinds) {
-        kind.read = (readsPoints() ? m_run.pointsRead.of(name) : 0)
-            + (readsObjects() ? m_run.objectsRead.of(name) : 0);
+        kind.read = (readsPoints() ? m_run->pointsRead.of(name) : 0)
+            + (readsObjects() ? m_run->objectsRead.of(name) : 0);
     }
 }

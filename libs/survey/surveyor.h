@@ -11,13 +11,16 @@
 /// and what stopped its reader.
 class Surveyor {
 public:
-    Surveyor(
-        const Format& format, const ImportOptions& options, FileRole role, const ImportRun& run);
+    Surveyor(const Format& format, const ImportOptions& options, FileRole role);
     virtual ~Surveyor() = default;
     Surveyor(const Surveyor&) = delete;
     Surveyor& operator=(const Surveyor&) = delete;
 
-    FileSurvey survey();
+    /// Looks at the bytes of the file. Nothing of the import is needed for that: the two may run
+    /// at a time.
+    void look();
+    /// Judges what look() saw beside what the import made of it; to be called once.
+    FileSurvey judged(const ImportRun& run);
 
 protected:
     /// Counts what the file holds, line by line.
@@ -56,9 +59,8 @@ protected:
     bool isReadWhole() const;
 
     const Format& m_format;
-    const ImportOptions& m_options;
+    const ImportOptions m_options;
     const FileRole m_role;
-    const ImportRun& m_run;
     FileSurvey m_survey;
 
 private:
@@ -72,6 +74,8 @@ private:
 
     EncodingGuess m_guess;
     QByteArray m_mark; ///< the codec that a byte-order mark names
+    const ImportRun* m_run = nullptr; ///< known when judging
+    bool m_isTaken = false; ///< the census has been taken
     QTextCodec* m_wide = nullptr; ///< the codec of a file with more than one byte a character
     QTextCodec* m_codec = nullptr; ///< what the bytes of the file look like
     QByteArray m_designations; ///< those with bytes beyond ASCII, up to a size

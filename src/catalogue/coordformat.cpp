@@ -25,12 +25,10 @@ quint64 roundScaled(double value, double scale)
     return static_cast<quint64>(whole) + (up ? 1 : 0);
 }
 
-/// The number of decimals that show `precision`; 0 for whole units and coarser.
+/// The number of decimals that show `precision`, a positive one; 0 for whole units and coarser.
 int decimalsFor(double precision)
 {
     int decimals = 0;
-    if (precision == 0)
-        return decimals;
     while (precision < 1) {
         precision *= 10;
         ++decimals;

@@ -145,6 +145,11 @@ void sortObjects(QVector<DefPolygon>& objects)
 
 uint qHash(const DefKey& key, uint seed)
 {
+    // Most characters are digits.
+    const auto caseFolded = [](uint character) {
+        const bool isPlain = character < 'A' || (character > 'Z' && character < 0x80);
+        return isPlain ? character : QChar::toCaseFolded(character);
+    };
     // Mixed at each step, so that no set of designations collides whatever the seed.
     uint hash = seed;
     const QString& def = key.def;
@@ -156,7 +161,7 @@ uint qHash(const DefKey& key, uint seed)
             character = QChar::surrogateToUcs4(def.at(i), def.at(i + 1));
             ++i;
         }
-        hash = (hash ^ QChar::toCaseFolded(character)) * 0x9E3779B1U;
+        hash = (hash ^ caseFolded(character)) * 0x9E3779B1U;
         hash ^= hash >> 15;
     }
     return hash;

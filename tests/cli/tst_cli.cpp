@@ -187,6 +187,11 @@ private slots:
             "неизвестный параметр «--swap»; возможно, «--swap-xy»");
         row("mistyped option", { "convert", "parcels.mif", "--out-dri=." },
             "неизвестный параметр «--out-dri»; возможно, «--out-dir»");
+        row("several unknown options", { "convert", "parcels.mif", "--strickt", "--zzz" },
+            "неизвестный параметр «--strickt»; возможно, «--strict», неизвестный параметр "
+            "«--zzz»");
+        row("long option with one dash", { "convert", "parcels.mif", "-strict" },
+            "неизвестный параметр «-strict»; возможно, «--strict»");
         row("short option", { "check", "parcels.mif", "-x" }, "неизвестный параметр «-x»");
         row("mistyped command after help", { "help", "chek" },
             "неизвестная команда «chek»; возможно, «check»");

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QStandardPaths>
 #include <QTest>
 
 namespace {
@@ -67,26 +68,77 @@ QStringList completionsOf(const QString& commandLine, const QString& folder)
     return QString::fromUtf8(run.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
+bool hasProgram(const char* name)
+{
+    return !QStandardPaths::findExecutable(QLatin1String(name)).isEmpty();
+}
+
+/// What fish offers at the end of a command line.
+QStringList completionsOfFish(const QString& commandLine)
+{
+    const TempFiles home;
+    const CommandRun run = runShell(
+        QStringLiteral("export HOME='%1' LC_ALL=C.UTF-8 PATH=\"$(dirname \"$CLI\"):$PATH\"; "
+                       "fish --no-config -c \"source '%2'; complete -C'%3'\"")
+            .arg(home.path(QStringLiteral(".")), sourceFile("completions/importgeometry.fish"),
+                commandLine),
+        dataFile(""));
+    QStringList offered;
+    for (const QString& line :
+        QString::fromUtf8(run.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+        offered.append(line.section(QLatin1Char('\t'), 0, 0));
+    return offered;
+}
+
+/// What zsh offers at the end of a command line.
+QStringList completionsOfZsh(const QString& commandLine)
+{
+    const TempFiles home;
+    const CommandRun run =
+        runShell(QStringLiteral("export LC_ALL=C.UTF-8; timeout 100 zsh -f '%1' '%2' '%3' '%4'")
+                     .arg(sourceFile("tests/cli/completions.zsh"), sourceFile("completions"),
+                         home.path(QStringLiteral(".")), commandLine),
+            dataFile(""));
+    return QString::fromUtf8(run.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+using Completer = QStringList (*)(const QString& commandLine);
+
+struct Shell {
+    const char* name;
+    Completer completionsOf;
+};
+constexpr Shell furtherShells[] = { { "fish", completionsOfFish }, { "zsh", completionsOfZsh } };
+
 } // namespace
 
 class TestCliDocs : public QObject {
     Q_OBJECT
 
 private slots:
+    void examples_data()
+    {
+        QTest::addColumn<QString>("page");
+        QTest::newRow("cli.md") << QStringLiteral("docs/cli.md");
+        QTest::newRow("cli.ru.md") << QStringLiteral("docs/cli.ru.md");
+    }
+
     void examples()
     {
+        QFETCH(QString, page);
         const TempFiles folder;
         const QDir data(dataFile(""));
         for (const QString& name : data.entryList(QDir::Files))
             folder.write(name, contentOf(data.filePath(name)));
-        const QList<Example> examples = examplesOf(textOf("docs/cli.md"));
+        const QList<Example> examples = examplesOf(textOf(qPrintable(page)));
         QVERIFY(examples.size() >= 10);
         for (const Example& example : examples) {
             const CommandRun run = runShell(
                 QStringLiteral("PATH=\"$(dirname \"$CLI\"):$PATH\"; exec 2>&1; ") + example.command,
                 folder.path(QString()));
             QVERIFY2(QString::fromUtf8(run.out) == example.output,
-                qPrintable(QStringLiteral("docs/cli.md:%1 prints\n%2")
+                qPrintable(QStringLiteral("%1:%2 prints\n%3")
+                               .arg(page)
                                .arg(example.line)
                                .arg(QString::fromUtf8(run.out))));
         }
@@ -118,6 +170,66 @@ private slots:
         QCOMPARE(completions.size(), options.size());
     }
 
+    void otherShells_data()
+    {
+        QTest::addColumn<int>("shell");
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QStringList>("first");
+        const auto row = [](const char* line, std::initializer_list<const char*> first) {
+            for (int i = 0; i < 2; ++i)
+                QTest::newRow(qPrintable(QString::fromLatin1(furtherShells[i].name)
+                    + QLatin1Char(' ') + QString::fromLatin1(line)))
+                    << i << QString::fromLatin1(line) << words(first);
+        };
+        row("importgeometry pre", { "prepare" });
+        row("importgeometry plan --si", { "--size" });
+        row("importgeometry convert --encoding ",
+            { "Default", "auto", "windows-1251", "UTF-8", "IBM866", "KOI8-R" });
+        row("importgeometry prepare --level ", { "flatten", "repair" });
+        row("importgeometry export --to ", { "csv", "geojson", "mif" });
+        row("importgeometry check --explain ax", { "axes" });
+    }
+
+    void otherShells()
+    {
+        QFETCH(int, shell);
+        QFETCH(QString, line);
+        QFETCH(QStringList, first);
+        if (!hasProgram(furtherShells[shell].name))
+            QSKIP("the shell is not installed");
+        QStringList offered = furtherShells[shell].completionsOf(line).mid(0, first.size());
+        // Only encodings have an order of their own.
+        if (!line.contains(QLatin1String("encoding")))
+            offered.sort();
+        QCOMPARE(offered, first);
+    }
+
+    void optionsInOtherShells_data()
+    {
+        QTest::addColumn<int>("shell");
+        QTest::addColumn<QString>("command");
+        for (int i = 0; i < 2; ++i) {
+            for (const char* command : { "convert", "check", "plan", "export", "prepare" })
+                QTest::newRow(qPrintable(QString::fromLatin1("%1 %2").arg(
+                    QLatin1String(furtherShells[i].name), QLatin1String(command))))
+                    << i << QString::fromLatin1(command);
+        }
+    }
+
+    void optionsInOtherShells()
+    {
+        QFETCH(int, shell);
+        QFETCH(QString, command);
+        if (!hasProgram(furtherShells[shell].name))
+            QSKIP("the shell is not installed");
+        QStringList offered =
+            furtherShells[shell].completionsOf(QStringLiteral("importgeometry %1 --").arg(command));
+        QStringList expected = optionsOf(qPrintable(command));
+        offered.sort();
+        expected.sort();
+        QCOMPARE(offered, expected);
+    }
+
     void manualPage()
     {
         const CommandRun run =
@@ -137,8 +249,16 @@ private slots:
         const QString page = textOf("docs/formats.ru.md");
         int causes = 0;
         for (const QString& line : QString::fromUtf8(run.out).split(QLatin1Char('\n'))) {
-            if (line.isEmpty() || line.startsWith(QLatin1Char(' ')))
+            if (line.isEmpty())
                 continue;
+            if (line.startsWith(QLatin1Char(' '))) {
+                const QString text =
+                    line.trimmed().remove(QRegularExpression(QStringLiteral("^Что делать: ")));
+                QVERIFY2(page.contains(QLatin1Char(' ') + text + QStringLiteral(" |")),
+                    qPrintable(text));
+                QVERIFY2(manual.contains(text), qPrintable(text));
+                continue;
+            }
             ++causes;
             QVERIFY2(manual.contains(QStringLiteral(".B ") + line + QLatin1Char('\n')),
                 qPrintable(line));

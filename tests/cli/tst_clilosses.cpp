@@ -74,6 +74,44 @@ private slots:
         QCOMPARE(verbose.errorLines().size(), 2 * lines.size());
     }
 
+    /// A preparation tells what it did and left; only what is lost counts for --strict.
+    void prepared_data()
+    {
+        QTest::addColumn<QByteArray>("entity");
+        QTest::addColumn<QString>("told");
+        QTest::addColumn<bool>("isLost");
+        QTest::newRow("nothing") << QByteArray() << QString() << false;
+        QTest::newRow("arc") << QByteArray("0\nARC\n10\n0\n20\n0\n40\n5\n50\n0\n51\n90\n")
+                             << QStringLiteral("исправлено: кривые заменены хордами: 1") << false;
+        QTest::newRow("solid") << QByteArray("0\n3DSOLID\n1\nx\n")
+                               << QStringLiteral(
+                                      "не перенесено: этот вид объектов не переводится: 1")
+                               << true;
+    }
+
+    void prepared()
+    {
+        QFETCH(QByteArray, entity);
+        QFETCH(QString, told);
+        QFETCH(bool, isLost);
+        const TempFiles folder;
+        folder.write(QStringLiteral("a.dxf"), drawing(line + entity));
+        const QStringList lines =
+            told.isEmpty() ? QStringList() : QStringList(QStringLiteral("a.dxf: ") + told);
+        const auto run = [&](const char* option) {
+            return runCommand(words({ "convert", "a.dxf", "--prepare", "-o", "a.xml", option }),
+                folder.path(QStringLiteral(".")));
+        };
+        const CommandRun strict = run("--strict");
+        QCOMPARE(strict.errorLines(), lines);
+        QCOMPARE(strict.status, isLost ? 1 : 0);
+        QCOMPARE(QFile::exists(folder.path(QStringLiteral("a.xml"))), !isLost);
+        const CommandRun plain = run("--sort");
+        QCOMPARE(plain.errorLines(), lines);
+        QCOMPARE(plain.status, isLost ? 3 : 0);
+        QVERIFY(QFile::exists(folder.path(QStringLiteral("a.xml"))));
+    }
+
     void likelyEncoding()
     {
         const TempFiles folder;

@@ -7,6 +7,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
+#include <QtEndian>
+
+#include <array>
 
 namespace {
 
@@ -25,6 +28,37 @@ QByteArray polyline(const QByteArray& flags)
 QByteArray drawingWith(const QByteArray& section, const QByteArray& content)
 {
     return drawing(content).replace(entities, section + entities);
+}
+
+/// A drawing with one line, in the binary form: codes of two bytes, numbers of eight.
+QByteArray binaryDrawing()
+{
+    QByteArray bytes("AutoCAD Binary DXF\r\n\x1A\0", 22);
+    const auto code = [&bytes](int value) { bytes.append(static_cast<char>(value)).append('\0'); };
+    const auto text = [&](int value, const char* content) {
+        code(value);
+        bytes.append(content).append('\0');
+    };
+    const auto number = [&](int value, double content) {
+        code(value);
+        std::array<char, sizeof content> raw{};
+        qToLittleEndian(content, raw.data());
+        bytes.append(raw.data(), static_cast<int>(raw.size()));
+    };
+    for (const char* section : { "HEADER", "ENTITIES" }) {
+        text(0, "SECTION");
+        text(2, section);
+        if (QByteArray(section) == "HEADER")
+            text(0, "ENDSEC");
+    }
+    text(0, "LINE");
+    number(10, 1);
+    number(20, 2);
+    number(11, 7);
+    number(21, 9);
+    text(0, "ENDSEC");
+    text(0, "EOF");
+    return bytes;
 }
 
 QJsonObject causeOf(const QString& file, const QString& id, const QString& folder)
@@ -93,6 +127,7 @@ private slots:
             mifHeader() + "Collection 2\nRegion 1\n4\n0 0\n1 0\n1 1\n0 0\nPline 2\n0 0\n1 1\n",
             "a\n");
         mif("count-on-next-line", mifHeader() + "Pline\n2\n0 0\n1 0\n", "a\n");
+        mif("no-objects", mifHeader() + "Ellipse 0 0 4 4\n", "a\n");
         mif("axes", mifHeader() + "Line 451234 2201234 451250 2201250\n", "a\n");
     }
 
@@ -128,6 +163,155 @@ private slots:
         QCOMPARE(run.err, QString());
         QCOMPARE(run.status, 0);
         QVERIFY(run.out.contains("<Row>"));
+    }
+
+    /// All blank lines of a file are told at once, and one command mends them.
+    void blankLinesAtOnce()
+    {
+        constexpr int count = 15;
+        const TempFiles folder;
+        const QString path = folder.path(QStringLiteral("."));
+        QByteArray mif = mifHeader();
+        QByteArray mid;
+        for (int i = 0; i < count; ++i) {
+            mif += "Region 1\n4\n0 0\n1 0\n\n1 1\n0 0\n";
+            mid += "A" + QByteArray::number(i) + '\n';
+        }
+        folder.write(QStringLiteral("a.mif"), mif);
+        folder.write(QStringLiteral("a.mid"), mid);
+        const QString id = QStringLiteral("blank-line");
+        const QString text =
+            causeOf(QStringLiteral("a.mif"), id, path).value(QLatin1String("cause")).toString();
+        QVERIFY2(text.endsWith(QStringLiteral("пустых строк отсюда до конца файла: 15.")),
+            qPrintable(text));
+        QCOMPARE(runShell(QStringLiteral("$CLI prepare a.mif -o b.mif"), path).status, 0);
+        const CommandRun run =
+            runCommand(words({ "export", "b.mif", "--to=csv", "-q", "--strict" }), path);
+        QCOMPARE(run.status, 0);
+        for (int i = 0; i < count; ++i)
+            QVERIFY(run.out.contains("\nA" + QByteArray::number(i) + ",1,1,"));
+    }
+
+    /// A MID whose name has other letters.
+    void midOtherCase()
+    {
+        const TempFiles folder;
+        const QString path = folder.path(QStringLiteral("."));
+        folder.write(QStringLiteral("a.mif"), mifHeader() + "Line 0 0 1 1\n");
+        folder.write(QStringLiteral("A.MID"), "уч. 5\n");
+        const QString id = QStringLiteral("mid-other-case");
+        const QJsonObject cause = causeOf(QStringLiteral("a.mif"), id, path);
+        const QString remedy = cause.value(QLatin1String("remedy")).toString();
+        const QString command = remedy.mid(remedy.indexOf(QLatin1String(": ")) + 2);
+        QVERIFY2(command.startsWith(QLatin1String("importgeometry ")), qPrintable(remedy));
+        const CommandRun prepared =
+            runShell(QString(command).replace(0, 14, QStringLiteral("$CLI")), path);
+        QVERIFY2(prepared.status == 0, qPrintable(prepared.err));
+        QVERIFY(causeOf(QStringLiteral("a-готов.mif"), id, path).isEmpty());
+        const CommandRun run =
+            runCommand(words({ "convert", "-q", "--encoding=auto", "a-готов.mif" }), path);
+        QCOMPARE(run.status, 0);
+        QVERIFY2(run.out.contains("уч. 5"), run.out.constData());
+
+        // The other remedy: the name that the message has.
+        QVERIFY(QFile::rename(
+            folder.path(QStringLiteral("A.MID")), folder.path(QStringLiteral("a.mid"))));
+        QVERIFY(causeOf(QStringLiteral("a.mif"), id, path).isEmpty());
+        QCOMPARE(
+            runCommand(words({ "convert", "-q", "--encoding=UTF-8", "a.mif" }), path).out, run.out);
+    }
+
+    /// A binary drawing, whose remedy writes it as a text.
+    void notText()
+    {
+        const TempFiles folder;
+        const QString path = folder.path(QStringLiteral("."));
+        folder.write(QStringLiteral("a.dxf"), binaryDrawing());
+        const QString id = QStringLiteral("not-text");
+        const QString remedy =
+            causeOf(QStringLiteral("a.dxf"), id, path).value(QLatin1String("remedy")).toString();
+        const int start = remedy.indexOf(QLatin1String("importgeometry "));
+        QVERIFY2(start > 0, qPrintable(remedy));
+        const QString command = remedy.mid(start, remedy.indexOf(QLatin1Char(';')) - start).mid(14);
+        const CommandRun prepared = runShell(QStringLiteral("$CLI") + command, path);
+        QVERIFY2(prepared.status == 0, qPrintable(prepared.err));
+        QVERIFY(causeOf(QStringLiteral("a-готов.dxf"), id, path).isEmpty());
+        const CommandRun run = runCommand(words({ "convert", "-q", "a-готов.dxf" }), path);
+        QCOMPARE(run.status, 0);
+        QVERIFY2(run.out.contains("<Cell>7.00</Cell>"), run.out.constData());
+    }
+
+    /// The delimiter that the rows have, put in the place of the header's.
+    void midDelimiter()
+    {
+        const TempFiles folder;
+        const QString path = folder.path(QStringLiteral("."));
+        const QByteArray header =
+            mifHeader().replace("Data\n", "Columns 2\n  A Char(9)\n  B Char(9)\nData\n");
+        folder.write(QStringLiteral("a.mif"), header + "Line 0 0 1 1\n");
+        folder.write(QStringLiteral("a.mid"), "A1;7\n");
+        const QString id = QStringLiteral("mid-delimiter");
+        const QJsonObject cause = causeOf(QStringLiteral("a.mif"), id, path);
+        QVERIFY(cause.value(QLatin1String("cause"))
+                    .toString()
+                    .contains(QStringLiteral("точка с запятой")));
+        QVERIFY(cause.value(QLatin1String("remedy"))
+                    .toString()
+                    .startsWith(QStringLiteral("Впишите этот разделитель в строку Delimiter")));
+        folder.write(QStringLiteral("a.mif"),
+            QByteArray(header).replace("Delimiter \",\"", "Delimiter \";\"") + "Line 0 0 1 1\n");
+        QVERIFY(causeOf(QStringLiteral("a.mif"), id, path).isEmpty());
+        const CommandRun run = runCommand(words({ "convert", "-q", "a.mif" }), path);
+        QCOMPARE(run.status, 0);
+        QVERIFY2(run.out.contains("<Cell>A1</Cell>"), run.out.constData());
+    }
+
+    /// Both ways that the remedy names to choose the encoding.
+    void encoding()
+    {
+        const TempFiles folder;
+        const QString path = folder.path(QStringLiteral("."));
+        folder.write(QStringLiteral("a.mif"), mifHeader() + "Line 0 0 1 1\n");
+        folder.write(QStringLiteral("a.mid"), "\xD3\xF7\xE0\xF1\xF2\xEE\xEA\n");
+        const CommandRun check = runCommand(words({ "check", "--encoding=UTF-8", "a.mif" }), path);
+        const QString out = QString::fromUtf8(check.out);
+        const int start = out.indexOf(QLatin1String("(--encoding "));
+        QVERIFY2(start > 0, qPrintable(out));
+        const QString options =
+            out.mid(start + 1, out.indexOf(QLatin1Char(')'), start) - start - 1);
+        const QStringList ways = options.split(QStringLiteral(" или "));
+        QCOMPARE(ways, words({ "--encoding Windows-1251", "--encoding auto" }));
+        for (const QString& way : ways) {
+            QCOMPARE(runShell(QStringLiteral("$CLI check -q a.mif ") + way, path).status, 0);
+            const CommandRun run = runShell(QStringLiteral("$CLI convert -q a.mif ") + way, path);
+            QCOMPARE(run.status, 0);
+            QVERIFY2(run.out.contains("Участок"), run.out.constData());
+        }
+    }
+
+    /// A command line of a remedy is one that a shell reads as it is meant, whatever the name.
+    void namesInRemedies_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const char* name :
+            { "план 1", "a'b", "a\"b", "$HOME", "a;b", "-o", "(1)", "a*b", "№5" })
+            QTest::newRow(name) << QString::fromUtf8(name);
+    }
+
+    void namesInRemedies()
+    {
+        QFETCH(QString, name);
+        const TempFiles folder;
+        const QString path = folder.path(QStringLiteral("."));
+        folder.write(name + QStringLiteral(".dxf"), "999\nby a program\n" + drawing(line));
+        const QString remedy = causeOf(QStringLiteral("./") + name + QStringLiteral(".dxf"),
+            QStringLiteral("leading-comment"), path)
+                                   .value(QLatin1String("remedy"))
+                                   .toString();
+        const QString command = remedy.mid(remedy.indexOf(QLatin1String("importgeometry ")) + 14);
+        const CommandRun prepared = runShell(QStringLiteral("$CLI") + command, path);
+        QVERIFY2(prepared.status == 0, qPrintable(remedy + prepared.err));
+        QVERIFY(QFile::exists(folder.path(name + QStringLiteral("-готов.dxf"))));
     }
 
     void withoutTheMid()

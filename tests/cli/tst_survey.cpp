@@ -4,6 +4,7 @@
 #include "survey/encodingguess.h"
 #include "survey/filesurvey.h"
 #include "survey/findings.h"
+#include "survey/surveyor.h"
 
 #include <QDir>
 #include <QTest>
@@ -63,7 +64,9 @@ FileSurvey surveyOf(const QString& path, ImportOptions options)
 {
     const Format& format = *formatOfFile(path);
     options.objectFileName = path;
-    return surveyFile(format, options, FileRole::Objects, runImport(format, options));
+    const auto surveyor = makeSurveyor(format, options, FileRole::Objects);
+    surveyor->look();
+    return surveyor->judged(runImport(format, options));
 }
 
 DefPolygon polygon(const QVector<QVector<DefPoint>>& contours)

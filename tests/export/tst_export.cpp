@@ -90,14 +90,14 @@ private slots:
         QCOMPARE(lines.at(1), QStringLiteral("\"У; \"\"1\"\"\",1,1,1,0,0,6900.00,760.00"));
         QCOMPARE(lines.size(), 1 + 20 + 2 + 1);
         const QStringList russian =
-            QString::fromUtf8(written(writeCsv, { true, false })).split(QStringLiteral("\r\n"));
+            QString::fromUtf8(written(writeCsv, { true, false, {} })).split(QStringLiteral("\r\n"));
         QCOMPARE(russian.at(22), QStringLiteral("Л;1;2;\"\";3;4;0,00;5,00"));
     }
 
     void geoJson()
     {
         const QJsonObject json =
-            QJsonDocument::fromJson(written(writeGeoJson, { false, true })).object();
+            QJsonDocument::fromJson(written(writeGeoJson, { false, true, {} })).object();
         const QJsonArray features = json.value(QLatin1String("features")).toArray();
         QCOMPARE(features.size(), 3);
         const QJsonObject geometry =

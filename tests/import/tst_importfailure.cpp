@@ -36,6 +36,7 @@ void TestImportFailure::text_data()
     row("collection", FailureKind::Collection, 11,
         "Ошибка в стоке 11. Коллекции в MIF файлах не поддерживаются.");
     row("line", FailureKind::Line, 12, "Ошибка чтения линии из строки: 12");
+    row("the first line", FailureKind::Line, 1, "Ошибка чтения линии из строки: 1");
     row("polyline", FailureKind::Polyline, 13, "Ошибка чтения полилинии из строки: 13");
     row("region", FailureKind::Region, 14, "Ошибка чтения области из строки: 14");
     row("dxf", FailureKind::NotDxf, 0, "Ошибка. Файл a.mif не соответствует формату DXF");

@@ -1,10 +1,13 @@
 #include "import/mapimport.h"
 
+#include "status.h"
 #include "support/importing.h"
 
 #include <QtTest>
 
 #include <functional>
+#include <new>
+#include <stdexcept>
 
 namespace {
 
@@ -62,6 +65,7 @@ private slots:
     void failuresToOpen_data();
     void failuresToOpen();
     void silentWithoutAStatusFunction();
+    void exceptionsBecomeMessages();
     void resultsOfPasses_data();
     void resultsOfPasses();
     void startsWithoutPoints();
@@ -250,6 +254,18 @@ void TestDriver::silentWithoutAStatusFunction()
     toy.map = &objects;
     QVERIFY(toy.importMap());
     QVERIFY(objects.isEmpty());
+}
+
+void TestDriver::exceptionsBecomeMessages()
+{
+    const StatusLog log;
+    guarded([] { throw std::bad_alloc(); });
+    guarded([] { throw std::runtime_error("the reason"); });
+    guarded([] { throw 1; });
+    guarded([] {});
+    QCOMPARE(log.messages(),
+        lines("Ошибка. Недостаточно памяти для обработки данных.\n"
+              "Ошибка обработки данных: the reason\nОшибка обработки данных."));
 }
 
 void TestDriver::resultsOfPasses_data()

@@ -55,6 +55,7 @@ private slots:
     void editOfAnyTextIsAccepted();
     void editOfStaleIndexIsRefused();
     void resets();
+    void duplicatesOfOtherObjects();
     void duplicatesFollowTheLiteralScan();
     void testerThroughLife();
 };
@@ -260,6 +261,17 @@ void TestDefMapTableModel::resets()
         QCOMPARE(told.count(), 2 * resets);
         QCOMPARE(model.rowCount(), map ? map->size() : 0);
     }
+}
+
+void TestDefMapTableModel::duplicatesOfOtherObjects()
+{
+    QVector<DefPolygon> same = objectsNamed({ QStringLiteral("a"), QStringLiteral("a") });
+    QVector<DefPolygon> different = objectsNamed({ QStringLiteral("a"), QStringLiteral("b") });
+    DefMapTableModel model;
+    model.setMap(&same);
+    QVERIFY(model.isDuplicateDef(0) && model.isDuplicateDef(1));
+    model.setMap(&different);
+    QVERIFY(!model.isDuplicateDef(0) && !model.isDuplicateDef(1));
 }
 
 void TestDefMapTableModel::duplicatesFollowTheLiteralScan()

@@ -100,6 +100,7 @@ private slots:
     void conflicts_data();
     void conflicts();
     void conflictRowOutOfRange();
+    void conflictsOfAnotherObject();
     void conflictsFollowTheLiteralScan();
     void flags();
     void editTellsTheCellThenTheTable();
@@ -478,6 +479,18 @@ void TestDefPolygonTableModel::conflictRowOutOfRange()
     QVERIFY(!model.isConflictingPoint(2));
     model.setPolygon(nullptr);
     QVERIFY(!model.isConflictingPoint(0));
+}
+
+void TestDefPolygonTableModel::conflictsOfAnotherObject()
+{
+    const QString name = QStringLiteral("1");
+    DefPolygon conflicting{ QString(), { { { name, 0, 0 }, { name, 5, 0 } } } };
+    DefPolygon sound{ QString(), { { { name, 0, 0 }, { QStringLiteral("2"), 5, 0 } } } };
+    DefPolygonTableModel model;
+    model.setPolygon(&conflicting);
+    QVERIFY(model.isConflictingPoint(0) && model.isConflictingPoint(1));
+    model.setPolygon(&sound);
+    QVERIFY(!model.isConflictingPoint(0) && !model.isConflictingPoint(1));
 }
 
 void TestDefPolygonTableModel::conflictsFollowTheLiteralScan()

@@ -1,14 +1,72 @@
 #include "plan/planfile.h"
 #include "plan/planpainter.h"
+#include "plan/planstyle.h"
 
 #include <QBuffer>
+#include <QFontMetricsF>
+#include <QRegularExpression>
 #include <QTest>
+#include <QXmlStreamReader>
 
+#include <cmath>
 #include <limits>
 
 namespace {
 
 using Limits = std::numeric_limits<double>;
+
+/// A closed ring around a square.
+QVector<DefPoint> ring(double x, double y, double size)
+{
+    const auto point = [](const char* def, double px, double py) {
+        return DefPoint{ QString::fromLatin1(def), px, py };
+    };
+    return { point("a", x, y), point("b", x + size, y), point("c", x + size, y + size),
+        point("d", x, y + size), point("a", x, y) };
+}
+
+DefPolygon polygon(const char* def, const QVector<QVector<DefPoint>>& contours)
+{
+    return { QString::fromUtf8(def), contours };
+}
+
+constexpr int pageWidth = 800;
+constexpr int pageHeight = 600;
+
+/// What is drawn, without the blanks that lines start with.
+QString svgOf(const QVector<DefPolygon>& objects, const PlanAxes& axes = {})
+{
+    PlanPainter plan(objects, axes);
+    QBuffer svg;
+    svg.open(QIODevice::WriteOnly);
+    if (!writePlan(svg, PlanFormat::Svg, QSize(pageWidth, pageHeight), plan, {}))
+        return {};
+    return QString::fromUtf8(svg.data())
+        .remove(QRegularExpression(QStringLiteral("^ +"), QRegularExpression::MultilineOption));
+}
+
+/// The text of a layer.
+QString layer(const QString& svg, const char* id)
+{
+    const int start = svg.indexOf(QStringLiteral("<g id=\"%1\"").arg(QLatin1String(id)));
+    const int next = svg.indexOf(QLatin1String("inkscape:groupmode"), start + 60);
+    return svg.mid(start, next < 0 ? -1 : next - start);
+}
+
+/// Where the dot of a point stands.
+QPointF dotOf(const QString& svg, const char* id)
+{
+    const auto match =
+        QRegularExpression(QStringLiteral("<circle id=\"%1\" cx=\"([0-9.]+)\" cy=\"([0-9.]+)\"")
+                               .arg(QLatin1String(id)))
+            .match(svg);
+    return { match.captured(1).toDouble(), match.captured(2).toDouble() };
+}
+
+int countOf(const QString& text, const char* part)
+{
+    return text.count(QString::fromUtf8(part));
+}
 
 } // namespace
 
@@ -67,6 +125,151 @@ private slots:
         QVERIFY(writePlan(svg, PlanFormat::Svg, QSize(800, 600), plan, {}));
         QVERIFY2(!svg.data().contains("nan") && !svg.data().contains("inf"), svg.data());
         QVERIFY(svg.data().contains("<circle"));
+    }
+
+    /// Layers that other programs show, and a name for each thing that can be pointed at.
+    void layersAndTitles()
+    {
+        const QString svg = svgOf({ polygon("У<1>", { ring(0, 0, 10) }) });
+        for (const char* id : { "frame", "objects", "points", "legend", "names" }) {
+            QCOMPARE(countOf(svg,
+                         qPrintable(QStringLiteral("<g id=\"%1\" inkscape:groupmode=\"layer\" "
+                                                   "inkscape:label=\"")
+                                        .arg(QLatin1String(id)))),
+                1);
+        }
+        QVERIFY(svg.contains(QStringLiteral("<g id=\"object-1\">\n<title>У&lt;1&gt;</title>\n")));
+        QCOMPARE(countOf(svg, "<circle id=\"point-1-"), 4);
+        QCOMPARE(countOf(svg, "<title>c</title>"), 1);
+        QXmlStreamReader xml(svg);
+        while (!xml.atEnd())
+            xml.readNext();
+        QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
+    }
+
+    void holes()
+    {
+        const QString objects =
+            layer(svgOf({ polygon("A", { ring(0, 0, 10), ring(4, 4, 2) }) }), "objects");
+        const auto area = QRegularExpression(
+            QStringLiteral("<path d=\"([^\"]*)\" fill-rule=\"evenodd\" fill=\"#"))
+                              .match(objects);
+        QCOMPARE(area.captured(1).count(QLatin1Char('M')), 2);
+    }
+
+    void partsAreNamedEach()
+    {
+        const auto namesOf = [](const QVector<QVector<DefPoint>>& contours) {
+            return countOf(layer(svgOf({ polygon("Part", contours) }), "names"), ">Part</text>");
+        };
+        QCOMPARE(namesOf({ ring(0, 0, 10) }), 1);
+        QCOMPARE(namesOf({ ring(0, 0, 10), ring(30, 0, 10) }), 2);
+        QCOMPARE(namesOf({ ring(0, 0, 30), ring(10, 10, 2) }), 1);
+    }
+
+    void redLegend()
+    {
+        const auto isTold = [](const QVector<DefPolygon>& objects) {
+            return layer(svgOf(objects), "legend").contains(QStringLiteral("красным"));
+        };
+        QVERIFY(!isTold({ polygon("A", { ring(0, 0, 10) }), polygon("B", { ring(20, 0, 10) }) }));
+        QVERIFY(isTold({ polygon("A", { ring(0, 0, 10) }), polygon("a", { ring(20, 0, 10) }) }));
+        QVERIFY(isTold({ polygon("A", { ring(0, 0, 10), ring(20, 0, 10) }) }));
+    }
+
+    /// The north is above whichever coordinate it is, and an arrow only says what is known.
+    void northing()
+    {
+        const QVector<DefPolygon> objects{ polygon("A", { ring(0, 0, 10) }) };
+        // The second point is the first one plus ten in the first coordinate.
+        const QString asIs = svgOf(objects);
+        QVERIFY(dotOf(asIs, "point-1-2").x() > dotOf(asIs, "point-1-1").x());
+        QCOMPARE(dotOf(asIs, "point-1-2").y(), dotOf(asIs, "point-1-1").y());
+        QCOMPARE(countOf(asIs, ">С</text>"), 0);
+        QVERIFY(asIs.contains(QStringLiteral(">вправо X: от 0.00 до 10.00; вверх Y: ")));
+
+        const QString northUp = svgOf(objects, { true, true });
+        QVERIFY(dotOf(northUp, "point-1-2").y() < dotOf(northUp, "point-1-1").y());
+        QCOMPARE(dotOf(northUp, "point-1-2").x(), dotOf(northUp, "point-1-1").x());
+        QCOMPARE(countOf(northUp, ">С</text>"), 1);
+        QVERIFY(northUp.contains(QStringLiteral(">север вверху; вправо Y: от 0.00 до 10.00; ")));
+    }
+
+    /// Crosses stand at round coordinates, and the bar is as long as it says.
+    void gridAndScale()
+    {
+        const QString svg = svgOf({ polygon("A", { ring(0, 0, 100) }) });
+        const QPointF nought = dotOf(svg, "point-1-1");
+        const double scale = (dotOf(svg, "point-1-2").x() - nought.x()) / 100;
+        const auto number = [](double value) { return QString::number(value, 'f', 2); };
+        const QString arm = QStringLiteral("M%1 %2L%3 %2");
+        const QString frame = layer(svg, "frame");
+        QVERIFY(frame.contains(
+            arm.arg(number(nought.x() - 4), number(nought.y()), number(nought.x() + 4))));
+        const auto bar =
+            QRegularExpression(QStringLiteral("<path d=\"M([0-9.]+) [0-9.]+L[0-9.]+ "
+                                              "[0-9.]+L([0-9.]+) [^>]*>\n<text [^>]*>([0-9]+) м<"))
+                .match(layer(svg, "legend"));
+        QVERIFY(bar.hasMatch());
+        const double length = bar.captured(2).toDouble() - bar.captured(1).toDouble();
+        QVERIFY(std::abs(length - bar.captured(3).toInt() * scale) < 0.5);
+    }
+
+    void gridNumbersStayInsideTheFrame()
+    {
+        const QRegularExpression text(
+            QStringLiteral("<text x=\"([^\"]*)\" y=\"60.00\"[^>]*>([^<]*)</text>"));
+        const QFontMetricsF metrics(planFont(false));
+        int count = 0;
+        for (int size = 100; size < 200; size += 5) {
+            const QString svg = svgOf({ polygon("A", { ring(2200000, 400000, size) }) });
+            for (auto numbers = text.globalMatch(svg); numbers.hasNext(); ++count) {
+                const auto number = numbers.next();
+                const double right =
+                    number.captured(1).toDouble() + metrics.horizontalAdvance(number.captured(2));
+                QVERIFY2(right < pageWidth - PlanView::margin, qPrintable(number.captured()));
+            }
+        }
+        QVERIFY(count > 20);
+    }
+
+    void namesStayInsideTheFrame()
+    {
+        QVector<DefPoint> edge;
+        const QString longName(30, QLatin1Char('w'));
+        for (int i = 0; i < 40; ++i)
+            edge.append({ longName + QString::number(i), i % 2 == 0 ? 0.0 : 100.0, i * 1.5 });
+        const QVector<DefPolygon> objects{ polygon("A", { edge }) };
+        const QString names = layer(svgOf(objects), "names");
+        auto texts = QRegularExpression(
+            QStringLiteral("<text x=\"([^\"]*)\" y=\"([^\"]*)\"([^>]*)>([^<]*)</text>"))
+                         .globalMatch(names);
+        int count = 0;
+        while (texts.hasNext()) {
+            const auto text = texts.next();
+            const QFontMetricsF metrics(planFont(text.captured(3).contains(QLatin1String("bold"))));
+            const double left = text.captured(1).toDouble();
+            const double right = left + metrics.horizontalAdvance(text.captured(4));
+            QVERIFY2(left >= PlanView::margin && right <= pageWidth - PlanView::margin,
+                qPrintable(text.captured()));
+            QVERIFY2(text.captured(2).toDouble() <= pageHeight - PlanView::margin,
+                qPrintable(text.captured()));
+            ++count;
+        }
+        QVERIFY(count > 10);
+    }
+
+    void pageTakesTheShape()
+    {
+        const auto pageOf = [](const DefPoint& corner) {
+            const QVector<DefPolygon> objects{ { {}, { { DefPoint{ {}, 0, 0 }, corner } } } };
+            return PlanPainter(objects, {}).pageWithin(QSize(1000, 1000));
+        };
+        const QSize wide = pageOf({ {}, 400, 100 });
+        QCOMPARE(wide.width(), 1000);
+        QVERIFY(wide.height() < 500);
+        QCOMPARE(pageOf({ {}, 100, 400 }).height(), 1000);
+        QVERIFY(pageOf({ {}, 100, 400 }).width() < 500);
     }
 
     /// The names of conflicting points have the choice of places, though others come before them.

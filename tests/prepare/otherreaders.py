@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Holds prepared drawings against what readers that others wrote see in the originals: the contours
-and the texts of labels against ezdxf (package python3-ezdxf), the texts against ogr2ogr (gdal-bin),
-too. Each of them leaves out or misreads a few, so that a small share may be missing of what it sees.
+and the texts of labels against ezdxf (package python3-ezdxf) and against ogr2ogr (gdal-bin). Each of
+them leaves out or misreads a few, so that a small share may be missing of what it sees.
 
     PREPARE_DRAWINGS=FOLDER otherreaders.py COMMAND
 
@@ -15,6 +15,7 @@ import json
 import math
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -85,9 +86,15 @@ def seen_entities(entities, depth=0):
                 yield from seen_entities(insert.virtual_entities(), depth + 1)
 
 
+CODES = {"%%d": "\u00b0", "%%p": "\u00b1", "%%c": "\u2300", "\u00d8": "\u2300", "\u2205": "\u2300"}
+
+
 def words_of(text):
-    """A text without what layout adds to it."""
-    return " ".join(text.split())
+    """A text without what layout adds to it, and without the codes that the import decodes."""
+    text = re.sub(r"\\U\+([0-9A-Fa-f]{4})", lambda code: chr(int(code.group(1), 16)), text)
+    for code, character in CODES.items():
+        text = text.replace(code, character).replace(code.upper(), character)
+    return " ".join(text.replace("\\~", " ").split())
 
 
 def seen_drawing(path):
@@ -112,14 +119,37 @@ def seen_drawing(path):
     return contours, [text for text in texts if text]
 
 
-def texts_of_ogr2ogr(path):
-    """The texts that ogr2ogr sees."""
+def seen_by_ogr2ogr(path):
+    """The contours and the texts that ogr2ogr sees; curves in steps of a degree. None where it does
+    not open the drawing."""
     answer = subprocess.run(
-        ["ogr2ogr", "-f", "CSV", "/vsistdout/", path, "-select", "Text"],
+        ["ogr2ogr", "-f", "CSV", "/vsistdout/", path, "-lco", "GEOMETRY=AS_WKT",
+         "--config", "OGR_ARC_STEPSIZE", "1", "--config", "DXF_INLINE_BLOCKS", "TRUE"],
         capture_output=True, timeout=120, check=False,
     )
-    rows = csv.DictReader(io.StringIO(answer.stdout.decode("utf-8", "replace")))
-    return [words_of(row["Text"]) for row in rows if words_of(row["Text"])]
+    if answer.returncode != 0:
+        return None
+    csv.field_size_limit(1 << 30)
+    contours, texts = [], []
+    for row in csv.DictReader(io.StringIO(answer.stdout.decode("utf-8", "replace"))):
+        if row.get("PaperSpace") == "1":
+            continue
+        text = words_of(row.get("Text") or "")
+        if text:
+            texts.append(text)
+        else:
+            contours += lines_of(row["WKT"])
+    return contours, texts
+
+
+def lines_of(wkt):
+    """The lines of a geometry; a line of one place is none."""
+    lines = []
+    for places in re.findall(r"\(([^()]+)\)", wkt):
+        line = [tuple(map(float, place.split()[:2])) for place in places.split(",")]
+        if len(line) > 1:
+            lines.append(line)
+    return lines
 
 
 def bounds(places):
@@ -146,7 +176,8 @@ def missing_contours(seen, written):
     missing = []
     for places in seen:
         box = bounds(places)
-        # ezdxf draws arcs as Bezier curves, which are off by 0.03 % of the radius.
+        # ezdxf draws arcs as Bezier curves, which are off by 0.03 % of the radius; in steps of a
+        # degree it is less than 0.01 %.
         size = max(box[2] - box[0], box[3] - box[1])
         reach = TOLERANCE * 1.2 + 3e-4 * size + 1e-9 * max(map(abs, box))
         for i, (other, contour) in enumerate(left):
@@ -186,11 +217,14 @@ def missing_texts(seen, written):
 
 def compare(path, copy, report, tallies):
     contours, texts = written_drawing(copy, report["encoding"])
-    of_ogr2ogr = texts_of_ogr2ogr(path)
-    if of_ogr2ogr:
-        # It sees those of dimensions and of paper space, too.
+    seen = seen_by_ogr2ogr(path)
+    if seen is None:
+        print(f"{path}: ogr2ogr does not read it")
+    else:
+        # It sees the lines and the texts of dimensions and leaders, too.
         written = [text for text in texts if text]
-        tallies["ogr2ogr"].add(path, written, missing_texts(written, of_ogr2ogr))
+        tallies["ogr2ogr's contours"].add(path, contours, missing_contours(contours, seen[0])[0])
+        tallies["ogr2ogr's texts"].add(path, written, missing_texts(written, seen[1]))
     try:
         seen, seen_texts = seen_drawing(path)
     except Exception as error:  # a reader of others may fail in any way
@@ -217,7 +251,8 @@ def main():
     tallies = {
         "contours": Tally("contours of ezdxf"),
         "texts": Tally("texts of ezdxf"),
-        "ogr2ogr": Tally("texts written, as ogr2ogr has them"),
+        "ogr2ogr's contours": Tally("contours written, as ogr2ogr has them"),
+        "ogr2ogr's texts": Tally("texts written, as ogr2ogr has them"),
     }
     with tempfile.TemporaryDirectory() as scratch:
         copy = os.path.join(scratch, "copy.dxf")

@@ -66,6 +66,8 @@ private slots:
     void depth();
     void millionInserts();
     void manyTexts();
+    void longestText();
+    void longPathInBlock();
     void droppedInBlocks();
 };
 
@@ -367,6 +369,33 @@ void TestFlattenBlocks::manyTexts()
                                          "0 ENDBLK"),
         exploding());
     QVERIFY(result.report.labels > 166400 && result.report.labels < 166500);
+    QVERIFY(result.report.notes().count(prep::Note::TooMuch) == 1);
+}
+
+void TestFlattenBlocks::longestText()
+{
+    const QByteArray longest(1 << 20, 'x');
+    const QByteArray start = "0 LINE, 10 1, 20 1, 11 2, 21 1, 0 TEXT, 10 1, 20 1, 1 ";
+    const Prepared kept = prepared(drawingOf((start + longest).constData()));
+    QCOMPARE(kept.report.labels, qint64(1));
+    QVERIFY(!kept.report.hasLosses());
+    const Prepared left = prepared(drawingOf((start + longest + 'x').constData()));
+    QCOMPARE(left.report.labels, qint64(0));
+    QCOMPARE(left.report.notes().at(prep::Note::TooMuch), qint64(1));
+}
+
+/// Vertices count for what blocks may come to, and not only entities: each insert writes 50,000.
+void TestFlattenBlocks::longPathInBlock()
+{
+    QByteArray path = "0 LWPOLYLINE, 90 50000, 70 0";
+    for (int i = 0; i < 50000; ++i)
+        path += ", 10 1, 20 1";
+    const Prepared result =
+        prepared(drawingOf("0 INSERT, 2 P, 10 0, 20 0, 70 1000, 71 1000",
+                     ("0 BLOCK, 2 P, 10 0, 20 0, " + path + ", 0 ENDBLK").constData()),
+            exploding());
+    // The file has 500,000 bytes and so has the polyline: 40,000,000 + 40 * 500,000 bytes of it.
+    QVERIFY(result.report.contours >= 118 && result.report.contours <= 120);
     QVERIFY(result.report.notes().count(prep::Note::TooMuch) == 1);
 }
 

@@ -1,0 +1,92 @@
+#include "commandrun.h"
+#include "support/tempfiles.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTest>
+
+/// What the command writes of one pair of files, in forms that other tests do not look at.
+class TestCliForms : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        // Two points of one name at two places; no Windows-1251 has the letter of the object.
+        m_folder.write(QStringLiteral("a.mif"),
+            "Version 300\nCharset \"WindowsCyrillic\"\nDelimiter \",\"\n"
+            "CoordSys NonEarth Units \"m\"\nColumns 1\n  A char(10)\nData\n"
+            "Point 0 0\nPoint 5 0\nRegion 1\n4\n0 0\n5 0\n5 5\n0 0\n");
+        m_folder.write(QStringLiteral("a.mid"),
+            "\"1\"\n\"1\"\n\"\xCE\xA9"
+            "1\"\n");
+    }
+
+    void conflictsAsJson()
+    {
+        const CommandRun run = shell(QStringLiteral("$CLI check --json --encoding UTF-8 a.mif"));
+        QCOMPARE(run.status, 3);
+        const QJsonObject report = QJsonDocument::fromJson(run.out).array().first().toObject();
+        const QJsonArray places{ QJsonObject{
+                                     { QStringLiteral("x"), 0 }, { QStringLiteral("y"), 0 } },
+            QJsonObject{ { QStringLiteral("x"), 5 }, { QStringLiteral("y"), 0 } } };
+        const QJsonArray expected{ QJsonObject{ { QStringLiteral("object"), 1 },
+            { QStringLiteral("designation"), QStringLiteral("Ω1") },
+            { QStringLiteral("point"), QStringLiteral("1") },
+            { QStringLiteral("places"), places } } };
+        QCOMPARE(report.value(QStringLiteral("conflicts")).toArray(), expected);
+    }
+
+    void exportAsMif()
+    {
+        const CommandRun run = shell(QStringLiteral("$CLI export --encoding UTF-8 a.mif -o b.mif"));
+        QCOMPARE(run.status, 0);
+        QVERIFY2(run.errorLines().contains(QStringLiteral(
+                     "b.mif: внимание: обозначений с буквами, которых нет в Windows-1251: 1")),
+            qPrintable(run.err));
+        // The area is 5 * 5 / 2, the length 5 + 5 + 7.07.
+        QCOMPARE(shell(QStringLiteral("cat b.mid")).out, QByteArray("\"?1\",12.50,17.07\n"));
+        QCOMPARE(
+            shell(QStringLiteral("$CLI export -q --encoding UTF-8 a.mif -o b.mif")).err, QString());
+    }
+
+    void exportIsRefused_data()
+    {
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("locale") << QStringLiteral("a.mif -o b.csv --locale de")
+                                << QStringLiteral("--locale: ожидается c или ru, а не «de»");
+        QTest::newRow("its own input") << QStringLiteral(
+            "a.mif -o a.mif") << QStringLiteral("a.mif: результат заменил бы исходный файл");
+    }
+
+    void exportIsRefused()
+    {
+        QFETCH(QString, arguments);
+        QFETCH(QString, error);
+        const CommandRun run = shell(QStringLiteral("$CLI export ") + arguments);
+        QCOMPARE(run.status, 2);
+        QCOMPARE(run.errorLines().first(), QStringLiteral("importgeometry: ") + error);
+    }
+
+    void preparedPoints()
+    {
+        const QString files = QStringLiteral("--encoding UTF-8 -q a.mif --points a.mif");
+        const CommandRun prepared = shell(QStringLiteral("$CLI convert --prepare ") + files);
+        QCOMPARE(prepared.status, 0);
+        QVERIFY(!prepared.out.isEmpty());
+        QCOMPARE(prepared.out, shell(QStringLiteral("$CLI convert ") + files).out);
+    }
+
+private:
+    CommandRun shell(const QString& script) const
+    {
+        return runShell(script, m_folder.path(QStringLiteral(".")));
+    }
+
+    TempFiles m_folder;
+};
+
+QTEST_GUILESS_MAIN(TestCliForms)
+#include "tst_cliforms.moc"
