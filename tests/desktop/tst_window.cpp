@@ -27,6 +27,7 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QSettings>
+#include <QSpinBox>
 #include <QTableView>
 #include <QTest>
 #include <QTextBrowser>
@@ -86,6 +87,7 @@ private slots:
     void takesDroppedFiles();
     void keepsMessages();
     void mendsRefusedDrawing();
+    void changesTables();
     void remembersSession();
     void bearsBadSettings();
     void isReachableByKeyboard();
@@ -610,6 +612,42 @@ void TestWindow::mendsRefusedDrawing()
     QVERIFY(QFileInfo::exists(m_files->path(QStringLiteral("survey-готов.dxf"))));
     QVERIFY(told.toPlainText().contains(QStringLiteral("убраны комментарии (код 999): 1")));
     QCOMPARE(m_window->document().undoStack().index(), 1);
+}
+
+void TestWindow::changesTables()
+{
+    openSquares();
+    bool isRefused = false;
+    whenDialogRuns([&](QDialog& dialog) {
+        const auto spin = [&](const char* name) {
+            return dialog.findChild<QSpinBox*>(QLatin1String(name));
+        };
+        // Two things in one column are refused.
+        spin("xSpin")->setValue(1);
+        whenDialogRuns([&](QDialog& warning) {
+            isRefused = true;
+            warning.accept();
+        });
+        dialog.accept();
+        spin("xSpin")->setValue(2);
+        spin("ySpin")->setValue(3);
+        dialog.findChild<QLineEdit*>(QStringLiteral("tableEdit"))->setText(QStringLiteral("Зоны"));
+        dialog.findChild<QLineEdit*>(QStringLiteral("titlesEdit"))
+            ->setText(QStringLiteral("N, Север"));
+        dialog.accept();
+    });
+    trigger("formSettings");
+    QVERIFY(isRefused);
+    QCOMPARE(m_window->document().table().name, QStringLiteral("Зоны"));
+    QVERIFY(m_window->document().isNorthingFirst());
+    const QAbstractItemModel& catalogue = *widget<QTableView>("catalogue").model();
+    QCOMPARE(catalogue.index(1, 1).data().toString(), locale(10));
+    QCOMPARE(catalogue.index(1, 2).data().toString(), locale(0));
+    QCOMPARE(catalogue.headerData(1, Qt::Horizontal).toString(), QStringLiteral("Север"));
+    QCOMPARE(catalogue.headerData(2, Qt::Horizontal).toInt(), 3);
+    trigger("undo");
+    QCOMPARE(m_window->document().table().name, QStringLiteral("Участки"));
+    QCOMPARE(catalogue.index(1, 2).data().toString(), locale(10));
 }
 
 void TestWindow::remembersSession()
