@@ -30,6 +30,7 @@
 #include <cstdio>
 #include <ctime>
 #include <functional>
+#include <new>
 
 namespace {
 
@@ -226,10 +227,17 @@ double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
+/// Gives no figures for a result that is too long for a QString.
 void measureResult(Dialog& dialog, QJsonObject& figures)
 {
     constexpr int rounds = 3;
-    const BareResult bare(dialog.stringResult());
+    QString first;
+    try {
+        first = dialog.stringResult();
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    const BareResult bare(first);
     std::vector<double> resultMs;
     std::vector<double> bareMs;
     for (int i = 0; i < rounds; ++i) {

@@ -21,7 +21,7 @@ endfunction()
 # A QtTest program, run under the C and under the ru_RU locale, each run with a home and settings of
 # its own. OFFSCREEN: it, or a program that it runs, opens Qt's offscreen platform; the leak
 # sanitizer then passes over what that platform leaves behind. PLUGIN: it loads the plug-in, from
-# PLUGIN_PATH.
+# PLUGIN_PATH. The target tests_FOLDER builds all programs of a folder.
 function(importgeometry_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "OFFSCREEN;PLUGIN" "" "LINK")
     add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
@@ -29,6 +29,11 @@ function(importgeometry_test name)
         AUTOMOC ON
         RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
     target_link_libraries(${name} PRIVATE ${arg_LINK} Qt5::Test project_options)
+    get_filename_component(folder "${CMAKE_CURRENT_SOURCE_DIR}" NAME)
+    if(NOT TARGET tests_${folder})
+        add_custom_target(tests_${folder})
+    endif()
+    add_dependencies(tests_${folder} ${name})
     if(arg_PLUGIN)
         target_compile_definitions(${name} PRIVATE PLUGIN_PATH="$<TARGET_FILE:importgeometry>")
         add_dependencies(${name} importgeometry)

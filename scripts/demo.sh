@@ -1,17 +1,21 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and imports the samples in the stand-in host: with a display
 # for you to use the dialog, without one by itself, with screenshots in build/demo. Arguments go to
-# the host; "--auto" does without the display.
+# the host; "--auto" does without the display. With IMPORTGEOMETRY_PROGRAMS, the folder of installed
+# programs, nothing is installed or built.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-scripts/setup.sh demo
-# With it the plug-in, and no test: in the folder of the tests' build, which goes on from there.
-scripts/build.sh importgeometry-host importgeometry-cli
+programs=${IMPORTGEOMETRY_PROGRAMS-build/release/bin}
+if [ -z "${IMPORTGEOMETRY_PROGRAMS-}" ]; then
+    scripts/setup.sh demo
+    # With it the plug-in, and no test: in the folder of the tests' build, which goes on from there.
+    scripts/build.sh importgeometry-host importgeometry-cli
+fi
 
 demo=build/demo
-host=build/release/bin/importgeometry-host
-cli=build/release/bin/importgeometry
+host=$programs/importgeometry-host
+cli=$programs/importgeometry
 rm -rf "$demo"
 mkdir -p "$demo/runtime"
 chmod 700 "$demo/runtime"

@@ -13,8 +13,9 @@ if [ $# -eq 0 ]; then
 fi
 
 cmake --preset dev >/dev/null
-cmake --build "$build" --parallel "$jobs" --target importgeometry_autogen dialog_autogen \
-    models_autogen >/dev/null
+mapfile -t generators < <(cmake --build "$build" --target help |
+    grep --only-matching '[^ :/]*_autogen\b' | grep --invert-match '^tst_' | sort --unique)
+cmake --build "$build" --parallel "$jobs" --target "${generators[@]}" >/dev/null
 
 status=0
 echo "clang-tidy: ${#files[@]} files"

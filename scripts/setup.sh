@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Installs with apt what is missing; does nothing when all is there.
 #
-#   scripts/setup.sh         for the build and the tests
-#   scripts/setup.sh demo    for the build and the demo
-#   scripts/setup.sh ci      for all that .ci/run does
+#   scripts/setup.sh               for the build and the tests
+#   scripts/setup.sh demo          for the build and the demo
+#   scripts/setup.sh ci            for all that .ci/run does
+#   scripts/setup.sh package       for scripts/package.sh
+#   scripts/setup.sh package-check for scripts/package-check.sh
 set -euo pipefail
 
 packages=(
@@ -14,21 +16,34 @@ packages=(
 )
 test_packages=(
     binutils           # readelf and nm look at the plug-in
-    xvfb xauth         # one test shows the dialog on a real window system
+    xvfb xauth openbox # tests show the dialog and the window on a real window system
     man-db             # a test formats the manual page
+    poppler-utils      # a test reads the text of a printed sheet
 )
 ci_packages=(
     clang libclang-rt-dev  # the second compiler, its sanitizers and its fuzzer
     clang-tidy cppcheck
+)
+package_packages=(
+    git                # the source tarball is what the last commit holds
+    dpkg-dev file      # the dependencies of the Debian package
+    xkb-data           # the folder that brings its libraries brings the names of the keys, too
+)
+check_packages=(
+    lintian desktop-file-utils appstream shared-mime-info
+    debootstrap        # the bare roots
+    xvfb x11-utils     # a display for them, and what is to be seen on it
 )
 locale=ru_RU.UTF-8
 
 case ${1-tests} in
 demo) ;;
 tests) packages+=("${test_packages[@]}") ;;
+package) packages+=("${package_packages[@]}") ;;
+package-check) packages+=("${check_packages[@]}") ;;
 ci) packages+=("${test_packages[@]}" "${ci_packages[@]}") ;;
 *)
-    echo "usage: scripts/setup.sh [demo|tests|ci]" >&2
+    echo "usage: scripts/setup.sh [demo|tests|ci|package|package-check]" >&2
     exit 2
     ;;
 esac

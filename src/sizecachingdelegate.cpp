@@ -74,7 +74,7 @@ void SizeCachingDelegate::startRun(
     if (samples != m_samples || styleOf(option) != m_style || !asksAlike(option, m_option))
         forget();
     m_items.resize(index.model()->rowCount());
-    m_byText.clear();
+    forgetTexts();
     m_newTexts = 0;
     m_runLength = 0;
     m_option = option;
@@ -104,21 +104,52 @@ QSize SizeCachingDelegate::rowSize(
 
 QSize SizeCachingDelegate::sizeFromOtherRow(const QString& text) const
 {
-    // A hash of all texts pays only where many rows have changed, as after sorting.
+    // A table of all texts pays only where many rows have changed, as after sorting.
     ++m_newTexts;
     if (text.isNull() || m_newTexts < measuredTexts)
         return QSize();
-    if (m_newTexts == measuredTexts) {
-        for (const Item& item : qAsConst(m_items)) {
-            if (item.size.isValid() && !item.text.isNull())
-                m_byText.insert(item.text, item.size);
-        }
+    if (m_newTexts == measuredTexts)
+        indexTexts();
+    if (m_byText.empty())
+        return QSize();
+    const int row = m_byText[slotOf(text)];
+    return row < 0 ? QSize() : m_before.at(row).size;
+}
+
+void SizeCachingDelegate::indexTexts() const
+{
+    m_before = m_items;
+    size_t size = 1;
+    while (size < 2 * static_cast<size_t>(m_before.size()))
+        size *= 2;
+    m_byText.assign(size, -1);
+    for (int row = 0; row < m_before.size(); ++row) {
+        const Item& item = m_before.at(row);
+        if (item.size.isValid() && !item.text.isNull())
+            m_byText[slotOf(item.text)] = row;
     }
-    return m_byText.value(text);
+}
+
+size_t SizeCachingDelegate::slotOf(const QString& text) const
+{
+    // Rows that changed places kept their texts: where those are says more quickly what they are
+    // than their characters do.
+    const QChar* const data = text.constData();
+    const size_t mask = m_byText.size() - 1;
+    size_t slot = (reinterpret_cast<quintptr>(data) * 0x9E3779B1U >> 16) & mask;
+    while (m_byText[slot] >= 0 && m_before.at(m_byText[slot]).text.constData() != data)
+        slot = (slot + 1) & mask;
+    return slot;
+}
+
+void SizeCachingDelegate::forgetTexts() const
+{
+    m_byText.clear();
+    m_before.clear();
 }
 
 void SizeCachingDelegate::forget() const
 {
     m_items.fill(Item());
-    m_byText.clear();
+    forgetTexts();
 }

@@ -1,10 +1,11 @@
 #pragma once
 
-#include <QHash>
 #include <QSize>
 #include <QStyleOptionViewItem>
 #include <QStyledItemDelegate>
 #include <QVector>
+
+#include <vector>
 
 class QStyle;
 
@@ -36,10 +37,14 @@ private:
     void startRun(const QStyleOptionViewItem& option, const QModelIndex& index) const;
     QSize rowSize(const QStyleOptionViewItem& option, const QModelIndex& index) const;
     QSize sizeFromOtherRow(const QString& text) const;
+    void indexTexts() const;
+    size_t slotOf(const QString& text) const;
+    void forgetTexts() const;
     void forget() const;
 
     mutable QVector<Item> m_items; ///< by row, as measured last
-    mutable QHash<QString, QSize> m_byText; ///< the same by text; empty until it pays
+    mutable QVector<Item> m_before; ///< those of the run before; empty until they pay
+    mutable std::vector<int> m_byText; ///< a hash table of them, by text; -1 where there is none
     mutable int m_row = -1; ///< the row last asked for
     mutable int m_runLength = 0; ///< the number of rows asked for one after the other
     mutable int m_newTexts = 0; ///< the number of texts in the run that were new to their rows

@@ -9,6 +9,7 @@
 #include "prepare/reporttext.h"
 #include "preparearguments.h"
 #include "preparefile.h"
+#include "resultfile.h"
 #include "resultwriter.h"
 #include "standardinput.h"
 #include "targets.h"
@@ -124,6 +125,7 @@ struct ConvertOptions {
     bool partial = false;
     bool sort = false;
     int jobs = 1;
+    bool overlaps = false; ///< writes while it reads
     QStringList forwarded; ///< the options that each process for one file gets
 };
 
@@ -160,6 +162,9 @@ ConvertOptions readConvertOptions(const QCommandLineParser& parser)
     options.partial = parser.isSet(QStringLiteral("partial"));
     options.sort = parser.isSet(QStringLiteral("sort"));
     options.jobs = readNumber(parser, QStringLiteral("jobs"), 1, maxJobs);
+    // Several files share the processors by themselves, and who asks for one job gets one.
+    options.overlaps = !options.sort && !(parser.isSet(QStringLiteral("jobs")) && options.jobs == 1)
+        && ResultFile::isOfUse(options.targets.constFirst());
     options.forwarded = forwardedArguments(parser, convertCommandLineOptions(),
         { QStringLiteral("output"), QStringLiteral("out-dir"), QStringLiteral("jobs"),
             QStringLiteral("recursive") });
@@ -236,7 +241,11 @@ ExitStatus convertFile(const ConvertOptions& options)
     const bool isWhole =
         !options.preparation || prepareCopies(task, *options.preparation, folder.emplace());
     resolveEncoding(task, options.telling);
-    ImportRun import = runImport(*task.format, task.options);
+    std::optional<ResultFile> result;
+    if (options.overlaps)
+        result.emplace(target, options.result);
+    ImportRun import = runImport(*task.format, task.options,
+        result ? [&result](const auto& objects) { result->take(objects); } : ObjectTaker());
     for (const ImportMessage& message : qAsConst(import.messages))
         printMessage(fileName, message.text);
     const bool failed = !import.messages.isEmpty();
@@ -250,7 +259,10 @@ ExitStatus convertFile(const ConvertOptions& options)
         return Failed;
     if (options.sort)
         sortObjects(import.objects);
-    writeXml(target, import.objects, options.result);
+    if (result)
+        result->commit();
+    else
+        writeXml(target, import.objects, options.result);
     if (failed)
         return Failed;
     return isWhole ? Done : Found;
@@ -275,7 +287,7 @@ ExitStatus convertFiles(const ConvertOptions& options)
     for (int i = 0; i < options.tasks.size(); ++i) {
         argumentLists.append(QStringList{ QStringLiteral("convert") } + options.forwarded
             + QStringList{ QStringLiteral("--output=") + options.targets.at(i),
-                QStringLiteral("--"), options.tasks.at(i).fileName() });
+                QStringLiteral("--jobs=1"), QStringLiteral("--"), options.tasks.at(i).fileName() });
     }
     int failures = 0;
     int lossy = 0;

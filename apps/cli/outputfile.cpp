@@ -77,13 +77,6 @@ QString shownName(const QString& fileName)
     fail(fileName, QStringLiteral("не удаётся создать файл"), error);
 }
 
-/// A device or a named pipe must be written to, not be replaced by a file.
-bool isReplaced(const QString& fileName)
-{
-    const QFileInfo info(fileName);
-    return fileName != QLatin1String("-") && (!info.exists() || info.isFile() || info.isDir());
-}
-
 std::unique_ptr<QFileDevice> openOutput(const QString& fileName, bool replaced)
 {
     constexpr auto mode = QIODevice::WriteOnly | QIODevice::Unbuffered;
@@ -117,7 +110,7 @@ QByteArray textOf(const QJsonArray& answers)
 OutputFile::OutputFile(const QString& fileName)
     : m_fileName(fileName)
 {
-    const bool replaced = isReplaced(fileName);
+    const bool replaced = appearsAtEnd(fileName);
     // Opening a pipe takes as long as nobody reads it; a signal must end that.
     if (replaced)
         m_deferral.emplace();
@@ -138,6 +131,13 @@ void OutputFile::checkPlace(const QString& fileName)
 }
 
 OutputFile::~OutputFile() = default;
+
+bool OutputFile::appearsAtEnd(const QString& fileName)
+{
+    // A device or a named pipe must be written to, not be replaced by a file.
+    const QFileInfo info(fileName);
+    return fileName != QLatin1String("-") && (!info.exists() || info.isFile() || info.isDir());
+}
 
 qint64 OutputFile::bytesWritten()
 {

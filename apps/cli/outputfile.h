@@ -22,6 +22,10 @@ public:
     /// Fails at once where opening could not succeed, so that no work is done in vain.
     static void checkPlace(const QString& fileName);
 
+    /// Whether what is written stays out of sight until commit(): a file, not a device, a pipe or
+    /// standard output.
+    static bool appearsAtEnd(const QString& fileName);
+
     /// How many bytes this process has written through all of them. Any thread may ask.
     static qint64 bytesWritten();
 

@@ -2,6 +2,7 @@
 
 #include "dialogdriver.h"
 #include "hostoptions.h"
+#include "pluginhost.h"
 
 #include <QDir>
 #include <QPluginLoader>
@@ -66,7 +67,9 @@ void say(const QString& line)
 
 int runHost(const HostOptions& options, bool unattended)
 {
-    QPluginLoader loader(options.pluginPath);
+    const QString file =
+        options.pluginPath.isEmpty() ? PluginHost::candidates().value(0) : options.pluginPath;
+    QPluginLoader loader(QDir::cleanPath(file));
     auto* plugin = qobject_cast<ImportGeometryInterface*>(loader.instance());
     if (!plugin) {
         say(QStringLiteral("Модуль импорта не загружен: %1").arg(loader.errorString()));

@@ -28,11 +28,10 @@ void declareOptions(QCommandLineParser& parser)
     const QString name = QStringLiteral("имя");
     const QString dir = QStringLiteral("папка");
     parser.addOptions({
-        option("library", QStringLiteral("Библиотека модуля импорта."), file,
-            QCoreApplication::applicationDirPath()
-                + QStringLiteral("/../lib/libimportgeometry.so")),
-        option(
-            "operation", QStringLiteral("Операция; без неё операции только перечисляются."), name),
+        { { QStringLiteral("plugin"), QStringLiteral("library") },
+            QStringLiteral("Библиотека модуля импорта."), file },
+        option("operation",
+            QStringLiteral("Выполнить операцию и закончить работу, без окна программы."), name),
         option("context", QStringLiteral("Имя контекста."), name, QStringLiteral("Форма")),
         option("table", QStringLiteral("Таблица объектов."), name, QStringLiteral("Участки")),
         option("catalogue", QStringLiteral("Таблица каталога координат."), name,
@@ -45,7 +44,9 @@ void declareOptions(QCommandLineParser& parser)
         option("encoding", QStringLiteral("Кодировка файлов."), name),
         option("set", QStringLiteral("Значение элемента диалога; можно повторять."),
             QStringLiteral("элемент=значение")),
-        { QStringLiteral("auto"), QStringLiteral("Пройти диалог без пользователя и без экрана.") },
+        { QStringLiteral("auto"),
+            QStringLiteral("Пройти диалог без пользователя и без экрана; без операции - "
+                           "перечислить операции.") },
         option("screenshots", QStringLiteral("Папка для снимков диалога, без пользователя."), dir),
         { { QStringLiteral("o"), QStringLiteral("output") },
             QStringLiteral("Файл для результата; без него результат печатается."), file },
@@ -99,20 +100,29 @@ bool isUnattended(int argc, const char* const* argv)
     const auto isAuto = [](const char* argument) { return std::strcmp(argument, "--auto") == 0; };
     if (std::any_of(argv, argv + argc, isAuto))
         return true;
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
     return qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+#else
+    return false;
+#endif
 }
 
 HostOptions readOptions(const QCoreApplication& app)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Загружает модуль импорта, перечисляет его "
-                                                    "операции и выполняет одну из них."));
+    parser.setApplicationDescription(
+        QStringLiteral("Каталоги координат: импорт объектов через модуль импорта, правка, "
+                       "план, экспорт и печать."));
     parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("файлы"),
+        QStringLiteral("Формы и чертежи, которые открыть в окне."), QStringLiteral("[файл...]"));
     declareOptions(parser);
     parser.process(app);
 
     HostOptions options;
-    options.pluginPath = QDir::cleanPath(parser.value(QStringLiteral("library")));
+    options.pluginPath = parser.value(QStringLiteral("plugin"));
+    options.files = parser.positionalArguments();
     options.operation = parser.value(QStringLiteral("operation"));
     options.contextName = parser.value(QStringLiteral("context"));
     options.tableName = parser.value(QStringLiteral("table"));
@@ -122,5 +132,7 @@ HostOptions readOptions(const QCoreApplication& app)
     options.screenshotDir = parser.value(QStringLiteral("screenshots"));
     options.outputFile = parser.value(QStringLiteral("output"));
     options.settingsDir = parser.value(QStringLiteral("settings"));
+    options.isScripted = parser.isSet(QStringLiteral("auto")) || !options.operation.isEmpty()
+        || !options.screenshotDir.isEmpty();
     return options;
 }

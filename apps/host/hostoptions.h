@@ -4,6 +4,7 @@
 
 #include <QPair>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 class QCoreApplication;
@@ -13,7 +14,9 @@ struct HostOptions {
     /// Object names of the dialog's widgets and the values to give them, in this order.
     using WidgetValues = QVector<QPair<QString, QString>>;
 
-    QString pluginPath;
+    QString pluginPath; ///< empty: where plug-ins are looked for
+    QStringList files; ///< to open in the window
+    bool isScripted = false; ///< without a window of its own
     QString operation; ///< empty: only list the operations
     QString contextName;
     QString tableName;
@@ -25,7 +28,7 @@ struct HostOptions {
     QString settingsDir; ///< empty: the user's own settings folder
 };
 
-/// True when nobody is there to use the dialog: on demand, or for want of a display.
+/// True when nobody is there to use a window: on demand, or for want of a display.
 bool isUnattended(int argc, const char* const* argv);
 
 /// Reads the command line of `app`; ends the program on a request for help and on a usage error.

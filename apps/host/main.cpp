@@ -1,19 +1,52 @@
 #include "host.h"
 #include "hostoptions.h"
+#include "mainwindow.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QLibraryInfo>
+#include <QMessageBox>
 #include <QSettings>
 #include <QTranslator>
+
+namespace {
+
+int runWindow(const HostOptions& options)
+{
+    PluginHost host;
+    const bool hasPlugin = host.load(options.pluginPath);
+    MainWindow window(host);
+    window.show();
+    if (!hasPlugin) {
+        QMessageBox::warning(&window, QStringLiteral("Модуль импорта не загружен"),
+            QStringLiteral(
+                "%1\n\nФормы открываются и без него; модуль указывает параметр --plugin.")
+                .arg(host.errorString()));
+    }
+    if (options.files.isEmpty())
+        window.restoreSession();
+    else
+        window.openFiles(options.files);
+    return QApplication::exec();
+}
+
+} // namespace
 
 int main(int argc, char** argv)
 {
     const bool unattended = isUnattended(argc, argv);
     if (unattended)
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("importgeometry"));
     QApplication::setApplicationName(QStringLiteral("importgeometry-host"));
+    QApplication::setApplicationVersion(QStringLiteral(PROJECT_VERSION));
+    QApplication::setApplicationDisplayName(QStringLiteral("Каталоги координат"));
+    QIcon icon(QStringLiteral(":/icons/importgeometry-128.png"));
+    icon.addFile(QStringLiteral(":/icons/importgeometry-32.png"));
+    QApplication::setWindowIcon(icon);
 
     QTranslator translator;
     if (translator.load(
@@ -23,5 +56,5 @@ int main(int argc, char** argv)
     const HostOptions options = readOptions(app);
     if (!options.settingsDir.isEmpty())
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, options.settingsDir);
-    return runHost(options, unattended);
+    return unattended || options.isScripted ? runHost(options, unattended) : runWindow(options);
 }

@@ -12,11 +12,15 @@
 
 namespace {
 
-/// Keeps what an import tells.
+/// So many objects are passed on at a time.
+constexpr int mostWaiting = 256;
+
+/// Keeps what an import tells, and passes its objects on.
 class Recorder : public ImportObserver {
 public:
-    explicit Recorder(ImportRun& run)
+    Recorder(ImportRun& run, const ObjectTaker& take)
         : m_run(run)
+        , m_take(take)
     {
     }
 
@@ -30,6 +34,8 @@ public:
         m_run.shapes.append(closed ? Shape::Area : Shape::Line);
         if (complete)
             m_run.objectsRead.add(kind);
+        if (m_take && m_run.objects.size() >= mostWaiting)
+            passOn();
     }
     void failed(const ImportFailure& failure) override
     {
@@ -40,8 +46,28 @@ public:
 
     ImportPass pass() const { return m_pass; }
 
+    /// Passes on what is left, and collects the objects again. To be called when the import is
+    /// over.
+    void finish()
+    {
+        if (!m_take)
+            return;
+        passOn();
+        for (const QVector<DefPolygon>& objects : m_passedOn)
+            m_run.objects += objects;
+    }
+
 private:
+    void passOn()
+    {
+        m_passedOn.push_back(m_run.objects);
+        m_run.objects = {};
+        m_take(m_passedOn.back());
+    }
+
     ImportRun& m_run;
+    const ObjectTaker& m_take;
+    std::vector<QVector<DefPolygon>> m_passedOn;
     ImportPass m_pass = ImportPass::Points;
 };
 
@@ -103,10 +129,10 @@ bool ImportRun::stopped(bool forPoints) const
     });
 }
 
-ImportRun runImport(const Format& format, const ImportOptions& options)
+ImportRun runImport(const Format& format, const ImportOptions& options, const ObjectTaker& take)
 {
     ImportRun run;
-    Recorder recorder(run);
+    Recorder recorder(run, take);
     for (const QString& file : filesOf(format, options)) {
         const QString trouble = pipeOrDeviceTrouble(file);
         if (!trouble.isEmpty()) {
@@ -124,6 +150,7 @@ ImportRun runImport(const Format& format, const ImportOptions& options)
         importer->importMap();
     });
     setStatusFunc(nullptr);
+    recorder.finish();
     // Nothing came of what a point pass read that failed.
     if (recorder.pass() == ImportPass::Points)
         run.pointsRead = {};

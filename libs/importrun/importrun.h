@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -46,10 +47,16 @@ struct ImportRun {
     bool stopped(bool forPoints) const;
 };
 
+/// Is given objects that are not going to change.
+using ObjectTaker = std::function<void(const QVector<DefPolygon>&)>;
+
 /// Reads a file as the dialog does; whatever goes wrong is among the messages. A name that is no
 /// file's, but a pipe's or a device's, is told and not opened: it is read twice, and from its
 /// start.
-ImportRun runImport(const Format& format, const ImportOptions& options);
+/// `take`, if given, gets the objects a few hundred at a time as soon as they are built, in their
+/// order and all of them.
+ImportRun runImport(
+    const Format& format, const ImportOptions& options, const ObjectTaker& take = {});
 
 /// Why a name cannot be read from more than once, because it is that of a pipe or a device; empty
 /// where it is another one's.

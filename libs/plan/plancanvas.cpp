@@ -35,11 +35,11 @@ QString withoutControls(QString text)
 
 } // namespace
 
-PainterCanvas::PainterCanvas(QPainter& painter)
+PainterCanvas::PainterCanvas(QPainter& painter, const QColor& paper)
     : m_painter(painter)
 {
     m_painter.setRenderHint(QPainter::Antialiasing);
-    m_painter.fillRect(m_painter.viewport(), Qt::white);
+    m_painter.fillRect(m_painter.viewport(), paper);
 }
 
 void PainterCanvas::drawContours(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,

@@ -29,7 +29,7 @@ public:
 /// Draws through a painter.
 class PainterCanvas : public PlanCanvas {
 public:
-    explicit PainterCanvas(QPainter& painter);
+    explicit PainterCanvas(QPainter& painter, const QColor& paper = Qt::white);
     void beginGroup(const QString&, const QString&, bool) override { }
     void endGroup() override { }
     void drawContours(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,

@@ -35,15 +35,19 @@ void PlanFrame::text(const QPointF& place, const QString& text, const QColor& co
     m_canvas.drawText(place, text, planFont(false), color);
 }
 
-void PlanFrame::drawFrame(const QString& title)
+void PlanFrame::drawBorder()
 {
-    m_canvas.drawContours({ QPolygonF(m_view.frame()) }, {}, planGrey, planGrey);
+    m_canvas.drawContours({ QPolygonF(m_view.frame()) }, {}, m_colors.grey, m_colors.grey);
+    if (m_view.isEmpty())
+        text(m_view.frame().center(), QStringLiteral("объектов нет"), m_colors.grey);
+}
+
+void PlanFrame::drawTitle(const QString& title)
+{
     const QFontMetricsF metrics(planFont(true));
     m_canvas.drawText(m_view.frame().topLeft() - QPointF(0, lineHeight / 2),
         metrics.elidedText(planText(title), Qt::ElideRight, m_view.frame().width()), planFont(true),
-        planGrey);
-    if (m_view.isEmpty())
-        text(m_view.frame().center(), QStringLiteral("объектов нет"), planGrey);
+        m_colors.grey);
 }
 
 void PlanFrame::drawGrid()
@@ -52,8 +56,8 @@ void PlanFrame::drawGrid()
     constexpr double spacing = 180;
     const QRectF& frame = m_view.frame();
     const double step = roundStep(spacing / m_view.scale());
-    const double middleX = m_view.left() / 2 + m_view.right() / 2;
-    const double middleY = m_view.bottom() / 2 + m_view.top() / 2;
+    const double middleX = m_view.center().x();
+    const double middleY = m_view.center().y();
     // A step that is lost beside the coordinates, or one beyond all numbers, makes no grid.
     if (!(step > 0) || middleX + step == middleX || middleY + step == middleY
         || !std::isfinite(middleX / step) || !std::isfinite(middleY / step))
@@ -63,6 +67,7 @@ void PlanFrame::drawGrid()
     const auto first = [step](double from) { return std::ceil(from / step) * step; };
     const int decimals = std::max(0, -static_cast<int>(std::floor(std::log10(step) + 1e-9)));
     const auto number = [decimals](double value) { return QString::number(value, 'f', decimals); };
+    const QFontMetricsF metrics(planFont(false));
     QVector<QPolygonF> crosses;
     constexpr int most = 200;
     const double startX = first(middleX - halfWidth);
@@ -81,28 +86,31 @@ void PlanFrame::drawGrid()
             crosses.append(
                 QPolygonF(QVector<QPointF>{ place - QPointF(0, arm), place + QPointF(0, arm) }));
         }
-        text(QPointF(foot.x() + 2, frame.top() + 12), number(x), planGrey);
+        const double end = foot.x() + 4 + metrics.horizontalAdvance(number(x));
+        if (end > frame.right())
+            continue;
+        text(QPointF(foot.x() + 2, frame.top() + 12), number(x), m_colors.grey);
         m_space.take(QRectF(foot.x(), frame.top(), 70, 14));
     }
     for (int j = 0; j < most; ++j) {
         const QPointF foot = m_view.at(startX, startY + j * step);
         if (!(foot.y() > frame.top() + 2 * lineHeight) || !std::isfinite(startY + j * step))
             break;
-        text(QPointF(frame.left() + 2, foot.y() - 2), number(startY + j * step), planGrey);
+        text(QPointF(frame.left() + 2, foot.y() - 2), number(startY + j * step), m_colors.grey);
         m_space.take(QRectF(frame.left(), foot.y() - 14, 70, 14));
     }
     if (!crosses.isEmpty())
-        m_canvas.drawContours(crosses, {}, planGrey, planGrey);
+        m_canvas.drawContours(crosses, {}, m_colors.grey, m_colors.grey);
 }
 
 void PlanFrame::drawLegend(const QString& axes, bool hasNorth, bool hasRed)
 {
     const QPointF below = m_view.frame().bottomLeft() + QPointF(0, lineHeight);
-    text(below, axes, planGrey);
+    text(below, axes, m_colors.grey);
     if (hasRed) {
         text(below + QPointF(0, lineHeight),
             QStringLiteral("красным: обозначение повторяется или точка стоит в разных местах"),
-            planRed);
+            m_colors.red);
     }
     if (hasNorth)
         drawNorthArrow();
@@ -114,8 +122,8 @@ void PlanFrame::drawNorthArrow()
     const QPointF tip = m_view.frame().topRight() + QPointF(-22, 30);
     const QPolygonF arrow(QVector<QPointF>{
         tip, tip + QPointF(7, 28), tip + QPointF(0, 21), tip + QPointF(-7, 28), tip });
-    m_canvas.drawContours({ arrow }, { arrow }, planGrey, planGrey);
-    text(tip + QPointF(-4, -4), QStringLiteral("С"), planGrey);
+    m_canvas.drawContours({ arrow }, { arrow }, m_colors.grey, m_colors.grey);
+    text(tip + QPointF(-4, -4), QStringLiteral("С"), m_colors.grey);
     m_space.take(QRectF(tip + QPointF(-12, -18), QSizeF(24, 48)));
 }
 
@@ -130,8 +138,9 @@ void PlanFrame::drawScaleBar()
     const QPointF start = end - QPointF(width, 0);
     const QPointF tick(0, 5);
     m_canvas.drawContours({ QPolygonF(QVector<QPointF>{ start - tick, start, end, end - tick }) },
-        {}, planGrey, planGrey);
+        {}, m_colors.grey, m_colors.grey);
     const QString label = lengthText(length);
     const double textWidth = QFontMetricsF(planFont(false)).horizontalAdvance(label);
-    text(QPointF(end.x() - width / 2 - textWidth / 2, end.y() + lineHeight * 0.7), label, planGrey);
+    text(QPointF(end.x() - width / 2 - textWidth / 2, end.y() + lineHeight * 0.7), label,
+        m_colors.grey);
 }

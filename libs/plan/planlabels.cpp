@@ -1,7 +1,6 @@
 #include "plan/planlabels.h"
 
 #include "plan/plancanvas.h"
-#include "plan/planstyle.h"
 
 #include <QFontMetricsF>
 
@@ -76,8 +75,8 @@ QString planText(const QString& text)
     return text.size() <= most ? text : text.left(most) + QChar(0x2026);
 }
 
-void drawPlanLabels(
-    PlanCanvas& canvas, QVector<PlanLabel> labels, const QRectF& frame, PlanSpace space)
+void drawPlanLabels(PlanCanvas& canvas, QVector<PlanLabel> labels, const QRectF& frame,
+    PlanSpace space, const PlanColors& colors)
 {
     const auto rank = [](const PlanLabel& label) {
         return (label.isRed ? 0 : 2) + (label.isObject ? 0 : 1);
@@ -96,7 +95,7 @@ void drawPlanLabels(
             if (!frame.contains(rect) || !space.take(rect))
                 continue;
             canvas.drawText(QPointF(rect.left(), rect.top() + metric.ascent()), label.text,
-                fonts[label.isObject ? 1 : 0], label.isRed ? planRed : QColor(Qt::black));
+                fonts[label.isObject ? 1 : 0], label.isRed ? colors.red : colors.text);
             break;
         }
     }

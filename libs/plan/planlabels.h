@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plan/planstyle.h"
+
 #include <QPointF>
 #include <QRectF>
 #include <QString>
@@ -39,5 +41,5 @@ QString planText(const QString& text);
 
 /// Draws the names inside the frame, as many as do not cover one another; the red ones and those of
 /// objects find room first.
-void drawPlanLabels(
-    PlanCanvas& canvas, QVector<PlanLabel> labels, const QRectF& frame, PlanSpace space);
+void drawPlanLabels(PlanCanvas& canvas, QVector<PlanLabel> labels, const QRectF& frame,
+    PlanSpace space, const PlanColors& colors = {});

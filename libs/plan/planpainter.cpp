@@ -1,69 +1,10 @@
 #include "plan/planpainter.h"
 
-#include "export/measures.h"
 #include "geometry/conflicts.h"
 #include "plan/plancanvas.h"
 #include "plan/planframe.h"
+#include "plan/planplaces.h"
 #include "plan/planstyle.h"
-
-#include <algorithm>
-
-namespace {
-
-/// More parts of one object than these are not named.
-constexpr int mostNamedParts = 50;
-
-DefPolygon asObject(const QVector<QPolygonF>& contours)
-{
-    DefPolygon object;
-    for (const QPolygonF& contour : contours) {
-        QVector<DefPoint> places;
-        places.reserve(contour.size());
-        for (const QPointF& place : contour)
-            places.append(DefPoint{ {}, place.x(), place.y() });
-        object.contours.append(places);
-    }
-    return object;
-}
-
-/// Adds the x at which a ring crosses the height.
-void addCrossings(const Places& ring, double height, QVector<double>& crossings)
-{
-    QPointF before = ring.last();
-    for (const QPointF& vertex : ring) {
-        if ((vertex.y() > height) != (before.y() > height))
-            crossings.append(vertex.x()
-                + (before.x() - vertex.x()) * (height - vertex.y()) / (before.y() - vertex.y()));
-        before = vertex;
-    }
-}
-
-/// A place inside a part of an area, at the height of its centroid: the middle of the widest
-/// stretch there.
-QPointF placeInside(const ObjectShape& shape, const AreaPart& part)
-{
-    const QPointF centroid = asObject({ QPolygonF(shape.contours.at(part.outer)) }).centroid();
-    QVector<double> crossings;
-    addCrossings(shape.contours.at(part.outer), centroid.y(), crossings);
-    for (const int hole : part.holes)
-        addCrossings(shape.contours.at(hole), centroid.y(), crossings);
-    std::sort(crossings.begin(), crossings.end());
-    double widest = 0;
-    double x = centroid.x();
-    for (int i = 0; i + 1 < crossings.size(); i += 2) {
-        const double width = crossings.at(i + 1) - crossings.at(i);
-        // A centroid that is inside stays.
-        if (crossings.at(i) < centroid.x() && centroid.x() < crossings.at(i + 1))
-            return centroid;
-        if (width > widest) {
-            widest = width;
-            x = crossings.at(i) + width / 2;
-        }
-    }
-    return { x, centroid.y() };
-}
-
-} // namespace
 
 PlanPainter::PlanPainter(const QVector<DefPolygon>& objects, const PlanAxes& axes)
     : m_objects(objects)
@@ -80,7 +21,8 @@ void PlanPainter::paint(PlanCanvas& canvas, const QSizeF& size, const QString& t
     PlanSpace space(size);
     PlanFrame frame(canvas, m_view, space);
     canvas.beginGroup(QStringLiteral("frame"), QStringLiteral("Рамка"), true);
-    frame.drawFrame(title);
+    frame.drawBorder();
+    frame.drawTitle(title);
     if (!m_view.isEmpty())
         frame.drawGrid();
     canvas.endGroup();
@@ -103,8 +45,9 @@ void PlanPainter::paint(PlanCanvas& canvas, const QSizeF& size, const QString& t
 QString PlanPainter::axesText() const
 {
     const auto number = [](double value) { return QString::number(value, 'f', 2); };
-    const QLatin1String right(m_axes.swapped ? "Y" : "X");
-    const QLatin1String up(m_axes.swapped ? "X" : "Y");
+    const bool isXUp = m_axes.isXUp || m_axes.swapped;
+    const QLatin1String right(isXUp ? "Y" : "X");
+    const QLatin1String up(isXUp ? "X" : "Y");
     return QStringLiteral("%1вправо %2: от %3 до %4; вверх %5: от %6 до %7")
         .arg(m_axes.isNorthUp ? QStringLiteral("север вверху; ") : QString(), right,
             number(m_view.left()), number(m_view.right()), up, number(m_view.bottom()),
@@ -144,22 +87,8 @@ void PlanPainter::drawObject(PlanCanvas& canvas, int index)
     }
     canvas.drawContours(lines, areas, isRed ? planRed : planLine, isRed ? planRedArea : planArea);
     if (!lines.isEmpty())
-        addObjectLabels(object, areas.isEmpty() ? lines : areas, !areas.isEmpty(), isRed);
-}
-
-void PlanPainter::addObjectLabels(
-    const DefPolygon& object, const QVector<QPolygonF>& contours, bool isArea, bool isRed)
-{
-    const QString text = planText(object.def);
-    // Shapes are taken in the picture: the products of large coordinates would drown them.
-    const ObjectShape shape(asObject(contours), isArea, false);
-    if (shape.parts.isEmpty()) {
-        const QPolygonF& line = contours.first();
-        m_labels.append({ line.at(line.size() / 2), text, isRed, true });
-        return;
-    }
-    for (int i = 0; i < shape.parts.size() && i < mostNamedParts; ++i)
-        m_labels.append({ placeInside(shape, shape.parts.at(i)), text, isRed, true });
+        addObjectLabels(
+            m_labels, object.def, areas.isEmpty() ? lines : areas, !areas.isEmpty(), isRed);
 }
 
 void PlanPainter::drawPoints(PlanCanvas& canvas)

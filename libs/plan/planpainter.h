@@ -12,6 +12,7 @@ class PlanCanvas;
 struct PlanAxes {
     bool swapped = false; ///< the first coordinate runs upwards and the second one to the right
     bool isNorthUp = false; ///< the north is above, as far as the coordinates tell
+    bool isXUp = false; ///< X names what runs upwards, whichever coordinate of the objects it is
 };
 
 /// Draws objects with their designations and the names of their points. Objects whose designation
@@ -34,8 +35,6 @@ private:
     void drawObject(PlanCanvas& canvas, int index);
     void drawPoints(PlanCanvas& canvas);
     void drawPointsOf(PlanCanvas& canvas, int index);
-    void addObjectLabels(
-        const DefPolygon& object, const QVector<QPolygonF>& contours, bool isArea, bool isRed);
 
     const QVector<DefPolygon>& m_objects;
     const PlanAxes m_axes;

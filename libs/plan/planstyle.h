@@ -9,6 +9,16 @@ inline const QColor planRed(208, 0, 0);
 inline const QColor planRedArea(208, 0, 0, 44);
 inline const QColor planGrey(120, 120, 120);
 
+/// The colours of a plan; those of paper unless others are given.
+struct PlanColors {
+    QColor line = planLine;
+    QColor area = planArea;
+    QColor red = planRed;
+    QColor redArea = planRedArea;
+    QColor grey = planGrey;
+    QColor text = Qt::black;
+};
+
 /// The font of names: bold for objects.
 inline QFont planFont(bool bold)
 {

@@ -17,6 +17,10 @@ public:
 
     /// Scales the view so that all places are well inside the frame.
     void fit(const QRectF& frame);
+    /// Shows the place of a pair of numbers in the middle of the frame, at a scale.
+    void show(const QRectF& frame, const QPointF& center, double scale);
+    /// The place in the middle of the frame: to the right and upwards.
+    const QPointF& center() const { return m_center; }
     const QRectF& frame() const { return m_frame; }
     QPointF toPicture(const DefPoint& point) const
     {
@@ -24,6 +28,8 @@ public:
     }
     /// The place of a pair of numbers: to the right and upwards.
     QPointF at(double right, double up) const;
+    /// The pair of numbers at a place of the picture.
+    QPointF fromPicture(const QPointF& place) const;
 
     double scale() const { return m_scale; } ///< picture units for a coordinate unit
     double left() const { return m_left; }
@@ -46,6 +52,7 @@ private:
     double m_bottom = 0;
     double m_top = 0;
     QRectF m_frame;
+    QPointF m_center;
     double m_scale = 1;
 };
 

@@ -198,6 +198,11 @@ QString causeText(const FoundCause& found)
     return text.replace(QLatin1String("%1"), found.detail);
 }
 
+bool isMendedByCopy(Cause cause)
+{
+    return QLatin1String(textsOf(cause).remedy).contains(QLatin1String("%p"));
+}
+
 QString remedyText(const FoundCause& found)
 {
     const QString file = found.source.isEmpty() ? QStringLiteral("ФАЙЛ.mif") : found.source;

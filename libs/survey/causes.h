@@ -66,5 +66,7 @@ std::optional<Cause> causeOfId(const QString& id);
 QString causeId(Cause cause);
 /// What is the matter, in one sentence.
 QString causeText(const FoundCause& found);
+/// Whether a prepared copy of the file is a remedy.
+bool isMendedByCopy(Cause cause);
 /// What to do about it, in one sentence; a command line stands behind a colon, to be copied.
 QString remedyText(const FoundCause& found);

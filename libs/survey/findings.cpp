@@ -1,10 +1,9 @@
 #include "survey/findings.h"
 
 #include "geometry/conflicts.h"
-#include "geometry/designation.h"
+#include "geometry/defnames.h"
 
 #include <QHash>
-#include <QRandomGenerator>
 
 #include <algorithm>
 #include <utility>
@@ -39,16 +38,18 @@ void addConflictsOf(
         QVector<QPointF> places;
     };
     QVector<Conflict> conflicts;
-    QHash<DefKey, int> indices;
+    DefNames names;
+    QHash<DefName, int> indices;
     int vertexIndex = 0;
     for (const QVector<DefPoint>& contour : polygon.contours) {
         for (const DefPoint& vertex : contour) {
             if (!conflicting.testBit(vertexIndex++))
                 continue;
-            const auto known = indices.constFind(DefKey{ vertex.def });
+            const DefName name = names.nameOf(vertex.def);
+            const auto known = indices.constFind(name);
             const int index = known == indices.cend() ? conflicts.size() : *known;
             if (known == indices.cend()) {
-                indices.insert(DefKey{ vertex.def }, index);
+                indices.insert(name, index);
                 conflicts.append({ vertex.def, {} });
             }
             conflicts[index].places.append(QPointF(vertex.x, vertex.y));
@@ -103,13 +104,12 @@ struct Bearer {
 /// Objects with a designation, those with the same one behind each other.
 std::vector<Bearer> sortedBearers(const QVector<DefPolygon>& objects)
 {
-    // A seed of its own: nobody can write a file whose designations collide.
-    static const uint seed = QRandomGenerator::system()->generate();
+    DefNames names;
     std::vector<Bearer> bearers;
     bearers.reserve(static_cast<size_t>(objects.size()));
     for (int i = 0; i < objects.size(); ++i) {
         if (!objects.at(i).def.isEmpty())
-            bearers.push_back({ qHash(DefKey{ objects.at(i).def }, seed), i });
+            bearers.push_back({ names.nameOf(objects.at(i).def).hash, i });
     }
     std::sort(bearers.begin(), bearers.end(), [](const Bearer& a, const Bearer& b) {
         return a.hash < b.hash || (a.hash == b.hash && a.object < b.object);

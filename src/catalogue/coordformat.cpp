@@ -45,8 +45,8 @@ double s_coordPrecision = 0.01;
 int writeFixed(FixedDigits& digits, double value, int decimals)
 {
     const auto places = static_cast<size_t>(decimals);
-    const bool isPlain = places < powersOfTen.size() && value != 0
-        && std::abs(value) * powersOfTen[places] < halvesLimit;
+    const bool isPlain =
+        places < powersOfTen.size() && std::abs(value) * powersOfTen[places] < halvesLimit;
     if (!isPlain)
         return 0;
 

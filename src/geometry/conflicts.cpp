@@ -1,8 +1,6 @@
 #include "geometry/conflicts.h"
 
-#include "geometry/designation.h"
-
-#include <QHash>
+#include "geometry/defnames.h"
 
 #include <algorithm>
 #include <cmath>
@@ -51,6 +49,60 @@ int vertexCount(const DefPolygon& polygon)
     return count;
 }
 
+/// A vertex with a designation.
+struct Bearer {
+    DefName name;
+    int vertex; ///< its place among those of all contours
+    const DefPoint* point;
+};
+
+std::vector<Bearer> bearersOf(const DefPolygon& polygon)
+{
+    DefNames names;
+    std::vector<Bearer> bearers;
+    bearers.reserve(static_cast<size_t>(vertexCount(polygon)));
+    int vertex = 0;
+    for (const QVector<DefPoint>& contour : polygon.contours) {
+        for (const DefPoint& point : contour) {
+            if (!point.def.isEmpty())
+                bearers.push_back({ names.nameOf(point.def), vertex, &point });
+            ++vertex;
+        }
+    }
+    return bearers;
+}
+
+/// An object with a designation.
+struct ObjectName {
+    DefName name;
+    int object; ///< its index
+};
+
+std::vector<ObjectName> objectNames(const QVector<DefPolygon>& objects)
+{
+    DefNames names;
+    std::vector<ObjectName> bearers;
+    bearers.reserve(static_cast<size_t>(objects.size()));
+    for (int i = 0; i < objects.size(); ++i) {
+        const QString& def = objects.at(i).def;
+        if (!def.isEmpty())
+            bearers.push_back({ names.nameOf(def), i });
+    }
+    return bearers;
+}
+
+using BearerIterator = std::vector<Bearer>::iterator;
+
+/// Marks what conflicts among the vertices of one designation.
+void markConflicts(QBitArray& marks, BearerIterator begin, BearerIterator end)
+{
+    Spread spread;
+    std::for_each(begin, end, [&](const Bearer& bearer) { spread.add(*bearer.point); });
+    std::for_each(begin, end, [&](const Bearer& bearer) {
+        marks.setBit(bearer.vertex, spread.conflictsWith(*bearer.point));
+    });
+}
+
 /// Marks the objects with this designation, if there are several, and only then.
 void markBearers(QBitArray& marks, const QVector<DefPolygon>& objects, const QString& def)
 {
@@ -73,20 +125,12 @@ void markBearers(QBitArray& marks, const QVector<DefPolygon>& objects, const QSt
 QBitArray duplicateDefs(const QVector<DefPolygon>& objects)
 {
     QBitArray result(objects.size());
-    QHash<DefKey, int> firstBearer;
-    firstBearer.reserve(objects.size());
-    for (int i = 0; i < objects.size(); ++i) {
-        const DefKey key{ objects.at(i).def };
-        if (key.def.isEmpty())
-            continue;
-        const auto first = firstBearer.constFind(key);
-        if (first == firstBearer.constEnd()) {
-            firstBearer.insert(key, i);
-            continue;
-        }
-        result.setBit(*first);
-        result.setBit(i);
-    }
+    std::vector<ObjectName> bearers = objectNames(objects);
+    forEachName(bearers, [&](auto begin, auto end) {
+        const bool isShared = end - begin > 1;
+        std::for_each(
+            begin, end, [&](const ObjectName& bearer) { result.setBit(bearer.object, isShared); });
+    });
     return result;
 }
 
@@ -103,34 +147,8 @@ void updateDuplicateDefs(
 
 QBitArray conflictingPoints(const DefPolygon& polygon)
 {
-    const int count = vertexCount(polygon);
-    std::vector<Spread> spreads;
-    std::vector<size_t> spreadOfVertex;
-    spreadOfVertex.reserve(static_cast<size_t>(count));
-    QHash<DefKey, size_t> spreadOfDef;
-    spreadOfDef.reserve(count);
-
-    for (const QVector<DefPoint>& contour : polygon.contours) {
-        for (const DefPoint& point : contour) {
-            const auto known = spreadOfDef.constFind(DefKey{ point.def });
-            const size_t spread = known != spreadOfDef.constEnd() ? *known : spreads.size();
-            if (spread == spreads.size()) {
-                spreads.emplace_back();
-                spreadOfDef.insert(DefKey{ point.def }, spread);
-            }
-            spreads[spread].add(point);
-            spreadOfVertex.push_back(spread);
-        }
-    }
-
-    QBitArray result(count);
-    int vertex = 0;
-    for (const QVector<DefPoint>& contour : polygon.contours) {
-        for (const DefPoint& point : contour) {
-            const Spread& spread = spreads[spreadOfVertex[static_cast<size_t>(vertex)]];
-            result.setBit(vertex, !point.def.isEmpty() && spread.conflictsWith(point));
-            ++vertex;
-        }
-    }
+    QBitArray result(vertexCount(polygon));
+    std::vector<Bearer> bearers = bearersOf(polygon);
+    forEachName(bearers, [&](auto begin, auto end) { markConflicts(result, begin, end); });
     return result;
 }

@@ -17,5 +17,5 @@ void updateDuplicateDefs(
 /// Marks the vertices of `polygon` whose designation, ignoring case, another vertex of the object
 /// bears at a place more than DefPoint::epsilon away in x or in y (a distance that is not a number
 /// counts as more). One bit a vertex, counted through all contours in order. Empty designations
-/// are never marked. The cost is linear in the number of vertices.
+/// are never marked. The cost is that of sorting the vertices.
 QBitArray conflictingPoints(const DefPolygon& polygon);

@@ -1,5 +1,9 @@
 #include "geometry/designation.h"
 
+#include "geometry/defnames.h"
+
+#include <QHash>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -14,17 +18,84 @@ bool isDigit(QChar c)
     return c >= QLatin1Char('0') && c <= QLatin1Char('9');
 }
 
+/// What a designation is split into.
+struct SplitDef {
+    QString prefix;
+    int number = -1;
+};
+
 /// What an object is sorted by, and where it stood.
 struct SortKey {
-    QString prefix;
+    int prefix = 0; ///< the rank of the prefix in their order
     int number = -1;
     int index = 0;
 };
 
 bool operator<(const SortKey& a, const SortKey& b)
 {
-    const int order = QString::compare(a.prefix, b.prefix, Qt::CaseInsensitive);
-    return order != 0 ? order < 0 : a.number < b.number;
+    return a.prefix != b.prefix ? a.prefix < b.prefix : a.number < b.number;
+}
+
+std::vector<SplitDef> splitDefs(const QVector<DefPolygon>& objects)
+{
+    // One long text may be the designation of thousands: what it is split into is shared, too.
+    constexpr int longText = 64;
+    QHash<const QChar*, size_t> first;
+    std::vector<SplitDef> split(static_cast<size_t>(objects.size()));
+    for (size_t i = 0; i < split.size(); ++i) {
+        const QString& def = objects.at(static_cast<int>(i)).def;
+        const auto known =
+            def.size() < longText ? first.constEnd() : first.constFind(def.constData());
+        if (known != first.constEnd()) {
+            split[i] = split[*known];
+            continue;
+        }
+        splitDef(def, split[i].prefix, split[i].number);
+        if (def.size() >= longText)
+            first.insert(def.constData(), i);
+    }
+    return split;
+}
+
+/// An object by the prefix of its designation.
+struct PrefixBearer {
+    DefName name;
+    size_t object; ///< its index
+};
+
+/// The objects that share a prefix.
+struct PrefixGroup {
+    const QString* prefix;
+    std::vector<PrefixBearer>::const_iterator begin;
+    std::vector<PrefixBearer>::const_iterator end;
+};
+
+/// The keys of all objects. Thousands of them share a prefix as a rule: each prefix is compared
+/// with the others once, not whenever two objects are.
+std::vector<SortKey> sortKeys(const QVector<DefPolygon>& objects)
+{
+    const std::vector<SplitDef> split = splitDefs(objects);
+    DefNames names;
+    std::vector<PrefixBearer> bearers;
+    bearers.reserve(split.size());
+    for (const SplitDef& def : split)
+        bearers.push_back({ names.nameOf(def.prefix), bearers.size() });
+    std::vector<PrefixGroup> groups;
+    forEachName(bearers, [&](auto begin, auto end) {
+        groups.push_back({ begin->name.text, begin, end });
+    });
+    std::sort(groups.begin(), groups.end(), [](const PrefixGroup& a, const PrefixGroup& b) {
+        return QString::compare(*a.prefix, *b.prefix, Qt::CaseInsensitive) < 0;
+    });
+
+    std::vector<SortKey> keys(split.size());
+    int rank = 0;
+    for (const PrefixGroup& group : groups) {
+        for (auto it = group.begin; it != group.end; ++it)
+            keys[it->object] = { rank, split[it->object].number, static_cast<int>(it->object) };
+        ++rank;
+    }
+    return keys;
 }
 
 } // namespace
@@ -62,12 +133,7 @@ QString numberedDef(const QString& prefix, int number)
 
 void sortObjects(QVector<DefPolygon>& objects)
 {
-    std::vector<SortKey> keys(static_cast<size_t>(objects.size()));
-    int index = 0;
-    for (SortKey& key : keys) {
-        splitDef(objects.at(index).def, key.prefix, key.number);
-        key.index = index++;
-    }
+    std::vector<SortKey> keys = sortKeys(objects);
     std::sort(keys.begin(), keys.end());
 
     QVector<DefPolygon> sorted;

@@ -23,7 +23,8 @@ public:
     virtual void passStarted(ImportPass pass, const QString& fileName);
     /// A point or a label was read.
     virtual void entityRead(QLatin1String kind);
-    /// The next object of the collection was built. `closed`: the file says that it encloses an
+    /// The next object of the collection was built; the collection may be emptied now, what follows
+    /// does not look back. `closed`: the file says that it encloses an
     /// area. Not `complete`: its reading failed, what was read of it
     /// stays; the failure itself is told before or after.
     virtual void objectBuilt(QLatin1String kind, bool closed, bool complete);

@@ -56,33 +56,6 @@ const char16_t* findLineFeed(const char16_t* begin, const char16_t* end)
     return std::find(begin, end, u'\n');
 }
 
-/// Finds the characters of all bytes in an encoding in which a text is one character a byte, and
-/// ASCII where the byte is. False for other encodings.
-bool readByteTable(const QTextCodec& codec, std::array<QChar, 256>& table)
-{
-    // Each byte before others that may follow in longer characters, and before itself.
-    constexpr char following[] = "A\x80\x88\x90\x98\xA0\xA1\xA8\xB0\xB8\xBF\xC0\xD0\xE0\xF0\xFE";
-    QByteArray bytes;
-    for (int i = 0; i < 256; ++i) {
-        const char c = static_cast<char>(i);
-        for (const char next : following)
-            bytes.append(c).append(next == '\0' ? c : next).append('\n');
-    }
-    QTextCodec::ConverterState state;
-    const QString text = codec.toUnicode(bytes.constData(), bytes.size(), &state);
-    if (text.size() != bytes.size() || state.remainingChars != 0)
-        return false;
-    for (int i = 0; i < bytes.size(); i += bytes.size() / 256)
-        table[static_cast<unsigned char>(bytes.at(i))] = text.at(i);
-    for (int i = 0; i < bytes.size(); ++i) {
-        const QChar character = table[static_cast<unsigned char>(bytes.at(i))];
-        if (text.at(i) != character
-            || (!isHigh(bytes.at(i)) && character != QLatin1Char(bytes.at(i))))
-            return false;
-    }
-    return true;
-}
-
 TextView withoutCarriageReturn(TextView line)
 {
     const bool ends = !line.isEmpty() && line.ascii()[line.size() - 1] == '\r';
@@ -146,7 +119,6 @@ void LineReader::seek(qint64 position, int linesBefore)
     const int linesOfEarlierRuns = m_linesBefore;
     m_file.seek(position - inBlock);
     start();
-    m_isAtStart = position == inBlock;
     m_blockEnd = position - inBlock;
     m_lineStart = position;
     m_linesBefore = linesOfEarlierRuns;
@@ -275,7 +247,7 @@ void LineReader::appendByTable(TextView piece, QString& characters) const
     QChar* out = characters.data() + size;
     for (const char byte : std::string_view(piece.ascii(), static_cast<size_t>(piece.size()))) {
         if (byte != '\r')
-            *out++ = m_byteTable[static_cast<unsigned char>(byte)];
+            *out++ = m_byteTable.at(byte);
     }
     characters.resize(static_cast<int>(out - characters.constData()));
 }
@@ -356,7 +328,7 @@ void LineReader::chooseCodec(const QByteArray& firstBlock)
         m_codec = QTextCodec::codecForUtfText(firstBlock, m_codec);
         // Each single byte of UTF-8 gives a character, too: that of an error.
         const bool isUtf8 = m_codec->mibEnum() == utf8Mib;
-        m_isSingleByte = !isUtf8 && readByteTable(*m_codec, m_byteTable);
+        m_isSingleByte = !isUtf8 && m_byteTable.read(*m_codec);
         m_findsInBytes = isUtf8 || m_isSingleByte;
         m_codecIsChosen = true;
     }

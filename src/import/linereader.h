@@ -1,5 +1,6 @@
 #pragma once
 
+#include "import/bytetable.h"
 #include "import/textview.h"
 
 #include <QByteArray>
@@ -120,7 +121,7 @@ private:
     bool m_codecIsChosen = false;
     bool m_findsInBytes = false;
     bool m_isSingleByte = false;
-    std::array<QChar, 256> m_byteTable; ///< the characters of the bytes, if m_isSingleByte
+    ByteTable m_byteTable; ///< of the codec, if m_isSingleByte
     bool m_isAtStart = true; ///< the next block is the first one of the file
     bool m_fileHasEnded = false;
     int m_lineNum = 0;

@@ -117,8 +117,7 @@ void MapImport::nameVertices()
 {
     if (m_unnamed == 0)
         return;
-    QVector<DefPoint>& contour = map->last().contours.last();
-    DefPoint* const end = contour.data() + contour.size();
+    DefPoint* const end = map->last().contours.last().end();
     DefPoint* const begin = end - m_unnamed;
     const auto placeOf = [this](const DefPoint& vertex) {
         const QPointF place(vertex.x, vertex.y);

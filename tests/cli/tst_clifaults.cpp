@@ -128,6 +128,65 @@ private slots:
         }
     }
 
+    // Permissions
+
+    void permissionDenied_data()
+    {
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<QStringList>("errors");
+        const auto row = [](const char* script, const QStringList& errors) {
+            QTest::newRow(script) << QString::fromLatin1(script) << errors;
+        };
+        // Each pass opens the file.
+        row("chmod 0 parcels.mif; $CLI convert -q parcels.mif -o a.xml",
+            words({ "parcels.mif: Ошибка открытия файла parcels.mif",
+                "parcels.mif: Ошибка открытия файла parcels.mif" }));
+        row("chmod 0 parcels.mif; $CLI check parcels.mif",
+            words({ "parcels.mif: Ошибка открытия файла parcels.mif" }));
+        row("chmod 0 parcels.mif; $CLI plan -q parcels.mif -o a.svg",
+            words({ "parcels.mif: Ошибка открытия файла parcels.mif",
+                "parcels.mif: Ошибка открытия файла parcels.mif" }));
+        row("chmod 0 parcels.mid; $CLI convert -q parcels.mif -o a.xml",
+            words({ "parcels.mif: Ошибка открытия MID файла parcels.mid" }));
+        row("chmod 0 points.mif; $CLI convert -q parcels.mif --points points.mif -o a.xml",
+            words({ "parcels.mif: Ошибка открытия файла points.mif" }));
+        row("mkdir no; chmod 555 no; $CLI convert -q parcels.mif -o no/a.xml",
+            words({ "importgeometry: no/a.xml: не удаётся создать файл: нет прав на запись" }));
+        row("mkdir no; chmod 555 no; $CLI plan -q parcels.mif -o no/a.svg",
+            words({ "importgeometry: no/a.svg: не удаётся создать файл: нет прав на запись" }));
+        row("mkdir no; chmod 0 no; $CLI convert -q parcels.mif drawing.dxf --out-dir no",
+            words({ "importgeometry: no/parcels.xml: не удаётся создать файл: нет прав на запись",
+                "parcels.mif: с ошибками",
+                "importgeometry: no/drawing.xml: не удаётся создать файл: нет прав на запись",
+                "drawing.dxf: с ошибками" }));
+        row("echo before >a.xml; chmod 444 a.xml; $CLI convert -q parcels.mif -o a.xml",
+            words({ "importgeometry: a.xml: не удаётся создать файл: нет прав на запись" }));
+    }
+
+    void permissionDenied()
+    {
+        QFETCH(QString, script);
+        QFETCH(QStringList, errors);
+        const Folder folder;
+        // The super-user is above permissions as long as he has these capabilities.
+        const QString without =
+            QStringLiteral("[ $(id -u) -ne 0 ] || P='setpriv --bounding-set "
+                           "-dac_override,-dac_read_search'; CLI=\"$P $CLI\"; ");
+        const CommandRun denied = folder.shell(
+            without + QStringLiteral("echo x >x; chmod 0 x; $P true || exit 9; $P cat x"));
+        if (denied.status == 9 || denied.out == "x\n")
+            QSKIP("Permissions cannot be made to hold here");
+
+        const CommandRun run = folder.shell(without + script);
+        folder.shell(QStringLiteral("[ ! -e no ] || chmod 755 no"));
+        QCOMPARE(run.errorLines(), errors);
+        QCOMPARE(run.status, 1);
+        const QString result = QStringLiteral("a.xml");
+        if (QFile::exists(folder.path(result)))
+            QCOMPARE(contentOf(folder.path(result)), QByteArray("before\n"));
+        QVERIFY(folder.names("a.svg").isEmpty());
+    }
+
     // Pipes
 
     void interruptWhileAPipeOpens_data()
@@ -282,6 +341,21 @@ private slots:
         QCOMPARE(QString::fromUtf8(run.out),
             QStringLiteral("p\\xD3\\xF7.mif: замечаний нет\n"
                            "        \"file\": \"p\\udcd3\\udcf7.mif\",\n"));
+    }
+
+    void fileOfManyGigabytes()
+    {
+        // Nothing of it takes room on the disk, nor is more than its start read.
+        const Folder folder;
+        const CommandRun run = folder.shell(
+            QStringLiteral("printf 'AutoCAD Binary DXF\\r\\n\\n\\n' >a.dxf; "
+                           "truncate -s 2200M a.dxf || exit 9; $CLI check a.dxf; rm a.dxf"));
+        if (run.status == 9)
+            QSKIP("No such file can be made here");
+        QVERIFY2(run.out.contains(QStringLiteral("a.dxf: причина: Это не текстовый файл, а "
+                                                 "двоичный DXF.\n")
+                                      .toUtf8()),
+            run.out);
     }
 
     void controlCharacters()

@@ -1,10 +1,12 @@
 #include "dialog.h"
 #include "support/dialogdriver.h"
+#include "support/permissions.h"
 #include "support/stricttest.h"
 
 #include <QCheckBox>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QPointF>
 #include <QSettings>
@@ -79,6 +81,8 @@ private slots:
     void garbage();
     void fullDisk();
     void folderInPlaceOfTheStore();
+    void storeThatMayNotBeWritten();
+    void storeThatMayNotBeRead();
 
 private:
     /// The path of the store, in folders that exist.
@@ -208,6 +212,46 @@ void TestSettingsFaults::folderInPlaceOfTheStore()
         QCOMPARE(offers(dialog), firstOffers);
     }
     QVERIFY(QDir(storePath()).isEmpty());
+}
+
+void TestSettingsFaults::storeThatMayNotBeWritten()
+{
+    const QByteArray before("[ImportObjects]\npointPref=x\n");
+    writeFile(storePath(), before);
+    const QString folder = QFileInfo(storePath()).path();
+    QVERIFY(QFile::setPermissions(storePath(), QFile::ReadOwner));
+    QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+    {
+        const PermissionsHold permissions;
+        if (!permissions.isSet())
+            QSKIP("Permissions cannot be made to hold here");
+        Dialog dialog;
+        QCOMPARE(widget<QLineEdit>(dialog, "pointPrefEdit").text(), QStringLiteral("x"));
+        widget<QLineEdit>(dialog, "pointPrefEdit").setText(QStringLiteral("y"));
+    }
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    QFile file(storePath());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), before);
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden).size(), 1);
+}
+
+void TestSettingsFaults::storeThatMayNotBeRead()
+{
+    const QByteArray before("[ImportObjects]\npointPref=x\n");
+    writeFile(storePath(), before);
+    QVERIFY(QFile::setPermissions(storePath(), QFile::Permissions()));
+    {
+        const PermissionsHold permissions;
+        if (!permissions.isSet())
+            QSKIP("Permissions cannot be made to hold here");
+        const Dialog dialog;
+        QCOMPARE(offers(dialog), firstOffers);
+    }
+    QFile::setPermissions(storePath(), QFile::ReadOwner | QFile::WriteOwner);
+    QFile file(storePath());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), before);
 }
 
 QTEST_MAIN(TestSettingsFaults)

@@ -119,6 +119,10 @@ private slots:
     void readerMessages_data();
     void readerMessages();
     void documentedMessages();
+    void guideNamesMessages_data() { readerMessages_data(); }
+    void guideNamesMessages();
+    void guideNamesCauses_data();
+    void guideNamesCauses();
 };
 
 void TestDocs::links()
@@ -228,6 +232,31 @@ void TestDocs::documentedMessages()
     }
     // Ten texts of the MIF reader, two of the DXF reader, and the driver's own one.
     QCOMPARE(count, 13);
+}
+
+void TestDocs::guideNamesMessages()
+{
+    QFETCH(QString, message);
+    const QString row = QStringLiteral("\n| ") + message + QStringLiteral(" |");
+    QVERIFY(contents(QStringLiteral("docs/guide.ru.md")).contains(row));
+}
+
+void TestDocs::guideNamesCauses_data()
+{
+    QTest::addColumn<QString>("cause");
+    static const QRegularExpression row(QStringLiteral("\\{ Cause::\\w+,\\s*\"([a-z-]+)\""));
+    auto matches = row.globalMatch(contents(QStringLiteral("libs/survey/causes.cpp")));
+    while (matches.hasNext()) {
+        const QString cause = matches.next().captured(1);
+        QTest::newRow(qUtf8Printable(cause)) << cause;
+    }
+}
+
+void TestDocs::guideNamesCauses()
+{
+    QFETCH(QString, cause);
+    const QString row = QStringLiteral("\n| `%1` | ").arg(cause);
+    QCOMPARE(contents(QStringLiteral("docs/guide.ru.md")).count(row), 1);
 }
 
 QTEST_APPLESS_MAIN(TestDocs)

@@ -4,6 +4,33 @@
 
 #include <QtTest>
 
+namespace {
+
+/// Puts another drawing in the place of the file when the objects are about to be read.
+class Exchange : public ImportObserver {
+public:
+    Exchange(const TempFiles& folder, QString name, QByteArray text)
+        : m_folder(folder)
+        , m_name(std::move(name))
+        , m_text(std::move(text))
+    {
+    }
+
+    void passStarted(ImportPass pass, const QString& fileName) override
+    {
+        Q_UNUSED(fileName)
+        if (pass == ImportPass::Objects)
+            m_folder.write(m_name, m_text);
+    }
+
+private:
+    const TempFiles& m_folder;
+    QString m_name;
+    QByteArray m_text;
+};
+
+} // namespace
+
 /// Long parts of a drawing that the second pass leaves out: nothing else may change by that.
 class TestDxfStretches : public QObject {
     Q_OBJECT
@@ -14,6 +41,7 @@ private slots:
     void markBehindOne();
     void drawings_data();
     void drawings();
+    void fileThatChanges();
 };
 
 using Place = DxfStretches::Place;
@@ -121,6 +149,29 @@ void TestDxfStretches::drawings()
         QCOMPARE(outcomeOf<DxfImport>(options, folder, QStringLiteral("a.dxf")),
             outcomeOf<literal::DxfImport>(options, folder, QStringLiteral("a.dxf")));
     }
+}
+
+/// Where the file is another one in the second pass, nothing of it is left out.
+void TestDxfStretches::fileThatChanges()
+{
+    const QByteArray start = "0\nSECTION\n2\nHEADER\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n";
+    const QByteArray arcs = QByteArray("0\nARC\n8\nroads\n").repeated(6000);
+    const QByteArray line = "0\nLINE\n10\n0\n20\n0\n11\n5\n21\n0\n";
+    const QByteArray end = "0\nENDSEC\n0\nEOF\n";
+    const QString name = QStringLiteral("a.dxf");
+    const TempFiles folder;
+    folder.write(name, start + arcs + end);
+
+    DxfImport importer;
+    ImportOptions options = prefixed();
+    options.searchPointDefs = true;
+    prepare(importer, options, folder, name);
+    QVector<DefPolygon> objects;
+    importer.map = &objects;
+    Exchange exchange(folder, name, start + arcs.left(arcs.size() / 2) + line + end);
+    importer.observer = &exchange;
+    QVERIFY(importer.importMap());
+    QCOMPARE(objects.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestDxfStretches)

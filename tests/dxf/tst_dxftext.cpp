@@ -12,6 +12,7 @@ private slots:
     void decodedText();
     void decodedByte_data();
     void decodedByte();
+    void halfACharacter();
 };
 
 void TestDxfText::decodedText_data()
@@ -102,6 +103,16 @@ void TestDxfText::decodedByte()
     QFETCH(QString, text);
     QFETCH(QString, decoded);
     QCOMPARE(decodeText(text, QTextCodec::codecForName(codecName)), decoded);
+}
+
+/// Numbers are looked for in whole texts only: not where a surrogate stands alone.
+void TestDxfText::halfACharacter()
+{
+    const QString lone = QString(QChar(0xD800));
+    QTextCodec* const codec = QTextCodec::codecForName("Windows-1251");
+    QCOMPARE(decodeText(lone + QStringLiteral("%%d%%065"), codec), lone + QStringLiteral("°%%065"));
+    QCOMPARE(decodeText(lone + QChar(0xDC00) + QStringLiteral("%%d%%065"), codec),
+        lone + QChar(0xDC00) + QStringLiteral("°A"));
 }
 
 QTEST_GUILESS_MAIN(TestDxfText)

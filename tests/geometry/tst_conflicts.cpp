@@ -22,6 +22,7 @@ private slots:
     void conflicts();
     void conflictsLikeTheScan();
     void manyOfEither();
+    void longOnes();
 };
 
 namespace {
@@ -213,6 +214,27 @@ void TestConflicts::manyOfEither()
     const QBitArray conflicting = conflictingPoints(object);
     QCOMPARE(conflicting.count(true), 2);
     QVERIFY(conflicting.testBit(count - 1) && conflicting.testBit(count - 2));
+}
+
+/// One text of a drawing may name all that is in it: it must not be gone through each time.
+void TestConflicts::longOnes()
+{
+    constexpr int count = 20000;
+    const QString text(500000, QLatin1Char('a'));
+    const QString sameText = text.toUpper();
+    const QString otherText = text + QLatin1Char('b');
+    QVector<DefPolygon> objects;
+    DefPolygon polygon;
+    polygon.contours.append(QVector<DefPoint>());
+    for (int i = 0; i < count; ++i) {
+        const QString& def = i == 7 ? otherText : i % 2 == 0 ? text : sameText;
+        polygon.contours.first().append(DefPoint{ def, 1.0 * i, 0 });
+        objects.append(DefPolygon{ def, {} });
+    }
+    QBitArray expected(count, true);
+    expected.clearBit(7);
+    QCOMPARE(conflictingPoints(polygon), expected);
+    QCOMPARE(duplicateDefs(objects), expected);
 }
 
 QTEST_APPLESS_MAIN(TestConflicts)

@@ -23,6 +23,7 @@ private slots:
     void sortMovesWholeObjects();
     void sortsLikeTheComparator_data();
     void sortsLikeTheComparator();
+    void sortsLongOnes();
     void sameDefIgnoresCase_data();
     void sameDefIgnoresCase();
 };
@@ -259,6 +260,22 @@ void TestDesignation::sameDefIgnoresCase()
     QCOMPARE(sameDef(b, a), same);
     if (same)
         QCOMPARE(qHash(DefKey{ a }), qHash(DefKey{ b }));
+}
+
+/// Thousands of objects that share one long text share what is sorted by, too.
+void TestDesignation::sortsLongOnes()
+{
+    constexpr int count = 20000;
+    const QString texts[] = { QString(500000, QLatin1Char('b')) + QLatin1Char('7'),
+        QString(500000, QLatin1Char('a')) + QLatin1Char('9'), QStringLiteral("b") };
+    QVector<DefPolygon> objects;
+    for (int i = 0; i < count; ++i)
+        objects.append(DefPolygon{ texts[i % 3], {} });
+    sortObjects(objects);
+    QCOMPARE(objects.size(), count);
+    // Of 20,000 every third from the first and the second on is one of 6667.
+    for (int i = 0; i < count; ++i)
+        QVERIFY(objects.at(i).def.isSharedWith(texts[i < 6667 ? 1 : i < 13333 ? 2 : 0]));
 }
 
 QTEST_APPLESS_MAIN(TestDesignation)

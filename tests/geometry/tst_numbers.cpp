@@ -129,6 +129,9 @@ void TestNumbers::formats_data()
     QTest::newRow("no decimals") << 1234.5678 << 0 << QStringLiteral("1235");
     QTest::newRow("negative") << -0.5 << 1 << QStringLiteral("-0.5");
     QTest::newRow("zero") << 0.0 << 2 << QStringLiteral("0.00");
+    // Ten times this is beyond where doubles tell halves apart.
+    QTest::newRow("exact half of a large number")
+        << 450359962737051.25 << 1 << QStringLiteral("450359962737051.3");
 }
 
 void TestNumbers::formats()

@@ -4,6 +4,7 @@
 #include "support/failingallocator.h"
 #include "support/importing.h"
 #include "support/miftext.h"
+#include "support/permissions.h"
 #include "support/stricttest.h"
 
 #include <QFile>
@@ -16,7 +17,7 @@ Q_DECLARE_METATYPE(Change)
 
 namespace {
 
-void truncate(const QString& fileName)
+void cutInHalf(const QString& fileName)
 {
     QFile file(fileName);
     QVERIFY(file.resize(file.size() / 2));
@@ -133,6 +134,8 @@ class TestImportFaults : public StrictTest {
 private slots:
     void changedFiles_data();
     void changedFiles();
+    void permissionDenied_data();
+    void permissionDenied();
     void allocations_data();
     void allocations();
 
@@ -163,7 +166,7 @@ void TestImportFaults::changedFiles_data()
     QTest::addColumn<int>("pass");
     QTest::addColumn<bool>("isLater");
     QTest::addColumn<Change>("change");
-    const QList<QPair<const char*, Change>> changes{ { "shrinks", truncate }, { "grows", grow },
+    const QList<QPair<const char*, Change>> changes{ { "shrinks", cutInHalf }, { "grows", grow },
         { "vanishes", removeFile }, { "is emptied", makeEmpty } };
     for (const char* format : { "mif", "dxf" }) {
         for (const auto& [name, change] : changes) {
@@ -213,6 +216,45 @@ void TestImportFaults::changedFiles()
         if (isWhole)
             QCOMPARE(objects.size(), count);
     }
+}
+
+void TestImportFaults::permissionDenied_data()
+{
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QStringList>("messages");
+    const auto row = [](const char* format, const char* file, const QStringList& messages) {
+        QTest::newRow(file) << QString::fromLatin1(format) << QString::fromLatin1(file) << messages;
+    };
+    // One message for each pass that wants the file.
+    const QString mif = QStringLiteral("Ошибка открытия файла a.mif");
+    row("mif", "a.mif", { mif, mif });
+    row("mif", "a.mid", { QStringLiteral("Ошибка открытия MID файла a.mid") });
+    const QString dxf = QStringLiteral("Ошибка открытия файла a.dxf");
+    row("dxf", "a.dxf", { dxf, dxf });
+}
+
+void TestImportFaults::permissionDenied()
+{
+    QFETCH(QString, format);
+    QFETCH(QString, file);
+    QFETCH(QStringList, messages);
+    const ImportOptions options = optionsOf(format, 3);
+    const std::unique_ptr<MapImport> importer = formatOfId(format)->makeImporter();
+    importer->setOptions(options);
+    QVERIFY(QFile::setPermissions(m_files.path(file), QFile::Permissions()));
+    ImportOutcome outcome;
+    {
+        const PermissionsHold permissions;
+        if (!permissions.isSet())
+            QSKIP("Permissions cannot be made to hold here");
+        outcome = run(*importer);
+    }
+    QFile::setPermissions(m_files.path(file), QFile::ReadOwner | QFile::WriteOwner);
+    for (QString& message : outcome.messages)
+        message.remove(m_files.path(QString()) + QLatin1Char('/'));
+    QCOMPARE(outcome.messages, messages);
+    QVERIFY(outcome.objects.isEmpty());
 }
 
 void TestImportFaults::allocations_data()

@@ -18,7 +18,7 @@ from faults import FAULTS
 
 ROOT = Path(__file__).resolve().parents[2]
 LOCALE_SUFFIX = {"C": ".C", "ru_RU": ".ru_RU.UTF-8"}
-TEST_SECONDS = 120
+TEST_SECONDS = 600
 FAILED_ROW = re.compile(r"^\d+: (FAIL!|QFATAL)")
 
 

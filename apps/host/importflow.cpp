@@ -1,0 +1,126 @@
+#include "importflow.h"
+
+#include "background.h"
+#include "document.h"
+#include "preparecopy.h"
+#include "survey/filesurvey.h"
+
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QTextCodec>
+#include <QWidget>
+
+#include <memory>
+
+namespace {
+
+QString shortName(const QString& fileName)
+{
+    return QFileInfo(fileName).fileName();
+}
+
+} // namespace
+
+ImportFlow::ImportFlow(Document& document, PluginHost& host, QWidget& window)
+    : m_document(document)
+    , m_host(host)
+    , m_window(window)
+{
+    connect(&host, &PluginHost::message, this,
+        [this](const QString& text) { emit reported(m_running, text); });
+}
+
+void ImportFlow::import(const QString& operation, const QString& fileName)
+{
+    m_running = fileName;
+    const ImportAnswer answer = m_host.run(operation, fileName, m_settings);
+    const bool isTaken = !answer.result.isNull() && takeResult(answer);
+    if (isTaken)
+        emit imported(answer.fileName);
+    // Who cancels without having seen a message has not read anything.
+    if (!answer.fileName.isEmpty() && (isTaken || !answer.messages.isEmpty()))
+        check(operation, answer.options);
+}
+
+bool ImportFlow::takeResult(const ImportAnswer& answer)
+{
+    struct Reading {
+        FormTable table;
+        std::optional<FormError> error;
+    };
+    auto reading = std::make_shared<Reading>();
+    const GeometryInfo columns = m_settings.columns;
+    const QString xml = answer.result;
+    const bool isDone = runWithProgress(&m_window, QStringLiteral("Объекты читаются…"),
+        [reading, columns, xml](
+            const std::atomic_bool&) { reading->error = readForm(xml, columns, reading->table); });
+    if (!isDone)
+        return false;
+    if (reading->error) {
+        emit reported(answer.fileName, reading->error->text);
+        return false;
+    }
+    FormTable table = m_document.table();
+    if (table.objects.isEmpty())
+        table = reading->table;
+    else
+        table.take(reading->table);
+    m_document.replaceTable(table, QStringLiteral("импорт «%1»").arg(shortName(answer.fileName)));
+    m_lastFile = answer.fileName;
+    m_lastStep = m_document.undoStack().index();
+    return true;
+}
+
+void ImportFlow::check(const QString& fileName)
+{
+    const Format* const format = formatOfFile(fileName);
+    if (!format) {
+        emit reported(fileName, QStringLiteral("Вид файла по расширению не определить."));
+        return;
+    }
+    ImportOptions options = ImportOptions::offered();
+    options.objectFileName = fileName;
+    const QByteArray likely =
+        QFileInfo(fileName).isFile() ? likelyEncoding(*format, fileName) : QByteArray();
+    options.encoding = likely.isEmpty() ? QTextCodec::codecForLocale()->name() : likely;
+    check(format->operation, options);
+}
+
+void ImportFlow::check(const QString& operation, const ImportOptions& options)
+{
+    const Format* const format = formatOfOperation(operation);
+    if (!format)
+        return;
+    auto report = std::make_shared<std::optional<Report>>();
+    const GeometryInfo columns = m_settings.columns;
+    const bool isDone = runWithProgress(&m_window,
+        QStringLiteral("Файл «%1» проверяется…").arg(shortName(options.objectFileName)),
+        [report, format, options, columns](const std::atomic_bool&) {
+            *report = makeReport(*format, options, columns, listedFindings);
+        });
+    if (isDone && *report)
+        emit checked(**report);
+    else
+        emit reported(options.objectFileName, QStringLiteral("Файл не проверен до конца."));
+}
+
+void ImportFlow::mend(const QString& fileName, bool visibleOnly)
+{
+    auto copy = std::make_shared<PreparedCopy>();
+    const bool isDone = runWithProgress(&m_window,
+        QStringLiteral("Пишется исправленная копия файла «%1»…").arg(shortName(fileName)),
+        [copy, fileName, visibleOnly](const std::atomic_bool& cancelled) {
+            *copy = prepareCopy(fileName, visibleOnly, cancelled);
+        });
+    if (!isDone)
+        return;
+    if (!copy->error.isEmpty()) {
+        QMessageBox::warning(&m_window, QStringLiteral("Копия не записана"), copy->error);
+        return;
+    }
+    // What came of the file itself makes room for what comes of its copy.
+    if (m_lastFile == fileName && m_document.undoStack().index() == m_lastStep)
+        m_document.undoStack().undo();
+    emit mended(fileName, copy->fileName, copy->changes);
+    import(m_host.operationFor(copy->fileName), copy->fileName);
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QTreeWidget>
+
+/// Keeps what the plug-in reported, with time and file.
+class MessagesPane : public QTreeWidget {
+    Q_OBJECT
+
+public:
+    explicit MessagesPane(QWidget* parent = nullptr);
+
+    void add(const QString& fileName, const QString& text);
+};

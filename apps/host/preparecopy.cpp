@@ -1,0 +1,130 @@
+#include "preparecopy.h"
+
+#include "import/formats.h"
+#include "importrun/importrun.h"
+#include "prepare/preparedxf.h"
+#include "prepare/preparemif.h"
+#include "prepare/reporttext.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <limits>
+
+namespace {
+
+/// What ends a preparation.
+struct Trouble {
+    QString text;
+};
+
+QByteArray readFile(const QString& fileName)
+{
+    const QString trouble = pipeOrDeviceTrouble(fileName);
+    if (!trouble.isEmpty())
+        throw Trouble{ trouble };
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        throw Trouble{ QStringLiteral("файл %1 не открывается: %2")
+                           .arg(QDir::toNativeSeparators(fileName), file.errorString()) };
+    if (file.size() > std::numeric_limits<int>::max() - 64)
+        throw Trouble{ QStringLiteral("файл слишком велик") };
+    return file.readAll();
+}
+
+void open(QSaveFile& file)
+{
+    if (!file.open(QIODevice::WriteOnly))
+        throw Trouble{ QStringLiteral("файл %1 не записывается: %2")
+                           .arg(QDir::toNativeSeparators(file.fileName()), file.errorString()) };
+}
+
+void commit(QSaveFile& file, const std::atomic_bool& cancelled)
+{
+    if (cancelled)
+        throw Trouble{ QStringLiteral("отменено") };
+    if (!file.commit())
+        throw Trouble{ QStringLiteral("ошибка записи файла %1: %2")
+                           .arg(QDir::toNativeSeparators(file.fileName()), file.errorString()) };
+}
+
+/// A name beside the file that no file has.
+QString freeName(const QString& fileName, const Format& format)
+{
+    const QFileInfo info(fileName);
+    const auto isFree = [&](const QString& name) {
+        const QString companion = format.companionFile(name);
+        return !QFileInfo::exists(name) && (companion.isEmpty() || !QFileInfo::exists(companion));
+    };
+    for (int i = 1;; ++i) {
+        const QString number = i == 1 ? QString() : QStringLiteral("-%1").arg(i);
+        const QString name = info.dir().filePath(
+            QStringLiteral("%1-готов%2.%3").arg(info.completeBaseName(), number, format.suffix));
+        if (isFree(name))
+            return name;
+    }
+}
+
+void check(bool written, const prep::PrepareReport& report)
+{
+    if (!written)
+        throw Trouble{ report.failure };
+}
+
+void preparePair(const QString& fileName, const QString& target, const Format& format,
+    const prep::PrepareOptions& options, prep::PrepareReport& report,
+    const std::atomic_bool& cancelled)
+{
+    const QString midFileName = prep::midFileOf(fileName);
+    prep::MifPair pair{ readFile(fileName), {} };
+    if (!midFileName.isEmpty())
+        pair.mid = readFile(midFileName);
+    const bool renamed = !midFileName.isEmpty() && midFileName != format.companionFile(fileName);
+    report.note(prep::Note::MidRenamed, renamed ? 1 : 0);
+    QSaveFile mif(target);
+    QSaveFile mid(format.companionFile(target));
+    open(mif);
+    open(mid);
+    check(prep::prepareMif(std::move(pair), options, mif, mid, report), report);
+    commit(mid, cancelled);
+    commit(mif, cancelled);
+}
+
+void prepareDrawing(const QString& fileName, const QString& target,
+    const prep::PrepareOptions& options, prep::PrepareReport& report,
+    const std::atomic_bool& cancelled)
+{
+    QByteArray bytes = readFile(fileName);
+    QSaveFile out(target);
+    open(out);
+    check(prep::prepareDxf(std::move(bytes), options, out, report), report);
+    commit(out, cancelled);
+}
+
+} // namespace
+
+PreparedCopy prepareCopy(
+    const QString& fileName, bool visibleOnly, const std::atomic_bool& cancelled)
+{
+    const Format* const format = formatOfFile(fileName);
+    if (!format)
+        return { {}, {}, QStringLiteral("вид файла по расширению не определить") };
+    PreparedCopy copy{ freeName(fileName, *format), {}, {} };
+    prep::PrepareOptions options;
+    options.visibleOnly = visibleOnly;
+    prep::PrepareReport report;
+    try {
+        if (format->companionFile(fileName).isEmpty())
+            prepareDrawing(fileName, copy.fileName, options, report, cancelled);
+        else
+            preparePair(fileName, copy.fileName, *format, options, report, cancelled);
+        copy.changes = prep::noteLines(report);
+    } catch (const Trouble& trouble) {
+        copy.error = trouble.text;
+    } catch (const std::bad_alloc&) {
+        copy.error = QStringLiteral("не хватает памяти");
+    }
+    return copy;
+}
