@@ -67,7 +67,7 @@ private slots:
     void millionInserts();
     void manyTexts();
     void longestText();
-    void longPathInBlock();
+    void longEntityInBlock();
     void droppedInBlocks();
 };
 
@@ -384,17 +384,14 @@ void TestFlattenBlocks::longestText()
     QCOMPARE(left.report.notes().at(prep::Note::TooMuch), qint64(1));
 }
 
-/// Vertices count for what blocks may come to, and not only entities: each insert writes 50,000.
-void TestFlattenBlocks::longPathInBlock()
+/// What blocks may come to is a matter of bytes, and not only of entities.
+void TestFlattenBlocks::longEntityInBlock()
 {
-    QByteArray path = "0 LWPOLYLINE, 90 50000, 70 0";
-    for (int i = 0; i < 50000; ++i)
-        path += ", 10 1, 20 1";
-    const Prepared result =
-        prepared(drawingOf("0 INSERT, 2 P, 10 0, 20 0, 70 1000, 71 1000",
-                     ("0 BLOCK, 2 P, 10 0, 20 0, " + path + ", 0 ENDBLK").constData()),
-            exploding());
-    // The file has 500,000 bytes and so has the polyline: 40,000,000 + 40 * 500,000 bytes of it.
+    const QByteArray line = "0 LINE, 10 1, 20 1, 11 2, 21 1, 6 " + QByteArray(500000, 'x');
+    const QByteArray block = "0 BLOCK, 2 P, 10 0, 20 0, " + line + ", 0 ENDBLK";
+    const Prepared result = prepared(
+        drawingOf("0 INSERT, 2 P, 10 0, 20 0, 70 1000, 71 1000", block.constData()), exploding());
+    // The file has 500,000 bytes and so has the line: 40,000,000 + 40 * 500,000 bytes of it.
     QVERIFY(result.report.contours >= 118 && result.report.contours <= 120);
     QVERIFY(result.report.notes().count(prep::Note::TooMuch) == 1);
 }
