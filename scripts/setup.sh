@@ -18,13 +18,8 @@ test_packages=(
     binutils           # readelf and nm look at the plug-in
     xvfb xauth openbox # tests show the dialog and the window on a real window system
     man-db             # a test formats the manual page
-<<<<<<< HEAD
     poppler-utils      # a test reads the text of a printed sheet
     zsh fish           # the completions are tried in their shells
-=======
-    zsh fish           # the completions are tried in their shells
-    poppler-utils      # a test reads the text of a printed sheet
->>>>>>> apps
 )
 ci_packages=(
     clang libclang-rt-dev  # the second compiler, its sanitizers and its fuzzer

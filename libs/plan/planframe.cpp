@@ -86,17 +86,10 @@ void PlanFrame::drawGrid()
             crosses.append(
                 QPolygonF(QVector<QPointF>{ place - QPointF(0, arm), place + QPointF(0, arm) }));
         }
-<<<<<<< HEAD
         const QPointF start(foot.x() + 2, frame.top() + 12);
         if (start.x() + metrics.horizontalAdvance(number(x)) >= frame.right())
             continue;
         text(start, number(x), m_colors.grey);
-=======
-        const double end = foot.x() + 4 + metrics.horizontalAdvance(number(x));
-        if (end > frame.right())
-            continue;
-        text(QPointF(foot.x() + 2, frame.top() + 12), number(x), m_colors.grey);
->>>>>>> apps
         m_space.take(QRectF(foot.x(), frame.top(), 70, 14));
     }
     for (int j = 0; j < most; ++j) {
