@@ -149,7 +149,8 @@ void Sheet::drawRow(const QStringList& cells, bool bold)
         m_painter->drawRect(cell);
         m_painter->setPen(Qt::black);
         const bool isText = i == 1 || bold;
-        m_painter->drawText(inside, Qt::AlignVCenter | (isText ? Qt::AlignLeft : Qt::AlignRight),
+        const int side = isText ? Qt::AlignLeft : Qt::AlignRight;
+        m_painter->drawText(inside, Qt::AlignVCenter | side,
             metrics.elidedText(cells.at(i), Qt::ElideRight, inside.width()));
         x = cell.right();
     }

@@ -70,7 +70,7 @@ void MainWindow::buildFileMenu()
     for (int i = 0; i < operations.size(); ++i) {
         const QString operation = operations.at(i);
         addTo(menu, qPrintable(QStringLiteral("operation%1").arg(i)),
-            operation + QStringLiteral("…"), QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + i)),
+            operation + QStringLiteral("…"), QKeySequence(int(Qt::CTRL) + int(Qt::Key_1) + i),
             [this, operation] { chooseFiles(operation); });
     }
     addTo(menu, "check", QStringLiteral("П&роверить файл…"), QKeySequence(),
@@ -140,10 +140,10 @@ void MainWindow::buildEditMenu()
 void MainWindow::buildViewMenu()
 {
     QMenu& menu = *menuBar()->addMenu(QStringLiteral("&Вид"));
-    addTo(menu, "fit", QStringLiteral("&Весь план"), QKeySequence(Qt::CTRL | Qt::Key_0),
+    addTo(menu, "fit", QStringLiteral("&Весь план"), QKeySequence(int(Qt::CTRL) + int(Qt::Key_0)),
         [this] { m_plan->fit(); });
     addTo(menu, "fitChosen", QStringLiteral("В&ыбранный объект"),
-        QKeySequence(Qt::CTRL | Qt::Key_9), [this] { m_plan->fitSelection(); });
+        QKeySequence(int(Qt::CTRL) + int(Qt::Key_9)), [this] { m_plan->fitSelection(); });
     addTo(menu, "zoomIn", QStringLiteral("&Крупнее"), QKeySequence::ZoomIn,
         [this] { m_plan->zoomIn(); });
     addTo(menu, "zoomOut", QStringLiteral("&Мельче"), QKeySequence::ZoomOut,
