@@ -5,6 +5,7 @@
 
 #include <QFontMetricsF>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -70,34 +71,41 @@ void PlanFrame::drawGrid()
     const QFontMetricsF metrics(planFont(false));
     QVector<QPolygonF> crosses;
     constexpr int most = 200;
+    constexpr double gap = 2;
+    constexpr double numberHeight = 14;
     const double startX = first(middleX - halfWidth);
     const double startY = first(middleY - halfHeight);
+    // No cross stands on a number.
+    const double numbersEnd = frame.left() + gap
+        + std::max(metrics.horizontalAdvance(number(startY)),
+            metrics.horizontalAdvance(number(middleY + halfHeight)));
+    const double numbersFoot = frame.top() + numberHeight;
     for (int i = 0; i < most; ++i) {
         const double x = startX + i * step;
         const QPointF foot = m_view.at(x, startY);
         if (!(foot.x() < frame.right() - arm) || !std::isfinite(x))
             break;
-        for (int j = 0; j < most; ++j) {
+        for (int j = 0; j < most && foot.x() - arm >= numbersEnd; ++j) {
             const QPointF place = m_view.at(x, startY + j * step);
-            if (!(place.y() > frame.top() + arm) || !std::isfinite(place.x()))
+            if (!(place.y() - arm > numbersFoot) || !std::isfinite(place.x()))
                 break;
             crosses.append(
                 QPolygonF(QVector<QPointF>{ place - QPointF(arm, 0), place + QPointF(arm, 0) }));
             crosses.append(
                 QPolygonF(QVector<QPointF>{ place - QPointF(0, arm), place + QPointF(0, arm) }));
         }
-        const QPointF start(foot.x() + 2, frame.top() + 12);
+        const QPointF start(foot.x() + gap, numbersFoot - gap);
         if (start.x() + metrics.horizontalAdvance(number(x)) >= frame.right())
             continue;
         text(start, number(x), m_colors.grey);
-        m_space.take(QRectF(foot.x(), frame.top(), 70, 14));
+        m_space.take(QRectF(foot.x(), frame.top(), 70, numberHeight));
     }
     for (int j = 0; j < most; ++j) {
         const QPointF foot = m_view.at(startX, startY + j * step);
         if (!(foot.y() > frame.top() + 2 * lineHeight) || !std::isfinite(startY + j * step))
             break;
-        text(QPointF(frame.left() + 2, foot.y() - 2), number(startY + j * step), m_colors.grey);
-        m_space.take(QRectF(frame.left(), foot.y() - 14, 70, 14));
+        text(QPointF(frame.left() + gap, foot.y() - gap), number(startY + j * step), m_colors.grey);
+        m_space.take(QRectF(frame.left(), foot.y() - numberHeight, 70, numberHeight));
     }
     if (!crosses.isEmpty())
         m_canvas.drawContours(crosses, {}, m_colors.grey, m_colors.grey);

@@ -233,6 +233,38 @@ private slots:
         QVERIFY(count > 20);
     }
 
+    void gridCrossesLeaveNumbersAlone()
+    {
+        const QRegularExpression text(
+            QStringLiteral("<text x=\"([^\"]*)\" y=\"([^\"]*)\"[^>]*>([0-9]+)</text>"));
+        const QRegularExpression stroke(
+            QStringLiteral("M([0-9.]+) ([0-9.]+)L([0-9.]+) ([0-9.]+)(?=[M\"])"));
+        const QFontMetricsF metrics(planFont(false));
+        int crosses = 0;
+        for (int size = 100; size < 200; size += 5) {
+            const QString frame =
+                layer(svgOf({ polygon("A", { ring(2200000, 400000, size) }) }), "frame");
+            QVector<QRectF> numbers;
+            for (auto each = text.globalMatch(frame); each.hasNext();) {
+                const auto number = each.next();
+                // Digits reach from the base line to the height of capitals.
+                const QPointF start(number.captured(1).toDouble(), number.captured(2).toDouble());
+                numbers.append(QRectF(start - QPointF(0, metrics.capHeight()),
+                    QSizeF(metrics.horizontalAdvance(number.captured(3)), metrics.capHeight())));
+            }
+            QVERIFY(numbers.size() > 4);
+            for (auto each = stroke.globalMatch(frame); each.hasNext(); ++crosses) {
+                const auto line = each.next();
+                const QRectF box(QPointF(line.captured(1).toDouble(), line.captured(2).toDouble()),
+                    QPointF(line.captured(3).toDouble(), line.captured(4).toDouble()));
+                for (const QRectF& number : qAsConst(numbers))
+                    QVERIFY2(!box.adjusted(-0.5, -0.5, 0.5, 0.5).intersects(number),
+                        qPrintable(line.captured()));
+            }
+        }
+        QVERIFY(crosses > 100);
+    }
+
     void namesStayInsideTheFrame()
     {
         QVector<DefPoint> edge;
