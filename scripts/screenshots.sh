@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Takes the pictures of docs/images/ from the running programs: the window, its diagnosis, its plan
-# and the plug-in's dialog, and what the command draws and says. With a folder, takes them there, at 100 and 200 percent, light and dark,
-# to be looked at.
+# and the plug-in's dialog, and what the command draws and says. With a folder, takes those of the
+# window there, at 100 and 200 percent, light and dark, to be looked at.
 set -euo pipefail
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -23,24 +23,15 @@ say() {
         LC_ALL=C.UTF-8 sed -E 's/^(.{100}).+/\1…/'
 }
 
-drawn() {
-    sed 's/&/\&amp;/g; s/</\&lt;/g' | awk -v y=10 '
-        { text = text sprintf("<text x=\"14\" y=\"%d\">%s</text>\n", y += 20, $0) }
-        END {
-            printf "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"880\" height=\"%d\" ", y + 16
-            print "font-family=\"DejaVu Sans Mono, monospace\" font-size=\"14\" fill=\"#eeeeee\">"
-            print "<rect width=\"100%\" height=\"100%\" fill=\"#232629\"/>"
-            print text "</svg>"
-        }'
-}
-
 if [ $# -eq 0 ]; then
     take 1 docs/images
     "$cli" plan samples/parcels.mif --encoding windows-1251 --quiet -o docs/images/plan.png
-    say check survey.dxf --encoding auto | drawn >docs/images/command.svg
+    say check survey.dxf --encoding auto |
+        QT_QPA_PLATFORM=offscreen \
+            build/release/bin/importgeometry-pictures --terminal docs/images/command.png
     exit
 fi
 for scale in 1 2; do
-    take "$scale" "$1/light-${scale}00"
+    take "$scale" "$1/light-${scale}00" light
     take "$scale" "$1/dark-${scale}00" dark
 done

@@ -1,13 +1,14 @@
 #include "diagnosispane.h"
 
+#include <QComboBox>
 #include <QFileInfo>
-#include <QHBoxLayout>
+#include <QGridLayout>
 #include <QPushButton>
 #include <QTextBrowser>
 
-#include <algorithm>
-
 namespace {
+
+constexpr int mostFindings = 20;
 
 QString placeText(const QString& fileName, int line)
 {
@@ -81,30 +82,33 @@ QString windowRemedy(const FoundCause& found)
 
 DiagnosisPane::DiagnosisPane(QWidget* parent)
     : QWidget(parent)
+    , m_files(new QComboBox)
     , m_browser(new QTextBrowser)
     , m_mend(new QPushButton(QStringLiteral("&Исправить копию и открыть")))
 {
+    m_files->setObjectName(QStringLiteral("diagnosisFiles"));
+    m_files->setAccessibleName(QStringLiteral("Проверенные файлы"));
+    m_files->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    m_files->hide();
     m_browser->setObjectName(QStringLiteral("diagnosisText"));
     m_browser->setAccessibleName(QStringLiteral("Диагностика файла"));
     m_browser->setTabChangesFocus(true);
+    m_browser->setHtml(QStringLiteral("<p>Здесь будет сказано, что не так с открытым файлом.</p>"));
+    setFocusProxy(m_browser);
     m_mend->setObjectName(QStringLiteral("mendButton"));
     m_mend->setToolTip(QStringLiteral("Записать рядом с файлом копию, которая читается целиком, и "
                                       "открыть её"));
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(4, 4, 4, 4);
-    layout->addWidget(m_browser);
-    layout->addWidget(m_mend, 0, Qt::AlignTop);
-    connect(m_mend, &QPushButton::clicked, this,
-        [this] { emit mendRequested(m_fileName, m_visibleOnly); });
-    clear();
-}
-
-void DiagnosisPane::clear()
-{
-    m_browser->setHtml(QStringLiteral("<p>Здесь будет сказано, что не так с открытым файлом.</p>"));
     m_mend->setEnabled(false);
-    m_hasCauses = false;
-    m_changes.clear();
+    auto* layout = new QGridLayout(this);
+    layout->setContentsMargins(4, 4, 4, 4);
+    layout->addWidget(m_files, 0, 0, Qt::AlignLeft);
+    layout->addWidget(m_browser, 1, 0);
+    layout->addWidget(m_mend, 1, 1, Qt::AlignTop);
+    connect(m_files, QOverload<int>::of(&QComboBox::activated), this, &DiagnosisPane::showFinding);
+    connect(m_mend, &QPushButton::clicked, this, [this] {
+        const Finding& finding = m_findings.at(m_files->currentIndex());
+        emit mendRequested(finding.fileName, finding.visibleOnly);
+    });
 }
 
 void DiagnosisPane::showChanges(
@@ -116,18 +120,19 @@ void DiagnosisPane::showChanges(
     for (const QString& line : changes)
         m_changes += QStringLiteral("<li>%1</li>").arg(line.toHtmlEscaped());
     m_changes += QLatin1String("</ul>");
+    m_changedCopy = copyName;
     m_browser->setHtml(m_changes);
     m_mend->setEnabled(false);
+    startBatch();
 }
 
-void DiagnosisPane::show(const Report& report)
+DiagnosisPane::Finding DiagnosisPane::findingOf(const Report& report) const
 {
-    m_fileName = report.fileName;
-    m_hasCauses = !report.messages.isEmpty();
-    m_visibleOnly = false;
-    bool isMendable = false;
-    QString html = m_changes;
-    m_changes.clear();
+    Finding finding;
+    finding.fileName = report.fileName;
+    finding.causes = report.messages.size();
+    QString& html = finding.html;
+    html = report.fileName == m_changedCopy ? m_changes : QString();
     html += QStringLiteral("<p>Файл «%1»: объектов %2, вершин %3.</p><ul>")
                 .arg(QFileInfo(report.fileName).fileName().toHtmlEscaped())
                 .arg(report.objectCount)
@@ -138,23 +143,50 @@ void DiagnosisPane::show(const Report& report)
         for (const FoundCause& found : survey.causes) {
             html +=
                 item(causeText(found), placeText(found.fileName, found.line), windowRemedy(found));
-            m_hasCauses = true;
+            ++finding.causes;
             // Other columns, not another file, put the axes right.
-            isMendable = isMendable || (isMendedByCopy(found.cause) && found.cause != Cause::Axes);
-            m_visibleOnly = m_visibleOnly || found.cause == Cause::HiddenLayers;
+            finding.isMendable =
+                finding.isMendable || (isMendedByCopy(found.cause) && found.cause != Cause::Axes);
+            finding.visibleOnly = finding.visibleOnly || found.cause == Cause::HiddenLayers;
         }
     }
     html += QLatin1String("</ul>");
-    if (!m_hasCauses)
+    if (finding.causes == 0)
         html += QStringLiteral("<p>Файл прочитан целиком, замечаний к нему нет.</p>");
     const QString objects = objectFindings(report);
     if (!objects.isEmpty())
         html += QStringLiteral("<p>В объектах: %1. Они отмечены красным.</p>").arg(objects);
-    m_browser->setHtml(html);
-    m_mend->setEnabled(isMendable && !report.unreadable);
+    finding.isMendable = finding.isMendable && !report.unreadable;
+    return finding;
 }
 
-QString DiagnosisPane::plainText() const
+void DiagnosisPane::show(const Report& report)
 {
-    return m_browser->toPlainText();
+    const Finding finding = findingOf(report);
+    for (int row = m_findings.size() - 1; row >= 0; --row) {
+        if (m_findings.at(row).fileName == finding.fileName || row >= mostFindings - 1) {
+            m_findings.removeAt(row);
+            m_files->removeItem(row);
+        }
+    }
+    m_findings.prepend(finding);
+    m_files->insertItem(0,
+        QStringLiteral("%1: замечаний %2")
+            .arg(QFileInfo(finding.fileName).fileName())
+            .arg(finding.causes));
+    m_files->setVisible(m_findings.size() > 1);
+    showFinding(finding.causes > 0 || !m_isLossShown ? 0 : m_files->currentIndex());
+    m_isLossShown = m_isLossShown || finding.causes > 0;
+}
+
+void DiagnosisPane::showFinding(int row)
+{
+    m_files->setCurrentIndex(row);
+    m_browser->setHtml(m_findings.at(row).html);
+    m_mend->setEnabled(m_findings.at(row).isMendable);
+}
+
+bool DiagnosisPane::hasCauses() const
+{
+    return m_files->currentIndex() >= 0 && m_findings.at(m_files->currentIndex()).causes > 0;
 }

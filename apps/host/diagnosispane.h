@@ -2,8 +2,10 @@
 
 #include "survey/report.h"
 
+#include <QVector>
 #include <QWidget>
 
+class QComboBox;
 class QPushButton;
 class QTextBrowser;
 
@@ -14,27 +16,41 @@ class DiagnosisPane : public QWidget {
 public:
     explicit DiagnosisPane(QWidget* parent = nullptr);
 
-    /// Shows what a check found out.
+    /// Several files are opened one after the other from now on: of their checks, one that found
+    /// something stays in sight.
+    void startBatch() { m_isLossShown = false; }
+    /// Shows what a check found out, and keeps what earlier ones did.
     void show(const Report& report);
-    /// Says what the preparation of a copy changed, above what is shown from now on.
+    /// Says what the preparation of a copy changed, from now on above what is the matter with it.
     void showChanges(const QString& fileName, const QString& copyName, const QStringList& changes);
-    void clear();
 
-    /// Whether something is the matter.
-    bool hasCauses() const { return m_hasCauses; }
-    QString plainText() const;
+    /// Whether something is the matter with the file that is shown.
+    bool hasCauses() const;
 
 signals:
     /// The user wants a mended copy of the file.
     void mendRequested(const QString& fileName, bool visibleOnly);
 
 private:
+    /// What was found out about a file.
+    struct Finding {
+        QString fileName;
+        QString html;
+        int causes = 0;
+        bool isMendable = false;
+        bool visibleOnly = false; ///< how a copy is made
+    };
+
+    Finding findingOf(const Report& report) const;
+    void showFinding(int row);
+
+    QComboBox* m_files; ///< of the findings, the last one first
     QTextBrowser* m_browser;
     QPushButton* m_mend;
-    QString m_changes; ///< in HTML
-    QString m_fileName;
-    bool m_visibleOnly = false;
-    bool m_hasCauses = false;
+    QVector<Finding> m_findings; ///< in the order of the files
+    QString m_changes; ///< of a copy that was made, in HTML
+    QString m_changedCopy; ///< its name
+    bool m_isLossShown = false; ///< of a file of the batch
 };
 
 /// What to do about a cause, for somebody who has the window before them.

@@ -2,7 +2,10 @@
 
 #include "pluginhost.h"
 #include "survey/filesurvey.h"
+#include "theme.h"
 
+#include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QDialog>
 #include <QFileInfo>
@@ -26,6 +29,20 @@ QVariant read(const QDialog& dialog, const char* name, const QVariant& absent)
     return widget ? widget->metaObject()->userProperty().read(widget) : absent;
 }
 
+/// The dialog marks rows in light colours of its own, on which the letters of a dark theme cannot
+/// be read.
+void lightenTables(const QDialog& dialog)
+{
+    for (QAbstractItemView* table : dialog.findChildren<QAbstractItemView*>()) {
+        QPalette palette = table->palette();
+        if (!isDark(palette))
+            continue;
+        palette.setColor(QPalette::Base, Qt::white);
+        palette.setColor(QPalette::Text, Qt::black);
+        table->setPalette(palette);
+    }
+}
+
 } // namespace
 
 DialogLink::DialogLink(const QString& operation, ImportAnswer& answer)
@@ -43,6 +60,9 @@ void DialogLink::fillIn()
     if (!dialog)
         return;
     connect(dialog, &QDialog::finished, this, [this, dialog] { readChoices(*dialog); });
+    lightenTables(*dialog);
+    if (const auto* start = dialog->findChild<QAbstractButton*>(QStringLiteral("startButton")))
+        connect(start, &QAbstractButton::clicked, this, [this] { m_answer.isStarted = true; });
     if (m_answer.fileName.isEmpty())
         return;
     write(*dialog, "objectFileNameEdit", m_answer.fileName);

@@ -37,8 +37,10 @@ void ImportFlow::import(const QString& operation, const QString& fileName)
     const bool isTaken = !answer.result.isNull() && takeResult(answer);
     if (isTaken)
         emit imported(answer.fileName);
-    // Who cancels without having seen a message has not read anything.
-    if (!answer.fileName.isEmpty() && (isTaken || !answer.messages.isEmpty()))
+    // Who saw that nothing came, and cancelled, is told why; nothing is said of a file that was not
+    // read.
+    const bool isRead = isTaken || answer.isStarted || !answer.messages.isEmpty();
+    if (!answer.fileName.isEmpty() && isRead)
         check(operation, answer.options);
 }
 

@@ -7,8 +7,11 @@
 
 #include <QMainWindow>
 
+#include <memory>
+
 class CatalogueModel;
 class DiagnosisPane;
+class GuideWindow;
 class ImportFlow;
 class MessagesPane;
 class ObjectsModel;
@@ -67,6 +70,8 @@ private:
     void buildHelpMenu();
     QAction* addTo(QMenu& menu, const char* name, const QString& text, const QKeySequence& keys,
         const std::function<void()>& action);
+    /// Moves the focus so many parts of the window on.
+    void goToPart(int step);
     void updateRecentMenu();
     void addRecent(const QString& fileName);
 
@@ -109,4 +114,5 @@ private:
     QDockWidget* m_messagesDock = nullptr;
     QDockWidget* m_diagnosisDock = nullptr;
     QMenu* m_recentMenu = nullptr;
+    std::unique_ptr<GuideWindow> m_guide; ///< once it was asked for
 };

@@ -1,8 +1,11 @@
 #include "messagespane.h"
 
+#include <QClipboard>
 #include <QDir>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QTime>
 
 namespace {
@@ -22,6 +25,7 @@ MessagesPane::MessagesPane(QWidget* parent)
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setTabKeyNavigation(false);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
     header()->setStretchLastSection(true);
 }
 
@@ -37,4 +41,29 @@ void MessagesPane::add(const QString& fileName, const QString& text)
     resizeColumnToContents(0);
     resizeColumnToContents(1);
     scrollToItem(item);
+}
+
+bool MessagesPane::event(QEvent* event)
+{
+    // The window would take it for its catalogue.
+    if (event->type() == QEvent::ShortcutOverride
+        && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Copy))
+        event->accept();
+    return QTreeWidget::event(event);
+}
+
+void MessagesPane::keyPressEvent(QKeyEvent* event)
+{
+    if (!event->matches(QKeySequence::Copy)) {
+        QTreeWidget::keyPressEvent(event);
+        return;
+    }
+    QStringList lines;
+    for (int row = 0; row < topLevelItemCount(); ++row) {
+        const QTreeWidgetItem& item = *topLevelItem(row);
+        if (item.isSelected())
+            lines.append(
+                QStringList{ item.text(0), item.text(1), item.text(2) }.join(QLatin1Char('\t')));
+    }
+    QGuiApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
 }

@@ -13,6 +13,7 @@ struct ImportAnswer {
     QString fileName; ///< the object file that the dialog had at its end
     ImportOptions options; ///< the choices that the dialog had at its end
     QStringList messages;
+    bool isStarted = false; ///< the user had the dialog read the file
 };
 
 /// Loads the import plug-in and runs its operations.

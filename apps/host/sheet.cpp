@@ -125,6 +125,16 @@ bool Sheet::needRoom(double height)
     return true;
 }
 
+bool Sheet::needTableRow()
+{
+    const int page = m_number;
+    if (!needRoom(lineHeight))
+        return false;
+    if (m_number != page)
+        drawTableHead();
+    return true;
+}
+
 void Sheet::drawLine(const QString& text, bool bold, double size)
 {
     const QFont font = sheetFont(size, bold);
@@ -157,6 +167,13 @@ void Sheet::drawRow(const QStringList& cells, bool bold)
     m_y += lineHeight;
 }
 
+void Sheet::drawTableHead()
+{
+    drawRow({ QStringLiteral("№"), QStringLiteral("Точка"), QStringLiteral("X"),
+                QStringLiteral("Y"), QStringLiteral("Длина, м"), QStringLiteral("Дир. угол") },
+        true);
+}
+
 bool Sheet::drawObject(const DefPolygon& object)
 {
     constexpr int together = 5; // the head of a table and its first rows
@@ -169,9 +186,7 @@ bool Sheet::drawObject(const DefPolygon& object)
                                 .arg(number(shape.area), number(shape.perimeter))
                           : QStringLiteral("Длина %1 м").arg(number(shape.perimeter)),
         false, fontSize);
-    drawRow({ QStringLiteral("№"), QStringLiteral("Точка"), QStringLiteral("X"),
-                QStringLiteral("Y"), QStringLiteral("Длина, м"), QStringLiteral("Дир. угол") },
-        true);
+    drawTableHead();
     m_row = 0;
     for (int i = 0; i < object.contours.size(); ++i) {
         if (!drawContour(object.contours.at(i), i == 0))
@@ -182,10 +197,10 @@ bool Sheet::drawObject(const DefPolygon& object)
 
 bool Sheet::drawContour(const QVector<DefPoint>& contour, bool isFirst)
 {
-    if (!isFirst && needRoom(lineHeight))
+    if (!isFirst && needTableRow())
         drawRow({ QString(), QString(), QString(), QString(), QString(), QString() }, false);
     for (int i = 0; i < contour.size(); ++i) {
-        if (!needRoom(lineHeight))
+        if (!needTableRow())
             return false;
         const DefPoint& point = contour.at(i);
         QStringList cells{ QString::number(++m_row), point.def, number(north(point)),

@@ -33,9 +33,12 @@ public:
 private:
     bool drawObject(const DefPolygon& object);
     bool drawContour(const QVector<DefPoint>& contour, bool isFirst);
+    void drawTableHead();
     void drawRow(const QStringList& cells, bool bold);
     void drawLine(const QString& text, bool bold, double size);
     bool needRoom(double height);
+    /// Room for a row; on another page below the titles of the table.
+    bool needTableRow();
     void startPage();
     double north(const DefPoint& point) const { return m_northingFirst ? point.x : point.y; }
     double east(const DefPoint& point) const { return m_northingFirst ? point.y : point.x; }

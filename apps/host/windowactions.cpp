@@ -1,5 +1,7 @@
 #include "mainwindow.h"
 
+#include "diagnosispane.h"
+#include "messagespane.h"
 #include "planwidget.h"
 
 #include <QAction>
@@ -11,6 +13,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QStyle>
+#include <QTableView>
 #include <QToolBar>
 
 QAction* MainWindow::addTo(QMenu& menu, const char* name, const QString& text,
@@ -149,8 +152,20 @@ void MainWindow::buildViewMenu()
     addTo(menu, "zoomOut", QStringLiteral("&Мельче"), QKeySequence::ZoomOut,
         [this] { m_plan->zoomOut(); });
     menu.addSeparator();
-    menu.addAction(m_diagnosisDock->toggleViewAction());
-    menu.addAction(m_messagesDock->toggleViewAction());
+    for (QDockWidget* dock : { m_diagnosisDock, m_messagesDock }) {
+        QAction* toggle = dock->toggleViewAction();
+        menu.addAction(toggle);
+        // Behind the other one it would not be seen.
+        connect(toggle, &QAction::triggered, dock, [dock](bool isShown) {
+            if (isShown)
+                dock->raise();
+        });
+    }
+    menu.addSeparator();
+    addTo(menu, "nextPart", QStringLiteral("&Следующая часть окна"), QKeySequence(Qt::Key_F6),
+        [this] { goToPart(1); });
+    addTo(menu, "previousPart", QStringLiteral("&Предыдущая часть окна"),
+        QKeySequence(int(Qt::SHIFT) + int(Qt::Key_F6)), [this] { goToPart(-1); });
 }
 
 void MainWindow::buildHelpMenu()
@@ -159,6 +174,26 @@ void MainWindow::buildHelpMenu()
     addTo(menu, "help", QStringLiteral("&Руководство"), QKeySequence::HelpContents,
         [this] { showHelp(); });
     addTo(menu, "about", QStringLiteral("&О программе"), QKeySequence(), [this] { showAbout(); });
+}
+
+void MainWindow::goToPart(int step)
+{
+    // One of two panes in one place cannot be reached by the tab key.
+    QVector<QWidget*> parts{ m_objects, m_catalogue, m_plan };
+    for (const QDockWidget* dock : { m_diagnosisDock, m_messagesDock }) {
+        if (dock->toggleViewAction()->isChecked())
+            parts.append(dock->widget());
+    }
+    const QWidget* const focus = focusWidget();
+    int current = step > 0 ? -1 : 0;
+    for (int i = 0; i < parts.size(); ++i) {
+        if (focus && (parts.at(i) == focus || parts.at(i)->isAncestorOf(focus)))
+            current = i;
+    }
+    QWidget* const next = parts.at((current + step + parts.size()) % parts.size());
+    if (auto* dock = qobject_cast<QDockWidget*>(next->parentWidget()))
+        dock->raise();
+    next->setFocus(Qt::ShortcutFocusReason);
 }
 
 void MainWindow::updateRecentMenu()

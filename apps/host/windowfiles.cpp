@@ -2,7 +2,9 @@
 
 #include "background.h"
 #include "cataloguemodel.h"
+#include "diagnosispane.h"
 #include "formsettingsdialog.h"
+#include "guidewindow.h"
 #include "import/formats.h"
 #include "importflow.h"
 #include "messagespane.h"
@@ -11,7 +13,6 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QDesktopServices>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
@@ -54,6 +55,7 @@ void MainWindow::openNext()
     if (m_isOpening)
         return;
     m_isOpening = true;
+    m_diagnosis->startBatch();
     while (!m_queue.isEmpty()) {
         const QString fileName = m_queue.takeFirst();
         const QString operation = m_host.operationFor(fileName);
@@ -76,6 +78,7 @@ void MainWindow::chooseFiles(const QString& operation)
     const Format* const format = formatOfOperation(operation);
     const QStringList files = QFileDialog::getOpenFileNames(
         this, operation, m_lastFolder, format ? format->filter : QString());
+    m_diagnosis->startBatch();
     for (const QString& file : files)
         m_flow->import(operation, file);
 }
@@ -95,8 +98,10 @@ void MainWindow::chooseFileToCheck()
         patterns.append(QStringLiteral("*.%1 *.%2").arg(format.suffix, format.suffix.toUpper()));
     const QString file = QFileDialog::getOpenFileName(this, QStringLiteral("Проверить файл"),
         m_lastFolder, QStringLiteral("Чертежи (%1)").arg(patterns.join(QLatin1Char(' '))));
-    if (!file.isEmpty())
-        m_flow->check(file);
+    if (file.isEmpty())
+        return;
+    m_diagnosis->startBatch();
+    m_flow->check(file);
 }
 
 bool MainWindow::openForm(const QString& fileName)
@@ -278,17 +283,18 @@ void MainWindow::editFormSettings()
 
 void MainWindow::showHelp()
 {
-    const QDir program(QApplication::applicationDirPath());
-    for (const char* place : { "../share/doc/importgeometry/guide.ru.html",
-             "../share/doc/importgeometry/guide.ru.md", "../../../docs/guide.ru.md" }) {
-        const QString file = QDir::cleanPath(program.filePath(QLatin1String(place)));
-        if (QFile::exists(file)) {
-            QDesktopServices::openUrl(QUrl::fromLocalFile(file));
+    if (!m_guide) {
+        const QString file = GuideWindow::findGuide();
+        if (file.isEmpty()) {
+            QMessageBox::information(
+                this, QStringLiteral("Руководство"), QStringLiteral("Файл руководства не найден."));
             return;
         }
+        m_guide = std::make_unique<GuideWindow>(file);
     }
-    QMessageBox::information(
-        this, QStringLiteral("Руководство"), QStringLiteral("Файл руководства не найден."));
+    m_guide->show();
+    m_guide->raise();
+    m_guide->activateWindow();
 }
 
 void MainWindow::showAbout()

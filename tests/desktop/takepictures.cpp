@@ -1,14 +1,21 @@
 // Takes the pictures of the pages from the running program: `importgeometry-pictures FOLDER SAMPLES
-// [dark]`. The scale is that of QT_SCALE_FACTOR.
+// [dark]`. The scale is that of QT_SCALE_FACTOR. `importgeometry-pictures --terminal FILE` draws
+// the text of its standard input as a terminal shows it.
 
 #include "mainwindow.h"
 #include "planwidget.h"
 #include "windowdriver.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QDockWidget>
+#include <QFile>
+#include <QFontMetrics>
+#include <QImage>
 #include <QLibraryInfo>
+#include <QPainter>
 #include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
@@ -18,6 +25,7 @@
 #include <QTest>
 #include <QTranslator>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -81,7 +89,27 @@ void open(MainWindow& window, const QString& file, const char* name)
     QTest::qWait(200);
 }
 
-void takeAll(PluginHost& host)
+/// What no page shows, and yet is looked at.
+void takeMore(MainWindow& window)
+{
+    const auto trigger = [&window](const char* action) {
+        window.findChild<QAction*>(QLatin1String(action))->trigger();
+    };
+    trigger("help");
+    for (QWidget* shown : QApplication::topLevelWidgets()) {
+        if (shown->objectName() == QLatin1String("guide"))
+            take(*shown, "guide");
+    }
+    whenDialogRuns([](QDialog& dialog) {
+        take(dialog, "settings");
+        dialog.reject();
+    });
+    trigger("formSettings");
+    window.findChild<QDockWidget*>(QStringLiteral("messagesDock"))->raise();
+    take(window, "messages");
+}
+
+void takeAll(PluginHost& host, bool isForPages)
 {
     MainWindow window(host);
     window.resize(1200, 780);
@@ -117,6 +145,32 @@ void takeAll(PluginHost& host)
         QTest::qWait(20);
     QTest::qWait(200);
     take(other, "mended");
+    if (!isForPages)
+        takeMore(other);
+}
+
+int drawTerminal(const QString& fileName)
+{
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        return 1;
+    const QStringList lines = QString::fromUtf8(input.readAll()).trimmed().split(QLatin1Char('\n'));
+    QFont font(QStringLiteral("DejaVu Sans Mono"));
+    font.setPixelSize(14);
+    const QFontMetrics metrics(font);
+    constexpr int margin = 14;
+    int width = 0;
+    for (const QString& line : lines)
+        width = std::max(width, metrics.horizontalAdvance(line));
+    const int height = lines.size() * metrics.lineSpacing();
+    QImage picture(width + 2 * margin, height + 2 * margin, QImage::Format_RGB32);
+    picture.fill(QColor(35, 38, 41));
+    QPainter painter(&picture);
+    painter.setFont(font);
+    painter.setPen(QColor(238, 238, 238));
+    painter.drawText(picture.rect().adjusted(margin, margin, 0, 0), Qt::AlignLeft | Qt::AlignTop,
+        lines.join(QLatin1Char('\n')));
+    return picture.save(fileName) ? 0 : 1;
 }
 
 } // namespace
@@ -127,14 +181,16 @@ int main(int argc, char** argv)
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication app(argc, argv);
     if (argc < 3) {
-        std::fputs("usage: importgeometry-pictures FOLDER SAMPLES [dark]\n", stderr);
+        std::fputs("usage: importgeometry-pictures FOLDER SAMPLES [light|dark]\n", stderr);
         return 2;
     }
+    if (qstrcmp(argv[1], "--terminal") == 0)
+        return drawTerminal(QString::fromLocal8Bit(argv[2]));
     folder = QDir(QString::fromLocal8Bit(argv[1])).absolutePath();
     samples = QString::fromLocal8Bit(argv[2]);
     QDir().mkpath(folder);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    if (argc > 3)
+    if (argc > 3 && qstrcmp(argv[3], "dark") == 0)
         beDark();
     QTranslator translator;
     if (translator.load(
@@ -149,6 +205,6 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "%s\n", qUtf8Printable(host.errorString()));
         return 1;
     }
-    takeAll(host);
+    takeAll(host, argc == 3);
     return 0;
 }

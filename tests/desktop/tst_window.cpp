@@ -1,5 +1,6 @@
 #include "cataloguemodel.h"
 #include "diagnosispane.h"
+#include "guidewindow.h"
 #include "mainwindow.h"
 #include "messagespane.h"
 #include "objectsmodel.h"
@@ -10,16 +11,20 @@
 #include "windowdriver.h"
 
 #include <QAbstractItemModelTester>
+#include <QAbstractItemView>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QDialogButtonBox>
+#include <QDockWidget>
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -30,6 +35,7 @@
 #include <QSpinBox>
 #include <QTableView>
 #include <QTest>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QXmlStreamReader>
 
@@ -82,6 +88,7 @@ private slots:
     void exportsPictures();
     void exportsPdf();
     void exportsChosenPdf();
+    void repeatsHeadOfTable();
     void tellsUnwritableFile();
     void copiesCatalogue();
     void takesDroppedFiles();
@@ -93,6 +100,12 @@ private slots:
     void isReachableByKeyboard();
     void showsCoordinates();
     void zoomsAtCursor();
+    void showsGuide();
+    void explainsEmptyResult();
+    void keepsLossesOfBatch();
+    void goesThroughParts();
+    void copiesMessages();
+    void marksAreReadInTheDark();
 
 private:
     template <typename Widget>
@@ -191,13 +204,15 @@ void TestWindow::findsPlugin()
     // In the folder of the program: a copy of it suffices.
     const QString folder = QApplication::applicationDirPath() + QStringLiteral("/importgeometry");
     QVERIFY(QDir().mkpath(folder));
-    const QString copy = folder + QStringLiteral("/libimportgeometry.so");
+    // Tests run side by side, from one folder.
+    const QString name =
+        QStringLiteral("/libimportgeometry.%1.so").arg(QApplication::applicationPid());
+    const QString copy = folder + name;
     QFile::remove(copy);
     QVERIFY(QFile::copy(QStringLiteral(PLUGIN_PATH), copy));
     const QStringList candidates = PluginHost::candidates();
     QFile::remove(copy);
-    QVERIFY(candidates.contains(
-        QFileInfo(folder).canonicalFilePath() + QStringLiteral("/libimportgeometry.so")));
+    QVERIFY(candidates.contains(QFileInfo(folder).canonicalFilePath() + name));
 }
 
 void TestWindow::offersOperations()
@@ -537,6 +552,24 @@ void TestWindow::exportsChosenPdf()
     QVERIFY(!text.contains(QStringLiteral("Объект А")));
 }
 
+void TestWindow::repeatsHeadOfTable()
+{
+    FormTable table;
+    DefPolygon object{ QStringLiteral("длинный"), { {} } };
+    for (int i = 0; i < 120; ++i)
+        object.contours.first().append({ QString::number(i), double(i), double(i * i) });
+    table.objects.append(object);
+    table.others.resize(1);
+    m_window->document().reset(table, {});
+    const QString file = m_files->path(QStringLiteral("c.pdf"));
+    QVERIFY(m_window->exportTo(FormFile::Pdf, file));
+    const QString text = readPdf(file);
+    // Beside the plan there is room for some rows, a page has about fifty.
+    const int pages = text.count(QStringLiteral("Лист "));
+    QVERIFY(pages > 2);
+    QCOMPARE(text.count(QStringLiteral("Дир. угол")), pages);
+}
+
 void TestWindow::tellsUnwritableFile()
 {
     openSquares();
@@ -744,6 +777,159 @@ void TestWindow::zoomsAtCursor()
     QVERIFY(plan.scale() > scale * 1.5);
     const QPointF way = plan.placeOf(corner) - place;
     QVERIFY(way.manhattanLength() < 0.01);
+}
+
+void TestWindow::showsGuide()
+{
+    QVERIFY(!GuideWindow::findGuide().isEmpty());
+    trigger("help");
+    GuideWindow* guide = nullptr;
+    for (QWidget* shown : QApplication::topLevelWidgets()) {
+        if (!guide)
+            guide = qobject_cast<GuideWindow*>(shown);
+    }
+    QVERIFY(guide && guide->isVisible());
+    QVERIFY(guide->windowTitle().startsWith(QStringLiteral("Каталоги координат: руководство")));
+    auto& text = *guide->findChild<QTextBrowser*>(QStringLiteral("guideText"));
+    QTextDocument& page = *text.document();
+    QCOMPARE(page.firstBlock().text(), QStringLiteral("Каталоги координат: руководство"));
+    QCOMPARE(page.firstBlock().blockFormat().headingLevel(), 1);
+
+    int pictures = 0;
+    for (QTextBlock block = page.firstBlock(); block.isValid(); block = block.next()) {
+        for (auto part = block.begin(); !part.atEnd(); ++part) {
+            const QTextImageFormat format = part.fragment().charFormat().toImageFormat();
+            if (!format.isValid())
+                continue;
+            ++pictures;
+            const auto image =
+                page.resource(QTextDocument::ImageResource, QUrl(format.name())).value<QImage>();
+            QVERIFY2(image.width() > 100, qPrintable(format.name()));
+        }
+    }
+    QFile source(GuideWindow::findGuide());
+    QVERIFY(source.open(QIODevice::ReadOnly));
+    QVERIFY(pictures > 0);
+    QCOMPARE(pictures, source.readAll().count("\n!["));
+
+    // The search goes round the page.
+    auto& search = *guide->findChild<QLineEdit*>(QStringLiteral("guideSearch"));
+    search.setText(QStringLiteral("каталоги координат: руководство"));
+    for (int i = 0; i < 2; ++i) {
+        QTest::keyClick(&search, Qt::Key_Return);
+        QCOMPARE(
+            text.textCursor().selectedText(), QStringLiteral("Каталоги координат: руководство"));
+    }
+    search.setText(QStringLiteral("нет такого слова"));
+    QTest::keyClick(&search, Qt::Key_Return);
+    QCOMPARE(guide->findChild<QLabel*>(QStringLiteral("guideFound"))->text().trimmed(),
+        QStringLiteral("Не найдено"));
+
+    // A page that it leads to, and back.
+    const QUrl start = text.source();
+    text.setSource(QUrl(QStringLiteral("formats.ru.md")));
+    QVERIFY(!guide->windowTitle().startsWith(QStringLiteral("Каталоги координат: руководство")));
+    text.backward();
+    QCOMPARE(text.source(), start);
+    QVERIFY(QTest::qWaitForWindowActive(guide));
+    QTest::keyClick(guide, Qt::Key_Escape);
+    QVERIFY(!guide->isVisible());
+}
+
+void TestWindow::explainsEmptyResult()
+{
+    // Nothing comes of it, and no message tells why; who sees that cancels.
+    const QString file = m_files->write(QStringLiteral("точки.mif"), mif("Point 1 2\n"));
+    m_files->write(QStringLiteral("точки.mid"), "\"1\"\n");
+    whenDialogRuns([](QDialog& dialog) {
+        dialog.findChild<QAbstractButton*>(QStringLiteral("startButton"))->click();
+        dialog.reject();
+    });
+    m_window->openFiles({ file });
+    auto& told = widget<QTextBrowser>("diagnosisText");
+    QVERIFY(waitFor([&] { return told.toPlainText().contains(QStringLiteral("точки.mif")); }));
+    QVERIFY(told.toPlainText().contains(QStringLiteral("Что делать:")));
+    QVERIFY(widget<MessagesPane>("messages").topLevelItemCount() == 0);
+    QVERIFY(m_window->document().objects().isEmpty());
+}
+
+void TestWindow::keepsLossesOfBatch()
+{
+    // An arc is not read; the file behind it is read whole.
+    const QString lossy =
+        m_files->write(QStringLiteral("дуга.mif"), mif(square(0, 0) + "Arc 0 0 5 5 0 90\n"));
+    m_files->write(QStringLiteral("дуга.mid"), "\"1\"\n\"2\"\n");
+    auto& files = widget<QComboBox>("diagnosisFiles");
+    auto& told = widget<QTextBrowser>("diagnosisText");
+    whenDialogRuns([](QDialog& dialog) {
+        whenDialogRuns(startAndAccept);
+        startAndAccept(dialog);
+    });
+    m_window->openFiles({ lossy, squares() });
+    QVERIFY(waitFor([&] { return files.count() == 2; }));
+    QVERIFY(told.toPlainText().contains(QStringLiteral("дуга.mif")));
+    QVERIFY(files.currentText().startsWith(QStringLiteral("дуга.mif: замечаний ")));
+    QVERIFY(widget<QPushButton>("mendButton").isEnabled());
+
+    // The other one is at hand, too.
+    QTest::keyClick(&files, Qt::Key_Up);
+    QVERIFY(told.toPlainText().contains(QStringLiteral("squares.mif")));
+    QVERIFY(!widget<QPushButton>("mendButton").isEnabled());
+}
+
+void TestWindow::goesThroughParts()
+{
+    QStringList visited;
+    widget<QLineEdit>("search").setFocus();
+    for (int i = 0; i < 6; ++i) {
+        trigger("nextPart");
+        visited.append(m_window->focusWidget()->objectName());
+    }
+    QCOMPARE(visited,
+        QStringLiteral("objects catalogue plan diagnosisText messages objects")
+            .split(QLatin1Char(' ')));
+    trigger("previousPart");
+    QCOMPARE(m_window->focusWidget()->objectName(), QStringLiteral("messages"));
+    // It lies behind the diagnosis, and has come to the front.
+    QVERIFY(!widget<MessagesPane>("messages").visibleRegion().isEmpty());
+}
+
+void TestWindow::copiesMessages()
+{
+    auto& messages = widget<MessagesPane>("messages");
+    messages.add(QStringLiteral("a.mif"), QStringLiteral("одно"));
+    messages.add(QStringLiteral("b.mif"), QStringLiteral("другое"));
+    widget<QDockWidget>("messagesDock").raise();
+    messages.setFocus();
+    messages.selectAll();
+    QTest::keyClick(&messages, Qt::Key_C, Qt::ControlModifier);
+    const QStringList lines = QApplication::clipboard()->text().split(QLatin1Char('\n'));
+    QCOMPARE(lines.size(), 2);
+    QVERIFY(lines.at(1).endsWith(QStringLiteral("\tb.mif\tдругое")));
+}
+
+void TestWindow::marksAreReadInTheDark()
+{
+    const QPalette usual = QApplication::palette();
+    QPalette dark = usual;
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Text, QColor(240, 240, 240));
+    QApplication::setPalette(dark);
+    QVector<int> differences;
+    whenDialogRuns([&](QDialog& dialog) {
+        dialog.findChild<QAbstractButton*>(QStringLiteral("startButton"))->click();
+        auto* list = dialog.findChild<QAbstractItemView*>(QStringLiteral("listView"));
+        const QModelIndex marked = list->model()->index(0, 0);
+        const QColor background = marked.data(Qt::BackgroundRole).value<QBrush>().color();
+        differences.append(
+            std::abs(background.lightness() - list->palette().color(QPalette::Text).lightness()));
+        dialog.reject();
+    });
+    m_window->openFiles({ squares() });
+    const bool isDone = waitFor([&] { return !differences.isEmpty(); });
+    QApplication::setPalette(usual);
+    QVERIFY(isDone);
+    QVERIFY2(differences.first() > 150, qPrintable(QString::number(differences.first())));
 }
 
 QTEST_MAIN(TestWindow)
