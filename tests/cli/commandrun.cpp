@@ -60,6 +60,11 @@ CommandRun runShell(const QString& script, const QString& folder)
     return waitFor(process);
 }
 
+bool canOpenTerminal()
+{
+    return runShell(QStringLiteral("script -qec true /dev/null"), QDir::currentPath()).status == 0;
+}
+
 QString dataFile(const char* name)
 {
     return QDir(QStringLiteral(CLI_DATA_DIR)).filePath(QLatin1String(name));

@@ -33,6 +33,9 @@ CommandRun runCommand(const QStringList& arguments, const QString& folder);
 /// Runs a line of shell in `folder`; $CLI is the command.
 CommandRun runShell(const QString& script, const QString& folder);
 
+/// Whether a program can be run on a terminal of its own here.
+bool canOpenTerminal();
+
 /// A file among the data of these tests.
 QString dataFile(const char* name);
 QByteArray contentOf(const QString& fileName);

@@ -68,11 +68,6 @@ QStringList completionsOf(const QString& commandLine, const QString& folder)
     return QString::fromUtf8(run.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-bool hasProgram(const char* name)
-{
-    return !QStandardPaths::findExecutable(QLatin1String(name)).isEmpty();
-}
-
 /// What fish offers at the end of a command line.
 QStringList completionsOfFish(const QString& commandLine)
 {
@@ -107,8 +102,16 @@ using Completer = QStringList (*)(const QString& commandLine);
 struct Shell {
     const char* name;
     Completer completionsOf;
+    bool needsTerminal;
+
+    bool canRun() const
+    {
+        return !QStandardPaths::findExecutable(QLatin1String(name)).isEmpty()
+            && (!needsTerminal || canOpenTerminal());
+    }
 };
-constexpr Shell furtherShells[] = { { "fish", completionsOfFish }, { "zsh", completionsOfZsh } };
+constexpr Shell furtherShells[] = { { "fish", completionsOfFish, false },
+    { "zsh", completionsOfZsh, true } };
 
 } // namespace
 
@@ -195,8 +198,8 @@ private slots:
         QFETCH(int, shell);
         QFETCH(QString, line);
         QFETCH(QStringList, first);
-        if (!hasProgram(furtherShells[shell].name))
-            QSKIP("the shell is not installed");
+        if (!furtherShells[shell].canRun())
+            QSKIP("the shell is not installed, or finds no terminal");
         QStringList offered = furtherShells[shell].completionsOf(line).mid(0, first.size());
         // Only encodings have an order of their own.
         if (!line.contains(QLatin1String("encoding")))
@@ -220,8 +223,8 @@ private slots:
     {
         QFETCH(int, shell);
         QFETCH(QString, command);
-        if (!hasProgram(furtherShells[shell].name))
-            QSKIP("the shell is not installed");
+        if (!furtherShells[shell].canRun())
+            QSKIP("the shell is not installed, or finds no terminal");
         QStringList offered =
             furtherShells[shell].completionsOf(QStringLiteral("importgeometry %1 --").arg(command));
         QStringList expected = optionsOf(qPrintable(command));

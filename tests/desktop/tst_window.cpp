@@ -140,7 +140,8 @@ void TestWindow::init()
     m_window = std::make_unique<MainWindow>(*m_host);
     m_window->resize(1100, 720);
     m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    // The window manager may still be starting.
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get(), 60000));
 }
 
 void TestWindow::cleanup()
