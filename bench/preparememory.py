@@ -12,6 +12,7 @@ than a preparation does.
 import itertools
 import os
 import pathlib
+import string
 import subprocess
 import sys
 import tempfile
@@ -46,6 +47,12 @@ def always(text):
     return itertools.repeat(pairs(text))
 
 
+def names():
+    """Different names, as short as so many can be."""
+    letters = string.ascii_letters + string.digits
+    return map("".join, itertools.product(letters, repeat=4))
+
+
 ENTITIES = pairs("0 SECTION, 2 ENTITIES")
 BLOCKS = pairs("0 SECTION, 2 BLOCKS")
 TABLES = pairs("0 SECTION, 2 TABLES, 0 TABLE, 2 LAYER")
@@ -60,6 +67,7 @@ DXF_SHAPES = {
     "lines": (ENTITIES, always("0 LINE, 10 1, 20 1, 11 2, 21 2"), ""),
     "lines-apart": (ENTITIES, numbered("0 LINE, 10 #, 20 1, 11 #.5, 21 2"), ""),
     "lines-layers": (ENTITIES, numbered("0 LINE, 8 L#, 10 #, 20 0, 11 0, 21 #"), ""),
+    "lines-names": (ENTITIES, (pairs(f"0 LINE, 8 {name}, 10 1, 20 1, 11 2, 21 2") for name in names()), ""),
     "points": (ENTITIES, always("0 POINT, 10 1, 20 1"), pairs("0 TEXT, 10 1, 20 1, 1 x")),
     "texts": (ENTITIES, always("0 TEXT, 10 1, 20 1, 1 x"), ""),
     "texts-codes": (ENTITIES, always("0 TEXT, 10 1, 20 1, 1 %%65"), ""),

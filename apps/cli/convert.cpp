@@ -1,11 +1,11 @@
 #include "commands.h"
 #include "fileprogress.h"
-#include "foreignfile.h"
 #include "geometry/designation.h"
 #include "importarguments.h"
 #include "jobs.h"
 #include "losses.h"
 #include "outputfile.h"
+#include "prepare/foreignfile.h"
 #include "prepare/reporttext.h"
 #include "preparearguments.h"
 #include "preparefile.h"
@@ -153,7 +153,8 @@ ConvertOptions readConvertOptions(const QCommandLineParser& parser)
 {
     ConvertOptions options;
     options.preparation = readPreparation(parser);
-    options.tasks = readImportTasks(parser, options.preparation ? formatOfForeignFile : nullptr);
+    options.tasks =
+        readImportTasks(parser, options.preparation ? prep::formatOfForeignFile : nullptr);
     options.telling = readTelling(parser);
     options.targets = readTargets(parser, options.tasks);
     options.makesFolders = parser.isSet(QStringLiteral("out-dir"));
@@ -198,7 +199,8 @@ void makeFolders(const ConvertOptions& options)
 bool prepareCopy(QString& fileName, const Format& format, const QString& copy,
     const prep::PrepareOptions& options, QByteArray& encoding)
 {
-    const PrepareTask task{ fileName, &format, formatOfForeignFile(fileName) != nullptr, copy };
+    const PrepareTask task{ fileName, &format, prep::formatOfForeignFile(fileName) != nullptr,
+        copy };
     try {
         const prep::PrepareReport report = prepareFile(task, options);
         for (const QString& line : prep::noteLines(report))

@@ -1,7 +1,7 @@
 #include "commands.h"
 #include "fileprogress.h"
-#include "foreignfile.h"
 #include "outputfile.h"
+#include "prepare/foreignfile.h"
 #include "prepare/reporttext.h"
 #include "preparearguments.h"
 #include "preparefile.h"
@@ -33,7 +33,7 @@ QList<QCommandLineOption> prepareCommandLineOptions()
 PrepareTask taskOf(const QString& fileName, const QCommandLineParser& parser)
 {
     const QString id = parser.value(QStringLiteral("format")).toLower();
-    const Format* const foreign = id.isEmpty() ? formatOfForeignFile(fileName) : nullptr;
+    const Format* const foreign = id.isEmpty() ? prep::formatOfForeignFile(fileName) : nullptr;
     const Format* const own = id.isEmpty() ? formatOfFile(fileName) : formatOfId(id);
     if (foreign || own)
         return { fileName, foreign ? foreign : own, foreign != nullptr, {} };

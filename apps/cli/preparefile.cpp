@@ -1,9 +1,10 @@
 #include "preparefile.h"
 
 #include "console.h"
-#include "foreignfile.h"
 #include "importrun/importrun.h"
+#include "interrupt.h"
 #include "outputfile.h"
+#include "prepare/foreignfile.h"
 #include "prepare/preparedxf.h"
 #include "prepare/preparemif.h"
 #include "standardinput.h"
@@ -60,18 +61,30 @@ void preparePair(const PrepareTask& task, const QString& mifFileName,
     mifOut.commit();
 }
 
-void prepareForeign(
-    const PrepareTask& task, prep::PrepareOptions options, prep::PrepareReport& report)
+/// A signal that ends this program ends the other one first.
+prep::ForeignPair convertForeign(
+    const QString& fileName, const prep::PrepareOptions& options, QTemporaryDir& folder)
 {
-    const QTemporaryDir folder;
-    const QString mifFileName = convertForeignFile(task.fileName, options, folder);
+    prep::ForeignPair pair;
+    {
+        const Interrupt::Deferral deferral;
+        pair = prep::convertForeignFile(fileName, options, folder, Interrupt::requested);
+    }
+    if (Interrupt::requested())
+        folder.remove();
+    Interrupt::obey();
+    if (!pair.failure.isEmpty())
+        throw Failure{ Failed, pair.failure };
+    return pair;
+}
+
+void prepareForeign(
+    const PrepareTask& task, const prep::PrepareOptions& options, prep::PrepareReport& report)
+{
+    QTemporaryDir folder;
+    const prep::ForeignPair pair = convertForeign(task.fileName, options, folder);
     report.note(prep::Note::Converted);
-    // The program has decoded the texts, chosen the column, and its layers are no drawing's.
-    options.fromEncoding = "UTF-8";
-    options.nameField.clear();
-    options.layers.clear();
-    options.skipLayers.clear();
-    preparePair(task, mifFileName, options, report);
+    preparePair(task, pair.mifFileName, pair.options, report);
 }
 
 } // namespace
@@ -87,13 +100,13 @@ TargetClaim PrepareTask::claim() const
     return claim;
 }
 
-prep::PrepareReport prepareFile(const PrepareTask& task, prep::PrepareOptions options)
+prep::PrepareReport prepareFile(const PrepareTask& task, const prep::PrepareOptions& options)
 {
     prep::PrepareReport report;
     OutputFile::checkPlace(task.target);
     spoolStandardInput(task.fileName);
     if (task.isForeign)
-        prepareForeign(task, std::move(options), report);
+        prepareForeign(task, options, report);
     else if (task.format->id == QLatin1String("mif"))
         preparePair(task, task.fileName, options, report);
     else if (task.format->id == QLatin1String("dxf"))

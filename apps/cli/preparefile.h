@@ -19,4 +19,4 @@ struct PrepareTask {
 };
 
 /// Writes the prepared file. Fails when nothing could be written.
-prep::PrepareReport prepareFile(const PrepareTask& task, prep::PrepareOptions options);
+prep::PrepareReport prepareFile(const PrepareTask& task, const prep::PrepareOptions& options);

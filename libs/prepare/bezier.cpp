@@ -16,6 +16,20 @@ Weighted mix(const Weighted& a, const Weighted& b, double part)
         a.weight + (b.weight - a.weight) * part };
 }
 
+/// The knots of a spline; where it tells none, those at equal steps with which the curve runs from
+/// its first control point to its last one.
+std::vector<double> knotsOf(const SplineShape& spline)
+{
+    const size_t count = spline.controls.size();
+    const size_t degree = std::clamp(spline.degree, 0, mostDegree);
+    if (!spline.knots.empty() || count <= degree)
+        return spline.knots;
+    std::vector<double> knots(count + degree + 1);
+    for (size_t i = degree; i < knots.size(); ++i)
+        knots[i] = static_cast<double>(std::min(i, count) - degree);
+    return knots;
+}
+
 double distanceToSegment(const Planar& p, const Planar& a, const Planar& b)
 {
     const double dx = b.x - a.x;
@@ -57,11 +71,11 @@ Bezier splitOff(Bezier& curve)
 
 BSpline::BSpline(const SplineShape& spline, const Affine& map)
     : m_degree(spline.degree)
+    , m_knots(knotsOf(spline))
     , m_good(isDrawable(spline))
 {
     if (!m_good)
         return;
-    m_knots = spline.knots;
     m_controls.reserve(spline.controls.size());
     for (size_t i = 0; i < spline.controls.size(); ++i) {
         const Vec3 place = map.place(spline.controls[i]);
@@ -71,15 +85,14 @@ BSpline::BSpline(const SplineShape& spline, const Affine& map)
     }
 }
 
-bool BSpline::isDrawable(const SplineShape& spline)
+bool BSpline::isDrawable(const SplineShape& spline) const
 {
     if (spline.degree < 1 || spline.degree > mostDegree)
         return false;
     const auto degree = static_cast<size_t>(spline.degree);
     const size_t count = spline.controls.size();
-    if (count < degree + 1 || spline.knots.size() != count + degree + 1
-        || !std::is_sorted(spline.knots.begin(), spline.knots.end())
-        || spline.knots[degree] >= spline.knots[count])
+    if (count < degree + 1 || m_knots.size() != count + degree + 1
+        || !std::is_sorted(m_knots.begin(), m_knots.end()) || m_knots[degree] >= m_knots[count])
         return false;
     const auto isPositive = [](double weight) { return weight > 0; };
     return spline.weights.empty()

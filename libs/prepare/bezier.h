@@ -30,12 +30,12 @@ public:
     Planar start() const;
 
 private:
-    static bool isDrawable(const SplineShape& spline);
+    bool isDrawable(const SplineShape& spline) const;
     Weighted blossom(int span, int ends) const;
 
     int m_degree;
-    bool m_good;
     std::vector<double> m_knots;
+    bool m_good;
     std::vector<Weighted> m_controls;
 };
 

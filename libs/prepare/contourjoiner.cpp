@@ -45,23 +45,15 @@ FlatVertex takeLastVertex(std::string_view& text)
 ContourJoiner::ContourJoiner(double tolerance, FlatSink& sink, PrepareReport& report)
     : m_sink(sink)
     , m_report(report)
-    , m_nodes(tolerance)
+    , m_nodes(tolerance, [this](uint32_t contour) { return m_contours[contour].layer(); })
 {
-}
-
-uint32_t ContourJoiner::numberOf(std::string_view layer)
-{
-    const auto [found, isNew] =
-        m_layerNumbers.emplace(layer, static_cast<uint32_t>(m_layers.size()));
-    if (isNew)
-        m_layers.push_back(layer);
-    return found->second;
 }
 
 void ContourJoiner::takeContour(std::string_view layer, const VertexRow& vertices, bool closed)
 {
     const std::string_view text = m_heap.add(vertices.text());
-    m_contours.push_back({ text.data(), static_cast<uint32_t>(text.size()), numberOf(layer), 0, 0,
+    m_contours.push_back({ text.data(), layer.data(), static_cast<uint32_t>(text.size()),
+        static_cast<uint32_t>(layer.size()), 0, 0,
         static_cast<uint8_t>(std::min<size_t>(vertices.size() - 1, 3)),
         closed ? State::Closed : State::Unknown });
 }
@@ -108,8 +100,8 @@ void ContourJoiner::findNodes()
         std::string_view text = contour.vertices();
         const FlatVertex start = firstVertex(text);
         const FlatVertex end = takeLastVertex(text);
-        contour.startNode = m_nodes.add(contour.layer, start.x, start.y, i);
-        contour.endNode = m_nodes.add(contour.layer, end.x, end.y, i);
+        contour.startNode = m_nodes.add(start.x, start.y, i);
+        contour.endNode = m_nodes.add(end.x, end.y, i);
     }
 }
 
@@ -175,7 +167,7 @@ void ContourJoiner::writeLoop(const std::vector<uint32_t>& loop)
         node = reversed ? contour.startNode : contour.endNode;
     }
     m_report.note(Note::Joined, static_cast<qint64>(loop.size()));
-    m_sink.takeContour(m_layers[m_contours[loop.front()].layer], m_row, true);
+    m_sink.takeContour(m_contours[loop.front()].layer(), m_row, true);
 }
 
 void ContourJoiner::write(const Contour& contour)
@@ -186,7 +178,7 @@ void ContourJoiner::write(const Contour& contour)
     std::string_view y;
     while (cursor.next(x, y))
         m_row.append(vertexOf(x, y));
-    m_sink.takeContour(m_layers[contour.layer], m_row, contour.state == State::Closed);
+    m_sink.takeContour(contour.layer(), m_row, contour.state == State::Closed);
 }
 
 } // namespace prep

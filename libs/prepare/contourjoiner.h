@@ -6,7 +6,7 @@
 #include "prepare/textheap.h"
 
 #include <deque>
-#include <unordered_map>
+#include <string_view>
 #include <vector>
 
 namespace prep {
@@ -39,14 +39,16 @@ private:
     /// There may be one for every few bytes of a file, so it is kept small.
     struct Contour {
         const char* text; ///< of its vertices
+        const char* layerName;
         uint32_t textSize;
-        uint32_t layer;
+        uint32_t layerSize;
         uint32_t startNode = 0;
         uint32_t endNode = 0;
         uint8_t segments; ///< up to three; more makes no difference
         State state;
 
         std::string_view vertices() const { return { text, textSize }; }
+        std::string_view layer() const { return { layerName, layerSize }; }
     };
     void findNodes();
     bool findLoop(uint32_t start, std::vector<uint32_t>& loop);
@@ -54,14 +56,11 @@ private:
     void writeLoop(const std::vector<uint32_t>& loop);
     void append(const Contour& contour, bool reversed);
     void write(const Contour& contour);
-    uint32_t numberOf(std::string_view layer);
 
     FlatSink& m_sink;
     PrepareReport& m_report;
     TextHeap m_heap;
     std::deque<Contour> m_contours;
-    std::unordered_map<std::string_view, uint32_t> m_layerNumbers;
-    std::vector<std::string_view> m_layers;
     EndNodes m_nodes;
     VertexRow m_row; ///< that is handed on
 };

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace prep {
 
@@ -30,8 +31,9 @@ uint64_t bitsOf(double value)
 
 } // namespace
 
-EndNodes::EndNodes(double tolerance)
+EndNodes::EndNodes(double tolerance, LayerOf layerOf)
     : m_tolerance(tolerance)
+    , m_layerOf(std::move(layerOf))
     , m_key(QRandomGenerator::global()->generate64())
     , m_buckets(1, none)
 {
@@ -50,13 +52,13 @@ double EndNodes::cellOf(double coordinate) const
     return m_tolerance > 0 ? std::floor(coordinate / m_tolerance) : coordinate;
 }
 
-size_t EndNodes::bucketOf(double column, double row, uint32_t layer) const
+size_t EndNodes::bucketOf(double column, double row, size_t layerHash) const
 {
-    const uint64_t hash = mixed(mixed(mixed(bitsOf(column) ^ m_key) ^ bitsOf(row)) ^ layer);
+    const uint64_t hash = mixed(mixed(mixed(bitsOf(column) ^ m_key) ^ bitsOf(row)) ^ layerHash);
     return hash & (m_buckets.size() - 1);
 }
 
-uint32_t EndNodes::nearest(uint32_t layer, double x, double y) const
+uint32_t EndNodes::nearest(std::string_view layer, size_t layerHash, double x, double y) const
 {
     // Nodes stand farther apart than the tolerance: few of them share a cell.
     const int reach = m_tolerance > 0 ? 1 : 0;
@@ -64,12 +66,12 @@ uint32_t EndNodes::nearest(uint32_t layer, double x, double y) const
     double least = m_tolerance;
     for (int i = -reach; i <= reach; ++i) {
         for (int k = -reach; k <= reach; ++k) {
-            uint32_t number = m_buckets[bucketOf(cellOf(x) + i, cellOf(y) + k, layer)];
+            uint32_t number = m_buckets[bucketOf(cellOf(x) + i, cellOf(y) + k, layerHash)];
             for (; number != none; number = m_nodes[number].next) {
                 const Node& node = m_nodes[number];
                 const double distance = std::hypot(node.x - x, node.y - y);
-                if (node.layer != layer || distance > least
-                    || (found != none && distance == least && number > found))
+                if (distance > least || (found != none && distance == least && number > found)
+                    || m_layerOf(node.contours[0]) != layer)
                     continue;
                 found = number;
                 least = distance;
@@ -79,13 +81,15 @@ uint32_t EndNodes::nearest(uint32_t layer, double x, double y) const
     return found;
 }
 
-uint32_t EndNodes::add(uint32_t layer, double x, double y, uint32_t contour)
+uint32_t EndNodes::add(double x, double y, uint32_t contour)
 {
-    uint32_t number = nearest(layer, x, y);
+    const std::string_view layer = m_layerOf(contour);
+    const size_t layerHash = std::hash<std::string_view>()(layer);
+    uint32_t number = nearest(layer, layerHash, x, y);
     if (number == none) {
         number = static_cast<uint32_t>(m_nodes.size());
-        uint32_t& bucket = m_buckets[bucketOf(cellOf(x), cellOf(y), layer)];
-        m_nodes.push_back({ x, y, layer, bucket, { 0, 0 }, 0 });
+        uint32_t& bucket = m_buckets[bucketOf(cellOf(x), cellOf(y), layerHash)];
+        m_nodes.push_back({ x, y, bucket, { 0, 0 }, 0 });
         bucket = number;
     }
     Node& node = m_nodes[number];

@@ -8,6 +8,8 @@ namespace prep {
 
 namespace {
 
+constexpr size_t mostKnown = 100000;
+
 std::vector<QRegularExpression> expressions(const QStringList& patterns)
 {
     std::vector<QRegularExpression> result;
@@ -46,7 +48,9 @@ std::optional<Note> LayerFilter::reasonAgainst(std::string_view layer)
     if (known != m_known.end())
         return known->second;
     const std::optional<Note> reason = judge(layer);
-    m_known.emplace(layer, reason);
+    // No drawing has so many layers, but a file may name one for every few of its bytes.
+    if (m_known.size() < mostKnown)
+        m_known.emplace(layer, reason);
     return reason;
 }
 

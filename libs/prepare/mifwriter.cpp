@@ -44,7 +44,7 @@ MifWriter::MifWriter(QIODevice& mifOut, QIODevice& midOut, MidRows& rows, const 
     , m_form(form)
     , m_options(options)
     , m_report(report)
-    , m_chords(options.tolerance * std::abs(options.scale), mostChords)
+    , m_chords(options.tolerance, mostChords)
 {
 }
 
@@ -58,6 +58,9 @@ void MifWriter::start(const MifHeader& header, bool flattens, const QByteArray& 
         m_factors[1] = (*transform)[1];
         m_shifts[0] = (*transform)[2];
         m_shifts[1] = (*transform)[3];
+        // Curves are drawn as the file has them, and the tolerance is meant for what comes of it.
+        const double factor = std::max(std::abs(m_factors[0]), std::abs(m_factors[1]));
+        m_chords = ChordMaker(m_options.tolerance / factor, mostChords);
     }
     m_moves = flattens && (transform || m_options.scale != 1);
     const std::string text =

@@ -93,10 +93,13 @@ private:
 
     bool findNameField(MifHeader& header)
     {
-        if (m_options.nameField.isEmpty())
+        const bool isPlace = m_options.nameColumn.has_value();
+        if (m_options.nameField.isEmpty() && !isPlace)
             return true;
-        const auto column = header.column(m_codec->fromUnicode(m_options.nameField));
-        if (!column) {
+        const std::optional<size_t> column = isPlace
+            ? static_cast<size_t>(*m_options.nameColumn)
+            : header.column(m_codec->fromUnicode(m_options.nameField));
+        if (!column || *column >= header.columnCount()) {
             m_report.failure =
                 QStringLiteral("нет столбца «%1» (--name-field)").arg(m_options.nameField);
             return false;

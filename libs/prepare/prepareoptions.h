@@ -31,6 +31,7 @@ struct PrepareOptions {
     QByteArray fromEncoding; ///< a codec's name; empty to tell it from the bytes
     QByteArray encoding; ///< of the result; empty to keep that of the source
     QString nameField; ///< the column of a MIF that becomes the first one; empty for no change
+    std::optional<int> nameColumn; ///< that column by its place, from zero, instead of its name
     bool swapXY = false;
     double scale = 1;
 };

@@ -49,7 +49,7 @@ SourceText sourceText(const QByteArray& bytes, const PrepareOptions& options,
 {
     SourceText text;
     text.bytes = asUtf8(bytes);
-    const bool wasMarked = text.bytes.size() != bytes.size();
+    const bool wasMarked = text.bytes.constData() != bytes.constData();
     const QByteArray mark = codecOfMark(view(bytes));
     const QByteArray told = !mark.isEmpty() ? mark
         : !options.fromEncoding.isEmpty()   ? options.fromEncoding

@@ -1,45 +1,17 @@
 // Chords of curves: on the curve, as close to it as asked, and no more of them than that takes.
 
-#include "prepare/chords.h"
+#include "deviation.h"
 
 #include <QTest>
 #include <QtMath>
 
 #include <cmath>
-#include <functional>
 
 using namespace prep;
 
 namespace {
 
 constexpr qint64 noLimit = 100000000;
-
-double distanceToChord(const Planar& p, const Planar& a, const Planar& b)
-{
-    const double dx = b.x - a.x;
-    const double dy = b.y - a.y;
-    const double square = dx * dx + dy * dy;
-    if (square == 0)
-        return std::hypot(p.x - a.x, p.y - a.y);
-    const double part =
-        std::min(1.0, std::max(0.0, ((p.x - a.x) * dx + (p.y - a.y) * dy) / square));
-    return std::hypot(p.x - a.x - part * dx, p.y - a.y - part * dy);
-}
-
-/// The greatest distance of a point of the curve, t from 0 to 1, to the chords.
-double deviation(const std::function<Planar(double)>& curve, const std::vector<Planar>& chords)
-{
-    constexpr int samples = 5000;
-    double greatest = 0;
-    for (int i = 0; i <= samples; ++i) {
-        const Planar place = curve(static_cast<double>(i) / samples);
-        double least = std::numeric_limits<double>::max();
-        for (size_t k = 1; k < chords.size(); ++k)
-            least = std::min(least, distanceToChord(place, chords[k - 1], chords[k]));
-        greatest = std::max(greatest, least);
-    }
-    return greatest;
-}
 
 Planar operator*(const Planar& a, double factor)
 {

@@ -1,8 +1,12 @@
 // What each kind of entity becomes, with coordinates that were worked out by hand.
 
+#include "deviation.h"
 #include "prepared.h"
 
 #include <QTest>
+#include <QtMath>
+
+#include <cmath>
 
 using prep::PrepareOptions;
 
@@ -25,6 +29,8 @@ class TestFlatten : public QObject {
 private slots:
     void entities_data();
     void entities();
+    void sagitta_data();
+    void sagitta();
     void leftOut_data();
     void leftOut();
     void layers_data();
@@ -112,6 +118,9 @@ void TestFlatten::entities_data()
         "open -15 5, -5 15, 5 5");
     row("circle as a contour", "0 CIRCLE, 8 a, 10 5, 20 5, 40 10", "closed 15 5, 5 15, -5 5, 5 -5");
     // Half axes 10 along y and 5 along -x.
+    // Its x axis is the world's y; its y axis, (-0.8, 0, 0.6), is seen from above.
+    row("circle that stands tilted", "0 CIRCLE, 8 a, 10 0, 20 0, 40 10, 210 3, 220 0, 230 4",
+        "closed 0 10, -8 0, 0 -10, 8 0");
     row("ellipse",
         "0 ELLIPSE, 8 a, 10 1, 20 2, 11 0, 21 10, 31 0, 40 0.5, 41 0, 42 6.283185307179586",
         "closed 1 12, -4 2, 1 -8, 6 2");
@@ -132,6 +141,18 @@ void TestFlatten::entities_data()
         "0 SPLINE, 8 a, 70 8, 71 2, 72 6, 73 3, 40 0, 40 0, 40 0, 40 1, 40 1, 40 1, 10 0, 20 0, "
         "30 0, 10 5, 20 8, 30 0, 10 10, 20 0, 30 0",
         "open 0 0, 5 4, 10 0");
+    row("spline without knots",
+        "0 SPLINE, 8 a, 70 8, 71 2, 73 3, 10 0, 20 0, 30 0, 10 5, 20 8, 30 0, 10 10, 20 0, 30 0",
+        "open 0 0, 5 4, 10 0");
+    // A quarter of a circle, halved once.
+    row("spline with weights",
+        "0 SPLINE, 8 a, 70 12, 71 2, 72 6, 73 3, 40 0, 40 0, 40 0, 40 1, 40 1, 40 1, 41 1, "
+        "41 0.7071067811865476, 41 1, 10 10, 20 0, 30 0, 10 10, 20 10, 30 0, 10 0, 20 10, 30 0",
+        "open 10 0, 7.0710678119 7.0710678119, 0 10");
+    row("closed spline",
+        "0 SPLINE, 8 a, 70 11, 71 1, 72 6, 73 4, 40 0, 40 0, 40 1, 40 2, 40 3, 40 3, 10 0, 20 0, "
+        "10 9, 20 0, 10 9, 20 9, 10 0, 20 0",
+        "closed 0 0, 9 0, 9 9, 0 0");
     row("spline of fit points",
         "0 SPLINE, 8 a, 70 0, 71 3, 74 3, 11 0, 21 0, 31 0, 11 1.5, 21 2, "
         "31 0, 11 3, 21 0, 31 0",
@@ -148,6 +169,36 @@ void TestFlatten::entities_data()
             options.hatches = true;
             return options;
         }());
+    const auto hatch = [&row](const char* name, const char* boundary, const char* expected,
+                           const char* normal = "0, 220 0, 230 1") {
+        PrepareOptions options = coarse();
+        options.hatches = true;
+        const QByteArray entity = QByteArray("0 HATCH, 8 a, 10 0, 20 0, 30 0, 210 ") + normal
+            + ", 2 SOLID, 70 1, 71 0, 91 1, " + boundary + ", 97 0, 75 0, 76 1, 98 1, 10 7, 20 7";
+        row(name, entity.constData(), expected, options);
+    };
+    hatch("hatch with an arc of an ellipse",
+        "92 1, 93 2, 72 3, 10 0, 20 0, 11 10, 21 0, 40 0.5, 50 0, 51 180, 73 1, 72 1, 10 -10, "
+        "20 0, 11 10, 21 0",
+        "closed 10 0, 0 5, -10 0, 10 0");
+    // Counted clockwise, 270 to 450 degrees are -270 to -450: from the top over the right.
+    hatch("hatch with a clockwise arc",
+        "92 1, 93 2, 72 2, 10 0, 20 0, 40 10, 50 270, 51 450, 73 0, 72 1, 10 0, 20 -10, 11 0, 21 "
+        "10",
+        "closed 0 10, 10 0, 0 -10, 0 10");
+    hatch("hatch with a spline",
+        "92 1, 93 2, 72 4, 94 2, 73 0, 74 0, 95 6, 96 3, 40 0, 40 0, 40 0, 40 1, 40 1, 40 1, "
+        "10 0, 20 0, 10 5, 20 8, 10 10, 20 0, 97 0, 72 1, 10 10, 20 0, 11 0, 21 0",
+        "closed 0 0, 5 4, 10 0, 0 0");
+    hatch("hatch with a spline with weights",
+        "92 1, 93 3, 72 4, 94 2, 73 1, 74 0, 95 6, 96 3, 40 0, 40 0, 40 0, 40 1, 40 1, 40 1, "
+        "10 10, 20 0, 42 1, 10 10, 20 10, 42 0.7071067811865476, 10 0, 20 10, 42 1, 97 0, "
+        "72 1, 10 0, 20 10, 11 0, 21 0, 72 1, 10 0, 20 0, 11 10, 21 0",
+        "closed 10 0, 7.0710678119 7.0710678119, 0 10, 0 0, 10 0");
+    hatch("hatch with a whole circle", "92 1, 93 1, 72 2, 10 5, 20 5, 40 10, 50 0, 51 360, 73 1",
+        "closed 15 5, 5 15, -5 5, 5 -5");
+    hatch("mirrored hatch", "92 3, 72 0, 73 1, 93 3, 10 0, 20 0, 10 20.0, 20 0, 10 0, 20 5",
+        "closed 0 0, -20 0, 0 5", "0, 220 0, 230 -1");
     row("order of contours stays",
         "0 LINE, 8 a, 10 5, 20 0, 11 6, 21 0, 0 ARC, 8 a, 10 0, 20 0, 40 10, 50 0, 51 90, 0 LINE, "
         "8 a, 10 1, 20 0, 11 2, 21 0",
@@ -165,6 +216,95 @@ void TestFlatten::entities()
     QVERIFY(!result.report.hasLosses());
 }
 
+void TestFlatten::sagitta_data()
+{
+    QTest::addColumn<QString>("entities");
+    QTest::addColumn<QString>("blocks");
+    QTest::addColumn<Curve>("curve");
+    const auto row = [](const char* name, const char* entities, const Curve& curve,
+                         const char* blocks = "") {
+        QTest::newRow(name) << QString::fromLatin1(entities) << QString::fromLatin1(blocks)
+                            << curve;
+    };
+    /// The arc of an ellipse along the axes of the world.
+    const auto arc = [](double x, double y, double a, double b, double start, double sweep) {
+        return [=](double part) {
+            const double t = qDegreesToRadians(start + sweep * part);
+            return prep::Planar{ x + a * std::cos(t), y + b * std::sin(t) };
+        };
+    };
+    row("arc", "0 ARC, 8 a, 10 5, 20 -7, 40 100, 50 300, 51 200", arc(5, -7, 100, 100, 300, 260));
+    row("circle", "0 CIRCLE, 8 a, 10 5, 20 -7, 40 100", arc(5, -7, 100, 100, 0, 360));
+    row("mirrored arc", "0 ARC, 8 a, 10 5, 20 -7, 40 100, 50 0, 51 90, 210 0, 220 0, 230 -1",
+        arc(-5, -7, -100, 100, 0, 90));
+    row("tilted circle", "0 CIRCLE, 8 a, 10 0, 20 0, 40 100, 210 3, 220 0, 230 4",
+        arc(0, 0, 80, 100, 90, 360));
+    row("ellipse", "0 ELLIPSE, 8 a, 10 1, 20 2, 11 100, 21 0, 40 0.1, 41 0, 42 6.283185307179586",
+        arc(1, 2, 100, 10, 0, 360));
+    // The sagitta is half of half the chord: 5 on 20, and the radius (100 + 25) / 10.
+    const double half = qRadiansToDegrees(2 * std::atan(0.5));
+    row("bulge of a lwpolyline", "0 LWPOLYLINE, 8 a, 90 2, 70 0, 10 0, 20 0, 42 0.5, 10 20, 20 0",
+        arc(10, 7.5, 12.5, 12.5, 270 - half, 2 * half));
+    row("bulge of a polyline",
+        "0 POLYLINE, 8 a, 66 1, 70 0, 0 VERTEX, 10 20, 20 0, 42 -0.5, 0 VERTEX, 10 0, 20 0, "
+        "0 SEQEND",
+        arc(10, 7.5, 12.5, 12.5, 270 + half, -2 * half));
+    row("spline",
+        "0 SPLINE, 8 a, 71 3, 40 0, 40 0, 40 0, 40 0, 40 1, 40 1, 40 1, 40 1, 10 0, 20 0, 10 0, "
+        "20 80, 10 80, 20 80, 10 80, 20 0",
+        [](double t) {
+            const double s = 1 - t;
+            return prep::Planar{ 80 * (3 * s + t) * t * t, 240 * s * t };
+        });
+    row("spline with weights",
+        "0 SPLINE, 8 a, 71 2, 40 0, 40 0, 40 0, 40 1, 40 1, 40 1, 41 1, 41 0.7071067811865476, "
+        "41 1, 10 100, 20 0, 10 100, 20 100, 10 0, 20 100",
+        arc(0, 0, 100, 100, 0, 90));
+    row("hatch with an arc",
+        "0 HATCH, 8 a, 91 1, 92 1, 93 1, 72 2, 10 5, 20 5, 40 100, 50 0, 51 360, 73 1, 97 0, 75 0",
+        arc(5, 5, 100, 100, 0, 360));
+    row("hatch with an ellipse",
+        "0 HATCH, 8 a, 91 1, 92 1, 93 1, 72 3, 10 5, 20 5, 11 0, 21 100, 40 0.25, 50 0, 51 360, "
+        "73 1, 97 0, 75 0",
+        arc(5, 5, 25, 100, 0, 360));
+    row("arc in a stretched and mirrored insert",
+        "0 INSERT, 8 a, 2 B, 10 1000, 20 0, 41 20, 42 3, 210 0, 220 0, 230 -1",
+        arc(-1000, 0, -200, 30, 0, 180),
+        "0 BLOCK, 2 B, 10 0, 20 0, 0 ARC, 10 0, 20 0, 40 10, 50 0, 51 180, 0 ENDBLK");
+}
+
+void TestFlatten::sagitta()
+{
+    QFETCH(QString, entities);
+    QFETCH(QString, blocks);
+    QFETCH(Curve, curve);
+    const QByteArray drawing = drawingOf(entities.toUtf8(), blocks.toUtf8());
+    for (const double tolerance : { 0.001, 0.01, 1.0 }) {
+        PrepareOptions options;
+        options.tolerance = tolerance;
+        options.circles = prep::CircleMode::Contours;
+        options.hatches = true;
+        options.blocks = prep::BlockMode::Explode;
+        const QStringList contours = outline(prepared(drawing, options).bytes);
+        QCOMPARE(contours.size(), 1);
+        const std::vector<prep::Planar> chords = placesOf(contours.first());
+        // Coordinates are written with ten decimal places.
+        QVERIFY(deviation(curve, chords) <= tolerance + 1e-9);
+        QVERIFY(distanceFrom(curve, chords) <= 1e-3);
+    }
+    // The tolerance is that of the file, whatever its coordinates are multiplied by.
+    PrepareOptions options;
+    options.circles = prep::CircleMode::Contours;
+    options.hatches = true;
+    options.blocks = prep::BlockMode::Explode;
+    const auto count = [&] {
+        return placesOf(outline(prepared(drawing, options).bytes)[0]).size();
+    };
+    const size_t plain = count();
+    options.scale = 1000;
+    QCOMPARE(count(), plain);
+}
+
 void TestFlatten::leftOut_data()
 {
     QTest::addColumn<QString>("entity");
@@ -174,6 +314,14 @@ void TestFlatten::leftOut_data()
         QTest::newRow(name) << QString::fromUtf8(entity) << QString::fromUtf8(note) << loss;
     };
     row("paper space", "0 LINE, 67 1, 10 0, 20 0, 11 1, 21 1", "paper-space", false);
+    row("polyline in paper space",
+        "0 POLYLINE, 67 1, 66 1, 70 1, 0 VERTEX, 67 1, 10 0, 20 0, 0 VERTEX, 67 1, 10 1, 20 0, "
+        "0 SEQEND",
+        "paper-space", false);
+    row("insert in paper space",
+        "0 INSERT, 67 1, 66 1, 2 B, 10 0, 20 0, 0 ATTRIB, 67 1, 10 0, 20 0, 1 x, 2 N, 70 0, "
+        "0 SEQEND",
+        "paper-space", false);
     row("mesh",
         "0 POLYLINE, 66 1, 70 16, 71 2, 72 2, 0 VERTEX, 10 0, 20 0, 70 64, 0 VERTEX, 10 1, 20 0, "
         "70 64, 0 SEQEND",

@@ -47,6 +47,7 @@ private slots:
     void inserts();
     void digitsStay();
     void nesting();
+    void nestedLabels();
     void curvesInBlocks();
     void mirroredBulge();
     void layerOfInsert();
@@ -124,6 +125,20 @@ void TestFlattenBlocks::nesting()
         "0 BLOCK, 2 Outer, 10 0, 20 0, 0 INSERT, 2 Arrow, 10 10, 20 0, 50 90, 0 ENDBLK, "
         "0 BLOCK, 2 Arrow, 10 1, 20 1, 0 LINE, 10 1, 20 1, 11 3, 21 1, 0 ENDBLK");
     QCOMPARE(outlineOf(drawing), QStringLiteral("line 120 0, 120 4"));
+}
+
+void TestFlattenBlocks::nestedLabels()
+{
+    // The coordinates of an attribute are those of the block that holds its insert.
+    const QByteArray drawing = drawingOf(
+        "0 POINT, 10 0, 20 0, 0 INSERT, 8 a, 2 Outer, 10 100, 20 0, 41 2, 42 2, 43 2, 50 90",
+        "0 BLOCK, 2 Outer, 10 0, 20 0, 0 INSERT, 66 1, 2 Arrow, 10 10, 20 0, "
+        "0 ATTRIB, 10 11.5, 20 1, 40 1, 1 н1, 2 N, 70 0, 0 SEQEND, "
+        "0 MTEXT, 10 5, 20 -3, 40 1, 1 \\pxqc;м, 0 TEXT, 10 0, 20 4, 40 1, 1 т, 0 ENDBLK, "
+        "0 BLOCK, 2 Arrow, 10 1, 20 1, 0 LINE, 10 1, 20 1, 11 3, 21 1, 0 ENDBLK");
+    QCOMPARE(outlineOf(drawing),
+        QStringLiteral(
+            "line 100 20, 100 24; point 0 0; text 92 0 т; text 98 23 н1; text 106 10 м"));
 }
 
 void TestFlattenBlocks::curvesInBlocks()

@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
+#include <QTextCodec>
 
 namespace {
 
@@ -33,11 +34,17 @@ private slots:
     void usage_data();
     void usage();
     void failures();
+    void failingPair();
+    void fullDevice();
     void sourcesStay_data();
     void sourcesStay();
     void json();
     void options_data();
     void options();
+    void moreOptions_data();
+    void moreOptions();
+    void encodings();
+    void nameField();
 };
 
 void TestPrepareCommand::oneDrawing()
@@ -189,6 +196,33 @@ void TestPrepareCommand::failures()
     QVERIFY(QFile::exists(files.path(QStringLiteral("out/lossy.dxf"))));
 }
 
+/// Of a pair both files are written, or none.
+void TestPrepareCommand::failingPair()
+{
+    const TempFiles files;
+    files.write(QStringLiteral("a.mif"), pairHeader + "Line 0 0 1 1\n");
+    files.write(QStringLiteral("b.mif"), "older");
+    QVERIFY(QDir(files.path(QString())).mkdir(QStringLiteral("b.mid")));
+    const CommandRun run =
+        runCommand(words({ "prepare", "a.mif", "-o", "b.mif" }), files.path(QString()));
+    QCOMPARE(run.status, 1);
+    QCOMPARE(contentOf(files.path(QStringLiteral("b.mif"))), QByteArray("older"));
+    QCOMPARE(QDir(files.path(QString())).entryList(QDir::Files, QDir::Name),
+        QStringList({ QStringLiteral("a.mif"), QStringLiteral("b.mif") }));
+}
+
+void TestPrepareCommand::fullDevice()
+{
+    if (!QFile::exists(QStringLiteral("/dev/full")))
+        QSKIP("there is no /dev/full");
+    const TempFiles files;
+    files.write(QStringLiteral("a.dxf"), lossyDrawing);
+    const CommandRun run =
+        runShell(QStringLiteral("\"$CLI\" prepare a.dxf -o - >/dev/full"), files.path(QString()));
+    // Worse than what is lost of the drawing.
+    QCOMPARE(run.status, 1);
+}
+
 void TestPrepareCommand::sourcesStay_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -281,6 +315,116 @@ void TestPrepareCommand::options()
     QCOMPARE(run.status, 0);
     QTEST(outline(contentOf(files.path(QStringLiteral("b.dxf")))).join(QStringLiteral("; ")),
         "expected");
+}
+
+void TestPrepareCommand::moreOptions_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("without");
+    QTest::addColumn<QString>("with");
+    QTest::addColumn<QByteArray>("drawing");
+    const auto row = [](const char* name, std::initializer_list<const char*> arguments,
+                         const char* without, const char* with, const QByteArray& drawing) {
+        QTest::newRow(name) << words(arguments) << QString::fromUtf8(without)
+                            << QString::fromUtf8(with) << drawing;
+    };
+    row("visible", { "--visible" }, "line 1 0, 2 0; line 3 0, 4 0; line 5 0, 6 0", "line 5 0, 6 0",
+        drawingOf("0 LINE, 8 off, 10 1, 20 0, 11 2, 21 0, 0 LINE, 8 a, 60 1, 10 3, 20 0, 11 4, "
+                  "21 0, 0 LINE, 8 a, 10 5, 20 0, 11 6, 21 0",
+            "", "0 TABLE, 2 LAYER, 0 LAYER, 2 off, 70 0, 62 -7, 0 ENDTAB"));
+    row("join", { "--join", "0.1" }, "line 0 0, 5 0; line 5.05 0, 5 5; line 5 5, 0 0",
+        "closed 0 0, 5.05 0, 5 5",
+        drawingOf("0 LINE, 8 a, 10 0, 20 0, 11 5, 21 0, 0 LINE, 8 a, 10 5.05, 20 0, 11 5, 21 5, "
+                  "0 LINE, 8 a, 10 5, 20 5, 11 0, 21 0"));
+    row("hatch", { "--hatch" }, "line 0 0, 1 0", "line 0 0, 1 0; closed 0 0, 5 0, 5 5",
+        drawingOf("0 LINE, 8 a, 10 0, 20 0, 11 1, 21 0, 0 HATCH, 8 a, 91 1, 92 3, 72 0, 73 1, "
+                  "93 3, 10 0, 20 0, 10 5, 20 0, 10 5, 20 5, 97 0, 75 0"));
+    const QByteArray labels = drawingOf(
+        "0 POINT, 10 0, 20 0, 0 TEXT, 10 1, 20 0, 1 т, 0 MTEXT, 10 2, 20 0, 1 м, "
+        "0 INSERT, 66 1, 2 B, 10 9, 20 9, 0 ATTRIB, 10 3, 20 0, 1 а, 2 N, 70 0, 0 SEQEND, "
+        "0 DIMENSION, 2 *D1",
+        "0 BLOCK, 2 B, 10 0, 20 0, 0 LINE, 10 0, 20 0, 11 1, 21 0, 0 ENDBLK, "
+        "0 BLOCK, 2 *D1, 10 0, 20 0, 0 TEXT, 10 4, 20 0, 1 р, 0 ENDBLK");
+    const char* const usual = "line 9 9, 10 9; point 0 0; text 1 0 т; text 2 0 м; text 3 0 а";
+    row("labels of texts", { "--labels", "text" }, usual, "line 9 9, 10 9; point 0 0; text 1 0 т",
+        labels);
+    row("labels of attributes", { "--labels", "attrib" }, usual,
+        "line 9 9, 10 9; point 0 0; text 3 0 а", labels);
+    row("labels of dimensions", { "--labels", "mtext,dimension" }, usual,
+        "line 9 9, 10 9; point 0 0; text 2 0 м; text 4 0 р", labels);
+    // Of the two blocks one is a small mark around its insertion.
+    row("blocks", { "--blocks", "auto" },
+        "line 0 0, 900 0; line 100 100, 150 100; point 500 500; text 0 0 т",
+        "line 0 0, 900 0; line 100 100, 150 100; point 500 500; text 0 0 т",
+        drawingOf("0 LINE, 10 0, 20 0, 11 900, 21 0, 0 INSERT, 2 M, 10 500, 20 500, "
+                  "0 INSERT, 2 L, 10 100, 20 100, 0 TEXT, 10 0, 20 0, 1 т",
+            "0 BLOCK, 2 M, 10 0, 20 0, 0 LINE, 10 -1, 20 0, 11 1, 21 0, 0 ENDBLK, "
+            "0 BLOCK, 2 L, 10 0, 20 0, 0 LINE, 10 0, 20 0, 11 50, 21 0, 0 ENDBLK"));
+    row("level", { "--level", "repair" }, "open 10 0, 7.0710678119 7.0710678119, 0 10", "arc 0 0",
+        drawingOf("0 ARC, 8 a, 10 0, 20 0, 40 10, 50 0, 51 90"));
+}
+
+void TestPrepareCommand::moreOptions()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, drawing);
+    const TempFiles files;
+    files.write(QStringLiteral("a.dxf"), drawing);
+    const auto outlineWith = [&files](const QStringList& options) {
+        const CommandRun run =
+            runCommand(words({ "prepare", "a.dxf", "-o", "b.dxf", "--tolerance", "1" }) + options,
+                files.path(QString()));
+        if (run.status != 0)
+            return run.err;
+        return outline(contentOf(files.path(QStringLiteral("b.dxf")))).join(QStringLiteral("; "));
+    };
+    QTEST(outlineWith({}), "without");
+    QTEST(outlineWith(arguments), "with");
+}
+
+void TestPrepareCommand::encodings()
+{
+    const QTextCodec* const windows = QTextCodec::codecForName("Windows-1251");
+    const QTextCodec* const dos = QTextCodec::codecForName("IBM866");
+    const QString drawing =
+        QString::fromUtf8(drawingOf("0 POINT, 10 0, 20 0, 0 TEXT, 10 1, 20 0, 1 Участок земли"));
+    const TempFiles files;
+    const auto written = [&files](const QByteArray& bytes, const QStringList& options) {
+        files.write(QStringLiteral("a.dxf"), bytes);
+        runCommand(words({ "prepare", "a.dxf", "-o", "b.dxf" }) + options, files.path(QString()));
+        return contentOf(files.path(QStringLiteral("b.dxf")));
+    };
+    const QString text = QStringLiteral("\nУчасток земли\n");
+    // Kept as the bytes tell it, and as the option does.
+    QVERIFY(written(windows->fromUnicode(drawing), {}).contains(windows->fromUnicode(text)));
+    const QStringList toUtf8 = words({ "--encoding", "UTF-8" });
+    QVERIFY(written(dos->fromUnicode(drawing), toUtf8).contains(text.toUtf8()));
+    // Read as the option says, whatever the bytes look like.
+    const QByteArray misread =
+        written(windows->fromUnicode(drawing), words({ "--from-encoding", "ISO-8859-1" }) + toUtf8);
+    QVERIFY(misread.contains(QString::fromLatin1(windows->fromUnicode(text)).toUtf8()));
+    const QByteArray other = written(drawing.toUtf8(), words({ "--encoding", "Windows-1251" }));
+    QVERIFY(other.contains(windows->fromUnicode(text)));
+}
+
+void TestPrepareCommand::nameField()
+{
+    const TempFiles files;
+    QByteArray header = pairHeader;
+    header.replace("Columns 1\n  a Char(9)\n", "Columns 2\n  a Char(9)\n  Номер Char(9)\n");
+    files.write(QStringLiteral("a.mif"), header + "Line 0 0 1 1\n");
+    files.write(QStringLiteral("a.mid"), "\"x\",\"ЗУ1\"\n");
+    const CommandRun run =
+        runCommand(words({ "prepare", "a.mif", "-o", "b.mif", "--name-field", "Номер" }),
+            files.path(QString()));
+    QCOMPARE(run.status, 0);
+    QCOMPARE(contentOf(files.path(QStringLiteral("b.mid"))), QByteArray("\"ЗУ1\",\"x\"\n"));
+    const CommandRun missing = runCommand(
+        words({ "prepare", "a.mif", "-o", "c.mif", "--name-field", "Имя" }), files.path(QString()));
+    QCOMPARE(missing.status, 1);
+    QCOMPARE(missing.errorLines(),
+        QStringList{ QStringLiteral("a.mif: нет столбца «Имя» (--name-field)") });
+    QVERIFY(!QFile::exists(files.path(QStringLiteral("c.mif"))));
 }
 
 QTEST_GUILESS_MAIN(TestPrepareCommand)

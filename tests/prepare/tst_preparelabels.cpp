@@ -28,6 +28,8 @@ private slots:
     void emptyLabels();
     void encodingIsToldFromBytes();
     void encodingIsChanged();
+    void utf16_data();
+    void utf16();
     void asciiWithEscapes();
     void asciiWithCodePage();
 };
@@ -243,6 +245,29 @@ void TestPrepareLabels::encodingIsChanged()
     const Prepared marked =
         prepared("\xEF\xBB\xBF" + drawingOf("0 POINT, 10 9, 20 9, 0 TEXT, 10 0, 20 0, 1 Участок"));
     QCOMPARE(outline(marked.bytes).last(), QStringLiteral("text 0 0 Участок"));
+}
+
+void TestPrepareLabels::utf16_data()
+{
+    QTest::addColumn<QByteArray>("mark");
+    QTest::addColumn<QByteArray>("codec");
+    QTest::newRow("little end first") << QByteArray("\xFF\xFE") << QByteArray("UTF-16LE");
+    QTest::newRow("big end first") << QByteArray("\xFE\xFF") << QByteArray("UTF-16BE");
+    QTest::newRow("without a mark") << QByteArray() << QByteArray("UTF-16LE");
+}
+
+void TestPrepareLabels::utf16()
+{
+    QFETCH(QByteArray, mark);
+    QFETCH(QByteArray, codec);
+    const QString drawing =
+        QString::fromUtf8(drawingOf("0 POINT, 10 9, 20 9, 0 TEXT, 10 0, 20 0, 1 Участок"));
+    QTextEncoder encoder(QTextCodec::codecForName(codec), QTextCodec::IgnoreHeader);
+    const Prepared result = prepared(mark + encoder.fromUnicode(drawing));
+    QVERIFY(result.written);
+    QCOMPARE(outline(result.bytes).last(), QStringLiteral("text 0 0 Участок"));
+    QCOMPARE(result.report.encoding, QByteArray("UTF-8"));
+    QCOMPARE(result.notes(), QStringList{ QStringLiteral("transcoded") });
 }
 
 void TestPrepareLabels::asciiWithEscapes()

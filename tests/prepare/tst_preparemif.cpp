@@ -1,6 +1,7 @@
 // MIF/MID pairs: what is mended, what becomes a contour, and that the import takes the result
 // whole.
 
+#include "deviation.h"
 #include "import/mifimport.h"
 #include "prepare/preparemif.h"
 #include "support/importing.h"
@@ -8,6 +9,9 @@
 #include <QBuffer>
 #include <QTest>
 #include <QTextCodec>
+#include <QtMath>
+
+#include <cmath>
 
 using prep::Level;
 using prep::PrepareOptions;
@@ -97,9 +101,12 @@ private slots:
     void missingMid();
     void noColumns();
     void collection();
+    void collectionOfPoints();
     void shapeOfNothing();
     void shapes_data();
     void shapes();
+    void sagitta_data();
+    void sagitta();
     void multipoint();
     void transform();
     void axesAndScale();
@@ -291,6 +298,20 @@ void TestPrepareMif::collection()
     QCOMPARE(import(result).messages, QStringList());
 }
 
+void TestPrepareMif::collectionOfPoints()
+{
+    const PreparedPair result = prepared(header
+            + "Collection 3\n  Multipoint 2\n    1 1\n    2 2\n  Region 1\n    3\n    0 0\n"
+              "    1 1\n    0 0\n  Pline Multiple 2\n    2\n    5 5\n    6 6\n    2\n    7 7\n"
+              "    8 8\nPoint 9 9\n",
+        QByteArray("\"к\",1\n\"т\",2\n"));
+    QCOMPARE(result.objects(),
+        QByteArray("Point 1 1\nPoint 2 2\nRegion 1\n  3\n0 0\n1 1\n0 0\nPline Multiple 2\n  2\n5 "
+                   "5\n6 6\n  2\n7 7\n8 8\nPoint 9 9\n"));
+    QCOMPARE(result.mid, QByteArray("\"к\",1\n\"к\",1\n\"к\",1\n\"к\",1\n\"т\",2\n"));
+    QCOMPARE(import(result).messages, QStringList());
+}
+
 /// A circle without an extent is no contour, and nothing else either.
 void TestPrepareMif::shapeOfNothing()
 {
@@ -333,6 +354,66 @@ void TestPrepareMif::shapes()
     QCOMPARE(import(result).messages, QStringList());
     // No shape changes at the level of repair.
     QCOMPARE(prepared(header + object, QByteArray("\"x\",1\n"), repair()).notes(), QStringList());
+}
+
+void TestPrepareMif::sagitta_data()
+{
+    QTest::addColumn<QByteArray>("object");
+    QTest::addColumn<Curve>("curve");
+    const auto arc = [](double x, double y, double a, double b, double start, double sweep) {
+        return Curve([=](double part) {
+            const double t = qDegreesToRadians(start + sweep * part);
+            return prep::Planar{ x + a * std::cos(t), y + b * std::sin(t) };
+        });
+    };
+    QTest::newRow("arc") << QByteArray("Arc -95 -17 105 3\n  300 200\n")
+                         << arc(5, -7, 100, 10, 300, 260);
+    QTest::newRow("circle") << QByteArray("Ellipse -95 -107 105 93\n")
+                            << arc(5, -7, 100, 100, 0, 360);
+    QTest::newRow("ellipse") << QByteArray("Ellipse -5 -107 15 93\n")
+                             << arc(5, -7, 10, 100, 0, 360);
+    // Quarters of circles around (180, 80), (20, 80), (20, 20), (180, 20), and what is between.
+    QTest::newRow("rounded rectangle")
+        << QByteArray("RoundRect 0 0 200 100 40\n") << Curve([arc](double part) {
+               const double place = std::min(part * 4, 3.999);
+               const int quarter = static_cast<int>(place);
+               const double x = quarter == 0 || quarter == 3 ? 180 : 20;
+               return arc(x, quarter < 2 ? 80 : 20, 20, 20, 90 * quarter, 90)(place - quarter);
+           });
+}
+
+void TestPrepareMif::sagitta()
+{
+    QFETCH(QByteArray, object);
+    QFETCH(Curve, curve);
+    const auto chordsOf = [&object](const QByteArray& head, const PrepareOptions& options) {
+        const QList<QByteArray> lines =
+            prepared(head + object, QByteArray("\"x\",1\n"), options).objects().split('\n');
+        std::vector<prep::Planar> places;
+        for (const QByteArray& line : lines) {
+            const QList<QByteArray> words = line.split(' ');
+            bool isNumber = false;
+            const double x = words.first().toDouble(&isNumber);
+            if (isNumber && words.size() == 2)
+                places.push_back({ x, words.last().toDouble() });
+        }
+        return places;
+    };
+    PrepareOptions options;
+    for (const double tolerance : { 0.001, 0.01, 1.0 }) {
+        options.tolerance = tolerance;
+        const std::vector<prep::Planar> chords = chordsOf(header, options);
+        QVERIFY(deviation(curve, chords) <= tolerance + 1e-9);
+    }
+    // Multiplied, the curve keeps its chords; what Transform makes of it is what is meant.
+    const size_t plain = chordsOf(header, options).size();
+    options.scale = 1000;
+    QCOMPARE(chordsOf(header, options).size(), plain);
+    options.scale = 1;
+    options.tolerance = 100;
+    QByteArray transformed = header;
+    transformed.replace("Columns", "Transform 100,100,0,0\nColumns");
+    QCOMPARE(chordsOf(transformed, options).size(), plain);
 }
 
 void TestPrepareMif::multipoint()
