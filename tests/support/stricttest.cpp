@@ -11,8 +11,10 @@ QtMessageHandler testHandler = nullptr;
 bool isPlatformRemark(const QString& message)
 {
     // A window manager and Qt meet at a window that has just gone.
-    if (message.contains(QLatin1String("XCB error: 3 (BadWindow)")))
-        return message.contains(QLatin1String("TranslateCoords"));
+    if (message.contains(QLatin1String("XCB error: 3 (BadWindow)"))) {
+        return message.contains(QLatin1String("TranslateCoords"))
+            || message.contains(QLatin1String("QueryTree"));
+    }
     if (message.contains(QLatin1String("XCB error: 8 (BadMatch)")))
         return message.contains(QLatin1String("SetInputFocus"));
     return message.startsWith(QLatin1String("This plugin does not support "))
