@@ -122,6 +122,8 @@ void takeAll(PluginHost& host, bool isForPages)
     plan->fitSelection();
     take(window, "window-object");
     take(*plan, "window-plan");
+    if (!isForPages)
+        window.exportTo(FormFile::Pdf, folder + QStringLiteral("/sheet.pdf"));
 
     // A drawing as people have it: refused, explained, mended.
     QTemporaryDir own;
