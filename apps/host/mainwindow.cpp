@@ -253,7 +253,8 @@ void MainWindow::updateObjectLabel()
     const ObjectShape shape(polygon, isArea(polygon), false);
     const auto number = [](double value) { return QLocale().toString(value, 'f', 2); };
     const QString measures = shape.isArea
-        ? QStringLiteral("площадь %1 кв. м, периметр %2 м").arg(number(shape.area), number(shape.perimeter))
+        ? QStringLiteral("площадь %1 кв. м, периметр %2 м")
+              .arg(number(shape.area), number(shape.perimeter))
         : QStringLiteral("длина %1 м").arg(number(shape.perimeter));
     m_objectLabel->setText(QStringLiteral("%1: %2").arg(polygon.def.left(100), measures));
 }
