@@ -34,26 +34,26 @@ QList<Example> examplesOf(const QString& page)
     return examples;
 }
 
+/// What the first group of a pattern, whose ^ and $ are those of lines, matches in a page.
+QStringList capturesIn(const QString& page, const QString& pattern)
+{
+    const QRegularExpression expression(pattern, QRegularExpression::MultilineOption);
+    QStringList captures;
+    for (auto match = expression.globalMatch(page); match.hasNext();)
+        captures.append(match.next().captured(1));
+    return captures;
+}
+
 /// The commands that a table of a page has in its first column.
 QStringList commandsOfTable(const QString& page)
 {
-    static const QRegularExpression row(
-        QStringLiteral("^\\| `(importgeometry [^`]*)`"), QRegularExpression::MultilineOption);
-    QStringList commands;
-    for (auto match = row.globalMatch(page); match.hasNext();)
-        commands.append(match.next().captured(1));
-    return commands;
+    return capturesIn(page, QStringLiteral("^\\| `(importgeometry [^`]*)`"));
 }
 
 /// The lines of shell that a page asks for, not those with their answers.
 QString shellLinesOf(const QString& page)
 {
-    static const QRegularExpression block(
-        QStringLiteral("^```sh\n([^`]*)^```$"), QRegularExpression::MultilineOption);
-    QString lines;
-    for (auto match = block.globalMatch(page); match.hasNext();)
-        lines += match.next().captured(1);
-    return lines;
+    return capturesIn(page, QStringLiteral("^```sh\n([^`]*)^```$")).join(QString());
 }
 
 QString sourceFile(const char* name)
@@ -129,12 +129,7 @@ QStringList optionsOf(const char* command)
 {
     const QString help =
         QString::fromUtf8(runCommand(words({ command, "--help" }), QDir::currentPath()).out);
-    static const QRegularExpression option(
-        QStringLiteral("^  (?:-\\w, )?(--[a-z-]+)"), QRegularExpression::MultilineOption);
-    QStringList options;
-    for (auto match = option.globalMatch(help); match.hasNext();)
-        options.append(match.next().captured(1));
-    return options;
+    return capturesIn(help, QStringLiteral("^  (?:-\\w, )?(--[a-z-]+)"));
 }
 
 /// What bash offers for the last of the words.
@@ -204,9 +199,10 @@ private slots:
     {
         QTest::addColumn<QString>("page");
         QTest::addColumn<QString>("folder");
-        const QString data = QStringLiteral("build/examples");
-        QTest::newRow("cli.md") << QStringLiteral("docs/cli.md") << data;
-        QTest::newRow("cli.ru.md") << QStringLiteral("docs/cli.ru.md") << data;
+        QTest::newRow("cli.md") << QStringLiteral("docs/cli.md")
+                                << QStringLiteral("build/examples");
+        QTest::newRow("cli.ru.md")
+            << QStringLiteral("docs/cli.ru.md") << QStringLiteral("build/примеры");
         QTest::newRow("prepare.md") << QStringLiteral("docs/prepare.md") << QString();
     }
 
