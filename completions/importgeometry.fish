@@ -11,6 +11,12 @@ $c -s h -l help -d 'Справка'
 # What all commands share.
 set -l of $c -n "__fish_seen_subcommand_from $commands"
 $of -l format -x -a 'mif dxf' -d 'Формат файлов'
+# -k keeps the order: encodings of drawings in Russian come first.
+$of -l encoding -x -k -a '(importgeometry convert --list-encodings)' -d 'Кодировка файлов'
+$of -l recursive -d 'И во вложенных папках'
+$of -l list-encodings -d 'Показать имена кодировок'
+
+set of $c -n '__fish_seen_subcommand_from convert check plan export'
 $of -l points -r -d 'Отдельный файл точек'
 $of -l search-points -x -a 'on off' -d 'Искать обозначения точек'
 $of -l search-objects -x -a 'on off' -d 'Искать обозначения объектов'
@@ -18,10 +24,6 @@ $of -l point-prefix -x -d 'Префикс точек'
 $of -l object-prefix -x -d 'Префикс объектов'
 $of -l point-start -x -d 'Начальный номер точек'
 $of -l object-start -x -d 'Начальный номер объектов'
-# -k keeps the order: encodings of drawings in Russian come first.
-$of -l encoding -x -k -a '(importgeometry convert --list-encodings)' -d 'Кодировка файлов'
-$of -l recursive -d 'И во вложенных папках'
-$of -l list-encodings -d 'Показать имена кодировок'
 
 set of $c -n '__fish_seen_subcommand_from convert plan export prepare'
 $of -s o -l output -r -d 'Куда записать'
@@ -31,7 +33,7 @@ $of -l strict -d 'Потери - ошибка'
 $of -s v -l verbose -d 'И что делать'
 $of -l partial -d 'И прочитанное до ошибки'
 
-set of $c -n '__fish_seen_subcommand_from convert check plan export'
+set of $c -n "__fish_seen_subcommand_from $commands"
 $of -s q -l quiet -d 'Только ошибки'
 
 set of $c -n '__fish_seen_subcommand_from convert check'

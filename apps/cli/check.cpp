@@ -77,7 +77,7 @@ CheckOptions readCheckOptions(const QCommandLineParser& parser)
     options.mostListed = parser.isSet(QStringLiteral("all")) ? allFindings : listedFindings;
     options.quiet = parser.isSet(QStringLiteral("quiet"));
     options.jobs = readNumber(parser, jobs, 1, maxJobs);
-    options.forwarded = forwardedArguments(parser, checkCommandLineOptions(),
+    options.forwarded = forwardedArguments(parser, checkCommand.options(),
         { jobs, QStringLiteral("json"), QStringLiteral("json-lines"), QStringLiteral("summary"),
             QStringLiteral("recursive") });
     return options;
@@ -183,4 +183,5 @@ ExitStatus runCheck(const QCommandLineParser& parser)
 } // namespace
 
 const Command checkCommand{ "check", "ФАЙЛ... [--json | --summary] [параметры]",
-    "Проверить файлы и объяснить, что в них не так.", checkCommandLineOptions, runCheck, false };
+    "Проверить файлы и объяснить, что в них не так.", checkCommandLineOptions,
+    importCommandLineOptions, runCheck, false };

@@ -5,7 +5,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSet>
 
 namespace {
 
@@ -41,15 +40,6 @@ constexpr struct {
     { "duplicates", "повторяющиеся обозначения объектов" },
     { "incomplete", "контуры с недостатком вершин" },
 };
-
-QString titleOf(const QString& id)
-{
-    for (const auto& row : objectFindings) {
-        if (id == QLatin1String(row.id))
-            return QString::fromUtf8(row.text);
-    }
-    return id;
-}
 
 } // namespace
 
@@ -90,34 +80,33 @@ void CheckOutput::add(const QJsonObject& report, const QString& text)
 void CheckOutput::count(const QJsonObject& report)
 {
     m_found += report.value(QLatin1String("findings")).toDouble() > 0 ? 1 : 0;
-    QSet<QString> ids;
-    const auto add = [&](const QString& id, qint64 findings) {
-        if (findings == 0)
-            return;
-        ids.insert(id);
-        m_findingsOfCause[id] += findings;
-    };
+    QMap<QString, qint64> causes;
     for (const QJsonValue& cause : report.value(QLatin1String("causes")).toArray())
-        add(cause.toObject().value(QLatin1String("id")).toString(), 1);
+        ++causes[cause.toObject().value(QLatin1String("id")).toString()];
+    for (auto cause = causes.cbegin(); cause != causes.cend(); ++cause)
+        m_causes[cause.key()].add(cause.value());
     const QJsonObject unlisted = report.value(QLatin1String("unlisted")).toObject();
     for (const auto& row : objectFindings) {
         const QLatin1String id(row.id);
-        add(id,
+        m_objectFindings[id].add(
             report.value(id).toArray().size() + static_cast<qint64>(unlisted.value(id).toDouble()));
     }
-    for (const QString& id : qAsConst(ids))
-        ++m_filesOfCause[id];
 }
 
 QString CheckOutput::summary() const
 {
     QString text = QStringLiteral("файлов: %1, с замечаниями: %2\n").arg(m_total).arg(m_found);
-    for (auto row = m_filesOfCause.cbegin(); row != m_filesOfCause.cend(); ++row) {
-        text += QStringLiteral("%1: файлов: %2, замечаний: %3\n")
-                    .arg(titleOf(row.key()))
-                    .arg(row.value())
-                    .arg(m_findingsOfCause.value(row.key()));
-    }
+    const auto add = [&text](const QString& title, const Tally& tally) {
+        if (tally.files > 0)
+            text += QStringLiteral("%1: файлов: %2, замечаний: %3\n")
+                        .arg(title)
+                        .arg(tally.files)
+                        .arg(tally.findings);
+    };
+    for (auto row = m_causes.cbegin(); row != m_causes.cend(); ++row)
+        add(row.key(), row.value());
+    for (const auto& row : objectFindings)
+        add(QString::fromUtf8(row.text), m_objectFindings.value(QLatin1String(row.id)));
     return text;
 }
 

@@ -22,6 +22,18 @@ public:
     void finish();
 
 private:
+    /// How many files have findings of a kind, and how many.
+    struct Tally {
+        int files = 0;
+        qint64 findings = 0;
+
+        void add(qint64 count)
+        {
+            files += count > 0 ? 1 : 0;
+            findings += count;
+        }
+    };
+
     void write(const QByteArray& bytes);
     void count(const QJsonObject& report);
     QString summary() const;
@@ -30,7 +42,7 @@ private:
     int m_total;
     int m_added = 0;
     int m_found = 0;
-    QMap<QString, int> m_filesOfCause;
-    QMap<QString, qint64> m_findingsOfCause;
+    QMap<QString, Tally> m_causes;
+    QMap<QString, Tally> m_objectFindings;
     OutputFile m_out;
 };

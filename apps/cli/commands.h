@@ -13,9 +13,12 @@ struct Command {
     const char* name;
     const char* usage; ///< what stands behind the name on the command line
     const char* summary;
-    QList<QCommandLineOption> (*options)(); ///< beside those of every command
+    QList<QCommandLineOption> (*ownOptions)();
+    QList<QCommandLineOption> (*inputOptions)(); ///< which files are read, and how
     ExitStatus (*run)(const QCommandLineParser& parser);
     bool needsGui; ///< it draws text
+
+    QList<QCommandLineOption> options() const { return ownOptions() + inputOptions(); }
 };
 
 extern const Command convertCommand;

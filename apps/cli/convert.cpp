@@ -87,9 +87,8 @@ ResultOptions readResultOptions(const QCommandLineParser& parser)
 
 QString targetIn(const QString& folder, const ImportTask& task)
 {
-    const bool isAtTop = task.subfolder.isEmpty() || task.subfolder == QLatin1String(".");
-    const QDir place(isAtTop ? folder : QDir(folder).filePath(task.subfolder));
-    return place.filePath(QFileInfo(task.fileName()).completeBaseName() + QStringLiteral(".xml"));
+    return QDir(placeIn(folder, task.subfolder))
+        .filePath(QFileInfo(task.fileName()).completeBaseName() + QStringLiteral(".xml"));
 }
 
 QStringList readTargets(const QCommandLineParser& parser, const QVector<ImportTask>& tasks)
@@ -133,8 +132,7 @@ std::optional<prep::PrepareOptions> readPreparation(const QCommandLineParser& pa
 {
     if (parser.isSet(QStringLiteral("prepare"))) {
         prep::PrepareOptions options = readPreparationOptions(parser);
-        if (options.fromEncoding.isEmpty()
-            && parser.value(QStringLiteral("encoding")) != QLatin1String("auto"))
+        if (options.fromEncoding.isEmpty())
             options.fromEncoding = readCodec(parser, "encoding");
         return options;
     }
@@ -166,7 +164,7 @@ ConvertOptions readConvertOptions(const QCommandLineParser& parser)
     // Several files share the processors by themselves, and who asks for one job gets one.
     options.overlaps = !options.sort && !(parser.isSet(QStringLiteral("jobs")) && options.jobs == 1)
         && ResultFile::isOfUse(options.targets.constFirst());
-    options.forwarded = forwardedArguments(parser, convertCommandLineOptions(),
+    options.forwarded = forwardedArguments(parser, convertCommand.options(),
         { QStringLiteral("output"), QStringLiteral("out-dir"), QStringLiteral("jobs"),
             QStringLiteral("recursive") });
     return options;
@@ -188,10 +186,8 @@ void writeXml(
 /// Makes the folders that the results are to be in.
 void makeFolders(const ConvertOptions& options)
 {
-    if (!options.makesFolders)
-        return;
-    for (const QString& target : options.targets)
-        QDir().mkpath(QFileInfo(target).path());
+    if (options.makesFolders)
+        makeFoldersOf(options.targets);
 }
 
 /// Puts a prepared copy in the place of a file, and tells what that took. False when something was
@@ -327,4 +323,5 @@ ExitStatus runConvert(const QCommandLineParser& parser)
 } // namespace
 
 const Command convertCommand{ "convert", "ФАЙЛ... [-o ФАЙЛ | --out-dir ПАПКА] [параметры]",
-    "Записать результат импорта в XML.", convertCommandLineOptions, runConvert, false };
+    "Записать результат импорта в XML.", convertCommandLineOptions, importCommandLineOptions,
+    runConvert, false };

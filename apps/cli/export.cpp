@@ -91,7 +91,7 @@ void write(const ExportTask& task, const ImportRun& all)
     } else if (task.format == ExportFormat::GeoJson) {
         writeGeoJson(out, all.objects, all.shapes, task.options);
         if (!task.telling.quiet && !all.objects.isEmpty() && !guessDegrees(all.objects)) {
-            printMessage(task.target,
+            printMessage(OutputFile::shownName(task.target),
                 QStringLiteral("координаты те же, что в файле; GeoJSON ждёт градусы WGS 84"));
         }
     } else {
@@ -140,4 +140,5 @@ ExitStatus runExport(const QCommandLineParser& parser)
 } // namespace
 
 const Command exportCommand{ "export", "ФАЙЛ... -o ФАЙЛ.csv|ФАЙЛ.geojson|ФАЙЛ.mif [параметры]",
-    "Записать каталог в CSV, GeoJSON или MIF/MID.", exportCommandLineOptions, runExport, false };
+    "Записать каталог в CSV, GeoJSON или MIF/MID.", exportCommandLineOptions,
+    importCommandLineOptions, runExport, false };

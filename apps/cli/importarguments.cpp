@@ -40,20 +40,6 @@ bool readSwitch(const QCommandLineParser& parser, const QString& option)
         QStringLiteral("--%1: ожидается on или off, а не «%2»").arg(option, value) };
 }
 
-QByteArray readEncoding(const QCommandLineParser& parser)
-{
-    const QString text = parser.value(QStringLiteral("encoding"));
-    const QByteArray name = text.toLatin1();
-    if (name == "auto")
-        return name;
-    if (name != defaultEncoding() && !QTextCodec::codecForName(name)) {
-        throw Failure{ WrongUsage,
-            QStringLiteral("неизвестная кодировка «%1»%2; список даёт --list-encodings")
-                .arg(text, suggestionText(text, encodingList().split(QLatin1Char('\n')))) };
-    }
-    return name == defaultEncoding() ? systemEncoding() : name;
-}
-
 /// What --format says; null to go by the suffix of the name.
 const Format* readFormat(const QCommandLineParser& parser)
 {
@@ -120,6 +106,13 @@ QStringList filesIn(const QString& folder, const Format* format, bool recursive)
     return files;
 }
 
+/// The place of a file below a folder; "." for a file in the folder itself.
+QString subfolderOf(const QString& fileName, const QString& folder)
+{
+    const QString place = QDir(folder).relativeFilePath(QFileInfo(fileName).absolutePath());
+    return place.isEmpty() ? QStringLiteral(".") : place;
+}
+
 bool isSameFile(const QString& a, const QString& b)
 {
     return !b.isEmpty() && QFileInfo(a) == QFileInfo(b);
@@ -139,22 +132,32 @@ ImportOptions readOptions(const QCommandLineParser& parser)
     options.searchObjectDefs = readSwitch(parser, QStringLiteral("search-objects"));
     options.objectPref = parser.value(QStringLiteral("object-prefix"));
     options.objectStartNum = readNumber(parser, QStringLiteral("object-start"), 1, maxStartNum);
-    options.encoding = readEncoding(parser);
+    options.encoding = encodingOf(parser.value(QStringLiteral("encoding")));
     return options;
+}
+
+QCommandLineOption option(
+    const char* name, const char* text, const char* value, const QString& defaultValue = QString())
+{
+    return QCommandLineOption(
+        QString::fromLatin1(name), QString::fromUtf8(text), QString::fromUtf8(value), defaultValue);
 }
 
 } // namespace
 
+QList<QCommandLineOption> inputFileOptions()
+{
+    return {
+        option("format", "Формат файлов: mif или dxf; без параметра - по расширению.", "ФОРМАТ"),
+        option("recursive", "Искать файлы и во вложенных папках.", ""),
+        option("list-encodings", "Показать имена кодировок и закончить работу.", ""),
+    };
+}
+
 QList<QCommandLineOption> importCommandLineOptions()
 {
     const ImportOptions defaults = ImportOptions::offered();
-    const auto option = [](const char* name, const char* text, const char* value,
-                            const QString& defaultValue = QString()) {
-        return QCommandLineOption(QString::fromLatin1(name), QString::fromUtf8(text),
-            QString::fromUtf8(value), defaultValue);
-    };
-    return {
-        option("format", "Формат файлов: mif или dxf; без параметра - по расширению.", "ФОРМАТ"),
+    return QList<QCommandLineOption>{
         option("points", "Отдельный файл точек.", "ФАЙЛ"),
         option("search-points", "Искать обозначения точек: on или off; без параметра - on.",
             "on|off", QStringLiteral("on")),
@@ -172,33 +175,56 @@ QList<QCommandLineOption> importCommandLineOptions()
             "Кодировка файлов; auto - по их байтам; без параметра - Default, то есть кодировка "
             "системы.",
             "ИМЯ", QString::fromLatin1(defaultEncoding())),
-        option("recursive", "Искать файлы и во вложенных папках.", ""),
-        option("list-encodings", "Показать имена кодировок и закончить работу.", ""),
-    };
+    }
+    + inputFileOptions();
 }
 
-QVector<ImportTask> readImportTasks(
+QVector<InputFile> readInputFiles(
     const QCommandLineParser& parser, const Format* (*formatOfOther)(const QString& fileName))
 {
     const Format* const format = readFormat(parser);
-    const ImportOptions options = readOptions(parser);
     const bool recursive = parser.isSet(QStringLiteral("recursive"));
-    QVector<ImportTask> tasks;
+    QVector<InputFile> inputs;
     for (const QString& argument : parser.positionalArguments()) {
         const bool isFolder = QFileInfo(argument).isDir();
         const QStringList files = isFolder ? filesIn(argument, format, recursive)
                                            : QStringList{ inputFileName(argument) };
         for (const QString& file : files) {
             const Format* const other = !format && formatOfOther ? formatOfOther(file) : nullptr;
-            ImportTask task{ other ? other : &findFormat(file, format), options, {} };
-            task.options.objectFileName = file;
-            if (isFolder)
-                task.subfolder = QDir(argument).relativeFilePath(QFileInfo(file).absolutePath());
-            if (!isFolder || !isSameFile(file, options.pointFileName))
-                tasks.append(task);
+            inputs.append({ file, other ? other : &findFormat(file, format),
+                isFolder ? subfolderOf(file, argument) : QString() });
         }
     }
+    return inputs;
+}
+
+QVector<ImportTask> readImportTasks(
+    const QCommandLineParser& parser, const Format* (*formatOfOther)(const QString& fileName))
+{
+    const ImportOptions options = readOptions(parser);
+    QVector<ImportTask> tasks;
+    for (const InputFile& input : readInputFiles(parser, formatOfOther)) {
+        ImportTask task{ input.format, options, input.subfolder };
+        task.options.objectFileName = input.name;
+        // A folder may hold the points beside the objects.
+        const bool isOfFolder = !input.subfolder.isEmpty();
+        if (!isOfFolder || !isSameFile(input.name, options.pointFileName))
+            tasks.append(task);
+    }
     return tasks;
+}
+
+QByteArray encodingOf(const QString& text)
+{
+    const QByteArray name = text.toLatin1();
+    if (name == "auto")
+        return name;
+    if (name != defaultEncoding() && !QTextCodec::codecForName(name)) {
+        throw Failure{ WrongUsage,
+            QStringLiteral("неизвестная кодировка «%1»%2; список даёт --list-encodings")
+                .arg(text, suggestionText(text, encodingList().split(QLatin1Char('\n')))) };
+    }
+    return name == defaultEncoding() ? systemEncoding() : name;
 }
 
 QCommandLineOption columnsOption()

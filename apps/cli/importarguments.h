@@ -18,12 +18,25 @@ struct ImportTask {
     const QString& fileName() const { return options.objectFileName; }
 };
 
-/// The options of the command line that every command has.
+/// A file of the command line.
+struct InputFile {
+    QString name;
+    const Format* format; ///< never null
+    QString subfolder; ///< where a folder was named: the file's place below it, "." in it itself
+};
+
+/// The options that say which files are read; importCommandLineOptions() has them, too.
+QList<QCommandLineOption> inputFileOptions();
+
+/// The options that say which files are imported, and how.
 QList<QCommandLineOption> importCommandLineOptions();
 
-/// The files of the command line, and of the folders on it, in order, each with what the options
-/// say of all of them. `formatOfOther`, which may be null, tells the format of a file that is none
-/// of those known.
+/// The files of the command line, and of the folders on it, in order. `formatOfOther`, which may be
+/// null, tells the format of a file that is none of those known.
+QVector<InputFile> readInputFiles(
+    const QCommandLineParser& parser, const Format* (*formatOfOther)(const QString& fileName));
+
+/// The same, each with what the options say of all of them.
 QVector<ImportTask> readImportTasks(const QCommandLineParser& parser,
     const Format* (*formatOfOther)(const QString& fileName) = nullptr);
 
@@ -32,6 +45,10 @@ QCommandLineOption columnsOption();
 
 /// The columns of the catalogue that --columns names.
 GeometryInfo readColumns(const QCommandLineParser& parser);
+
+/// The codec of this name, that of the system for the default, or "auto". Fails for an unknown
+/// name.
+QByteArray encodingOf(const QString& text);
 
 /// The names that --encoding takes, one a line.
 QString encodingList();

@@ -216,7 +216,7 @@ QStringList forwardedArguments(const QCommandLineParser& parser,
     const QList<QCommandLineOption>& options, const QStringList& leftOut)
 {
     QStringList arguments;
-    for (const QCommandLineOption& option : options + importCommandLineOptions()) {
+    for (const QCommandLineOption& option : options) {
         const QString name = option.names().constLast();
         if (!parser.isSet(option) || leftOut.contains(name))
             continue;

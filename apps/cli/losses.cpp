@@ -9,9 +9,9 @@ namespace {
 
 /// What somebody who has the result must know of; the rest is told by a check.
 constexpr Cause losses[] = { Cause::EmptyFile, Cause::NothingInside, Cause::NoObjects,
-    Cause::NoData, Cause::BlockInsertsOnly, Cause::LeftOut, Cause::ClosedFlag, Cause::Bulges,
-    Cause::Mesh, Cause::PaperSpace, Cause::MidDelimiter, Cause::Encoding, Cause::Degrees,
-    Cause::Axes };
+    Cause::NoData, Cause::BlockInsertsOnly, Cause::MTextOnly, Cause::LeftOut, Cause::ClosedFlag,
+    Cause::Bulges, Cause::Mesh, Cause::PaperSpace, Cause::MidDelimiter, Cause::Encoding,
+    Cause::Degrees, Cause::Axes };
 
 bool isLoss(const FoundCause& found)
 {

@@ -89,7 +89,7 @@ QString commandHelp(const Command& command, const QCommandLineParser& parser)
 QStringList optionNames(const Command& command)
 {
     QStringList names{ QStringLiteral("--help") };
-    for (const QCommandLineOption& option : command.options() + importCommandLineOptions())
+    for (const QCommandLineOption& option : command.options())
         names.append(QStringLiteral("--") + option.names().constLast());
     return names;
 }
@@ -149,7 +149,6 @@ ExitStatus runCommand(const Command& command, const QStringList& arguments)
     parser.addPositionalArgument(
         QStringLiteral("ФАЙЛ"), QStringLiteral("Файлы MIF или DXF."), QStringLiteral("ФАЙЛ..."));
     parser.addOptions(command.options());
-    parser.addOptions(importCommandLineOptions());
     parser.addOption({ { QStringLiteral("h"), help }, QStringLiteral("Показать эту справку.") });
     if (!parser.parse(withAllCores(arguments)))
         throw Failure{ WrongUsage, parseErrorText(command, parser, arguments) };
@@ -176,6 +175,17 @@ QStringList commandNames()
     for (const Command* command : commands)
         names.append(QString::fromLatin1(command->name));
     return names;
+}
+
+QString unknownText(const QString& first)
+{
+    if (first.startsWith(QLatin1Char('-'))) {
+        const QStringList options{ QStringLiteral("--help"), QStringLiteral("--version") };
+        return QStringLiteral("неизвестный параметр «%1»%2")
+            .arg(first, suggestionText(first, options));
+    }
+    return QStringLiteral("неизвестная команда «%1»%2")
+        .arg(first, suggestionText(first, commandNames()));
 }
 
 const Command* findCommand(const QString& name)
@@ -210,8 +220,7 @@ ExitStatus run(const Command* command, QStringList arguments)
     throw Failure{ WrongUsage,
         first.isEmpty()
             ? QStringLiteral("не указана команда: ") + commandNames().join(QLatin1String(", "))
-            : QStringLiteral("неизвестная команда «%1»%2")
-                  .arg(first, suggestionText(first, commandNames())) };
+            : unknownText(first) };
 }
 
 std::unique_ptr<QCoreApplication> makeApplication(bool needsGui, int& argc, char** argv)

@@ -60,16 +60,10 @@ int placeError(const QString& fileName)
     return folder.isDir() ? 0 : ENOTDIR;
 }
 
-QString shownName(const QString& fileName)
-{
-    return fileName == QLatin1String("-") ? QStringLiteral("стандартный вывод")
-                                          : QDir::toNativeSeparators(fileName);
-}
-
 [[noreturn]] void fail(const QString& fileName, const QString& what, int error)
 {
     throw Failure{ Failed,
-        QStringLiteral("%1: %2: %3").arg(shownName(fileName), what, errorText(error)) };
+        QStringLiteral("%1: %2: %3").arg(OutputFile::shownName(fileName), what, errorText(error)) };
 }
 
 [[noreturn]] void failToOpen(const QString& fileName, int error)
@@ -131,6 +125,12 @@ void OutputFile::checkPlace(const QString& fileName)
 }
 
 OutputFile::~OutputFile() = default;
+
+QString OutputFile::shownName(const QString& fileName)
+{
+    return fileName == QLatin1String("-") ? QStringLiteral("стандартный вывод")
+                                          : QDir::toNativeSeparators(fileName);
+}
 
 bool OutputFile::appearsAtEnd(const QString& fileName)
 {

@@ -22,6 +22,9 @@ public:
     /// Fails at once where opening could not succeed, so that no work is done in vain.
     static void checkPlace(const QString& fileName);
 
+    /// The name as messages have it.
+    static QString shownName(const QString& fileName);
+
     /// Whether what is written stays out of sight until commit(): a file, not a device, a pipe or
     /// standard output.
     static bool appearsAtEnd(const QString& fileName);

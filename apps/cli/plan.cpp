@@ -170,4 +170,4 @@ ExitStatus runPlan(const QCommandLineParser& parser)
 } // namespace
 
 const Command planCommand{ "plan", "ФАЙЛ... -o ФАЙЛ.svg|ФАЙЛ.png [параметры]",
-    "Нарисовать план объектов.", planCommandLineOptions, runPlan, true };
+    "Нарисовать план объектов.", planCommandLineOptions, importCommandLineOptions, runPlan, true };

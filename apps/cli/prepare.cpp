@@ -1,11 +1,12 @@
 #include "commands.h"
 #include "fileprogress.h"
+#include "importarguments.h"
 #include "outputfile.h"
 #include "prepare/foreignfile.h"
 #include "prepare/reporttext.h"
 #include "preparearguments.h"
 #include "preparefile.h"
-#include "standardinput.h"
+#include "targets.h"
 
 #include <QCommandLineParser>
 #include <QDir>
@@ -23,34 +24,39 @@ QList<QCommandLineOption> prepareCommandLineOptions()
             QStringLiteral("Куда записать файл; «-» - стандартный вывод (только DXF)."),
             QStringLiteral("ФАЙЛ") },
         { QStringLiteral("out-dir"),
-            QStringLiteral("Папка, в которую файлы записываются под своими именами."),
+            QStringLiteral(
+                "Папка, в которую файлы записываются под своими именами; создаётся, если "
+                "её нет."),
             QStringLiteral("ПАПКА") },
         { QStringLiteral("json"), QStringLiteral("Отчёт в виде JSON на стандартный вывод.") },
+        { { QStringLiteral("q"), QStringLiteral("quiet") },
+            QStringLiteral("Сообщать только об ошибках.") },
     }
     + preparationOptions();
 }
 
-PrepareTask taskOf(const QString& fileName, const QCommandLineParser& parser)
+QList<QCommandLineOption> prepareInputOptions()
 {
-    const QString id = parser.value(QStringLiteral("format")).toLower();
-    const Format* const foreign = id.isEmpty() ? prep::formatOfForeignFile(fileName) : nullptr;
-    const Format* const own = id.isEmpty() ? formatOfFile(fileName) : formatOfId(id);
-    if (foreign || own)
-        return { fileName, foreign ? foreign : own, foreign != nullptr, {} };
-    throw Failure{ WrongUsage,
-        QStringLiteral("%1: формат по расширению не определить; укажите --format mif или dxf")
-            .arg(fileName) };
+    return QList<QCommandLineOption>{
+        { QStringLiteral("encoding"),
+            QStringLiteral(
+                "Кодировка копий; auto или без параметра - та же, что у исходных файлов."),
+            QStringLiteral("ИМЯ") },
+    }
+    + inputFileOptions();
 }
 
-QString targetOf(const PrepareTask& task, const QCommandLineParser& parser)
+QString targetOf(
+    const PrepareTask& task, const QString& subfolder, const QCommandLineParser& parser)
 {
     QString output = parser.value(QStringLiteral("output"));
     const QString folder = parser.value(QStringLiteral("out-dir"));
     if (output.isEmpty() == folder.isEmpty())
         throw Failure{ WrongUsage, QStringLiteral("укажите -o ФАЙЛ или --out-dir ПАПКА") };
     if (output.isEmpty()) {
-        return QDir(folder).filePath(
-            QFileInfo(task.fileName).completeBaseName() + QLatin1Char('.') + task.format->suffix);
+        return QDir(placeIn(folder, subfolder))
+            .filePath(QFileInfo(task.fileName).completeBaseName() + QLatin1Char('.')
+                + task.format->suffix);
     }
     if (task.isForeign && formatOfFile(output) != task.format)
         throw Failure{ WrongUsage,
@@ -61,14 +67,16 @@ QString targetOf(const PrepareTask& task, const QCommandLineParser& parser)
 
 QVector<PrepareTask> readTasks(const QCommandLineParser& parser)
 {
-    const QStringList files = parser.positionalArguments();
+    const QVector<InputFile> files = readInputFiles(parser, prep::formatOfForeignFile);
     if (files.size() > 1 && parser.isSet(QStringLiteral("output")))
         throw Failure{ WrongUsage, QStringLiteral("для нескольких файлов укажите --out-dir") };
     QVector<PrepareTask> tasks;
     QVector<TargetClaim> claims;
-    for (const QString& file : files) {
-        PrepareTask task = taskOf(inputFileName(file), parser);
-        task.target = targetOf(task, parser);
+    for (const InputFile& file : files) {
+        const bool isForeign =
+            !parser.isSet(QStringLiteral("format")) && prep::formatOfForeignFile(file.name);
+        PrepareTask task{ file.name, file.format, isForeign, {} };
+        task.target = targetOf(task, file.subfolder, parser);
         if (task.target == standardOutput
             && (task.isMif() || parser.isSet(QStringLiteral("json")))) {
             throw Failure{ WrongUsage,
@@ -81,25 +89,36 @@ QVector<PrepareTask> readTasks(const QCommandLineParser& parser)
     return tasks;
 }
 
+void tell(const PrepareTask& task, const prep::PrepareReport& report)
+{
+    for (const QString& line : prep::reportLines(report, OutputFile::shownName(task.target)))
+        printMessage(task.fileName, line);
+}
+
 ExitStatus runPrepare(const QCommandLineParser& parser)
 {
     prep::PrepareOptions options = readPreparationOptions(parser);
     options.encoding = readCodec(parser, "encoding");
     const QVector<PrepareTask> tasks = readTasks(parser);
+    if (parser.isSet(QStringLiteral("out-dir"))) {
+        for (const PrepareTask& task : tasks)
+            makeFoldersOf({ task.target });
+    }
+    const bool quiet = parser.isSet(QStringLiteral("quiet"));
     QJsonArray answers;
     ExitStatus status = Done;
-    FileProgress progress(false);
+    FileProgress progress(quiet);
     for (const PrepareTask& task : tasks) {
         progress.startFiles({ task.fileName });
         prep::PrepareReport report;
         try {
-            report = prepareFile(task, options);
+            report = prepareFile(task, options, FileProgress::countObject);
         } catch (const Failure& failure) {
             report.failure = failure.text;
             status = Failed;
         }
-        for (const QString& line : prep::reportLines(report, task.target))
-            printMessage(task.fileName, line);
+        if (!quiet || !report.failure.isEmpty())
+            tell(task, report);
         if (report.hasLosses() && status == Done)
             status = Found;
         answers.append(prep::reportJson(report, task.fileName, task.target));
@@ -112,5 +131,5 @@ ExitStatus runPrepare(const QCommandLineParser& parser)
 } // namespace
 
 const Command prepareCommand{ "prepare", "ФАЙЛ... -o ФАЙЛ | --out-dir ПАПКА [параметры]",
-    "Записать копию файла, которая читается целиком.", prepareCommandLineOptions, runPrepare,
-    false };
+    "Записать копию файла, которая читается целиком.", prepareCommandLineOptions,
+    prepareInputOptions, runPrepare, false };

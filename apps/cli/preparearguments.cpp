@@ -1,9 +1,9 @@
 #include "preparearguments.h"
 
 #include "console.h"
+#include "importarguments.h"
 
 #include <QCommandLineParser>
-#include <QTextCodec>
 
 #include <cmath>
 #include <limits>
@@ -72,11 +72,10 @@ void checkLevel(const PrepareOptions& options)
 QByteArray readCodec(const QCommandLineParser& parser, const char* name)
 {
     const QString option = QString::fromLatin1(name);
-    const QString text = parser.isSet(option) ? parser.value(option) : QString();
-    if (text.isEmpty() || QTextCodec::codecForName(text.toLatin1()))
-        return text.toLatin1();
-    throw Failure{ WrongUsage,
-        QStringLiteral("неизвестная кодировка «%1»; список даёт --list-encodings").arg(text) };
+    if (!parser.isSet(option))
+        return {};
+    const QByteArray encoding = encodingOf(parser.value(option));
+    return encoding == "auto" ? QByteArray() : encoding;
 }
 
 QList<QCommandLineOption> preparationOptions()

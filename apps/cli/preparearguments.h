@@ -14,5 +14,5 @@ QList<QCommandLineOption> preparationOptions();
 /// they call it.
 prep::PrepareOptions readPreparationOptions(const QCommandLineParser& parser);
 
-/// The name of a codec that an option gives; empty where it is not set.
+/// The name of a codec that an option gives; empty where it is not set, or "auto".
 QByteArray readCodec(const QCommandLineParser& parser, const char* name);

@@ -100,9 +100,11 @@ TargetClaim PrepareTask::claim() const
     return claim;
 }
 
-prep::PrepareReport prepareFile(const PrepareTask& task, const prep::PrepareOptions& options)
+prep::PrepareReport prepareFile(const PrepareTask& task, const prep::PrepareOptions& options,
+    const std::function<void()>& entityWritten)
 {
     prep::PrepareReport report;
+    report.entityWritten = entityWritten;
     OutputFile::checkPlace(task.target);
     spoolStandardInput(task.fileName);
     if (task.isForeign)

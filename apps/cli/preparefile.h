@@ -5,6 +5,8 @@
 #include "prepare/preparereport.h"
 #include "targets.h"
 
+#include <functional>
+
 /// A file and what is to become of it.
 struct PrepareTask {
     QString fileName;
@@ -18,5 +20,7 @@ struct PrepareTask {
     TargetClaim claim() const;
 };
 
-/// Writes the prepared file. Fails when nothing could be written.
-prep::PrepareReport prepareFile(const PrepareTask& task, const prep::PrepareOptions& options);
+/// Writes the prepared file. Fails when nothing could be written. `entityWritten`, which may be
+/// empty, is called for each entity.
+prep::PrepareReport prepareFile(const PrepareTask& task, const prep::PrepareOptions& options,
+    const std::function<void()>& entityWritten = {});

@@ -36,11 +36,19 @@ QJsonArray toJsonArray(const Items& items, ToJson convert)
     return array;
 }
 
+/// The name of a kind for programs.
+QString kindId(const std::string& name)
+{
+    return QString::fromStdString(name)
+        .replace(QString::fromUtf8(inBlocks), QLatin1String(" in blocks"))
+        .replace(QString::fromUtf8(otherKinds), QLatin1String("other"));
+}
+
 QJsonObject toJson(const FileSurvey& survey)
 {
     QJsonArray kinds;
     for (const auto& [name, kind] : survey.kinds) {
-        kinds.append(QJsonObject{ { QStringLiteral("kind"), QString::fromStdString(name) },
+        kinds.append(QJsonObject{ { QStringLiteral("kind"), kindId(name) },
             { QStringLiteral("count"), kind.count }, { QStringLiteral("read"), kind.read },
             { QStringLiteral("skipped"), kind.count - kind.read } });
     }

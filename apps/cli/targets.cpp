@@ -23,6 +23,19 @@ QSet<QString> sourcesOf(const QVector<TargetClaim>& claims)
 
 } // namespace
 
+QString placeIn(const QString& folder, const QString& subfolder)
+{
+    return subfolder.isEmpty() || subfolder == QLatin1String(".")
+        ? folder
+        : QDir(folder).filePath(subfolder);
+}
+
+void makeFoldersOf(const QStringList& targets)
+{
+    for (const QString& target : targets)
+        QDir().mkpath(QFileInfo(target).path());
+}
+
 void checkTargets(const QVector<TargetClaim>& claims)
 {
     const QSet<QString> sources = sourcesOf(claims);

@@ -11,6 +11,12 @@ struct TargetClaim {
     QStringList targets;
 };
 
+/// The place below `folder` for the result of a file of this subfolder (see InputFile).
+QString placeIn(const QString& folder, const QString& subfolder);
+
+/// Makes the folders that these files are to be in.
+void makeFoldersOf(const QStringList& targets);
+
 /// Refuses results that would take the place of one another or of a file that is read.
 void checkTargets(const QVector<TargetClaim>& claims);
 

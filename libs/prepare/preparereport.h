@@ -4,6 +4,7 @@
 #include <QMap>
 #include <QString>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -118,6 +119,8 @@ public:
     {
         KindTally& tally = tallyOf(kind);
         ++(changed ? tally.changed : tally.kept);
+        if (entityWritten)
+            entityWritten();
     }
     /// Entities were not written, for the reason that the note tells.
     void drop(std::string_view kind, Note reason, qint64 count = 1);
@@ -129,6 +132,7 @@ public:
     const std::map<Note, qint64>& notes() const { return m_notes; }
     const std::map<std::string, KindTally>& kinds() const { return m_kinds; }
 
+    std::function<void()> entityWritten; ///< called for each entity in write(); may be empty
     QString failure; ///< why nothing was written; empty when something was
     QByteArray encoding; ///< of the file that was written; a codec's name
     QByteArray sourceEncoding; ///< as told from the bytes, or as it was given

@@ -152,12 +152,14 @@ const CauseTexts& textsOf(Cause cause)
 /// Stands for what only a file tells.
 const QString ellipsis = QStringLiteral("…");
 
-/// A name as a shell takes it for one word.
+/// A name as a shell takes it for one word, and a command for no option.
 QString quoted(const QString& name)
 {
+    if (name.startsWith(QLatin1Char('-')))
+        return quoted(QStringLiteral("./") + name);
     static const QRegularExpression special(
         QStringLiteral("[^\\w./+,:@%=-]"), QRegularExpression::UseUnicodePropertiesOption);
-    if (!name.contains(special) && !name.startsWith(QLatin1Char('-')))
+    if (!name.contains(special))
         return name;
     return QLatin1Char('\'') + QString(name).replace(QLatin1Char('\''), QLatin1String("'\\''"))
         + QLatin1Char('\'');

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr const char* inBlocks = " (в блоках)";
-
 /// More names than these are nothing that a drawing has; a census stays small.
 constexpr size_t maxKinds = 1000;
 constexpr size_t maxNames = 100000;
@@ -148,7 +146,7 @@ void DxfCensus::countKind(std::string_view kind, const char* suffix)
     if (!m_lastCount || m_lastKind != name) {
         m_lastCount = kinds.size() < maxKinds || kinds.find(name) != kinds.end()
             ? &kinds[name]
-            : &kinds["(прочие)"];
+            : &kinds[otherKinds];
         m_lastKind = std::move(name);
     }
     ++m_lastCount->count;

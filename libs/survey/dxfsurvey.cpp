@@ -91,14 +91,15 @@ void DxfSurvey::judge()
 {
     const qint64 contours = countOf("LINE") + countOf("POLYLINE") + countOf("LWPOLYLINE");
     const bool searchesDefs = m_options.searchPointDefs || searchesObjectDefs();
-    if (readsObjects() && contours == 0 && countOf("INSERT") > 0)
+    const bool insertsAlone = contours == 0 && countOf("INSERT") > 0;
+    if (readsObjects() && insertsAlone)
         addCause(Cause::BlockInsertsOnly, 0, {}, countOf("INSERT"));
     if (searchesDefs && countOf("MTEXT") > 0 && countOf("TEXT") == 0)
         addCause(Cause::MTextOnly, 0, {}, countOf("MTEXT"));
     if (contours > 0 && leavesTextsUnsorted())
         addCause(Cause::UnsortedTexts, 0, {}, countOf("TEXT"));
-    if (readsObjects() && contours > 0)
-        judgeLeftOut();
+    if (readsObjects() && (contours > 0 || insertsAlone))
+        judgeLeftOut(insertsAlone);
     judgeObjects();
 }
 
@@ -122,7 +123,7 @@ void DxfSurvey::judgeObjects()
         addCause(Cause::PaperSpace, 0, {}, m_census.paper);
 }
 
-void DxfSurvey::judgeLeftOut()
+void DxfSurvey::judgeLeftOut(bool insertsAlone)
 {
     constexpr int maxNamed = 12;
     QStringList names;
@@ -144,7 +145,9 @@ void DxfSurvey::judgeLeftOut()
         add(QStringLiteral("CIRCLE"), countOf("CIRCLE"));
         add(QStringLiteral("ELLIPSE"), countOf("ELLIPSE"));
     }
-    add(QStringLiteral("вставки блоков с линиями (INSERT)"), m_census.insertsWithGeometry);
+    // Where no line stands beside them they have a cause of their own.
+    if (!insertsAlone)
+        add(QStringLiteral("вставки блоков с линиями (INSERT)"), m_census.insertsWithGeometry);
     if (count > 0)
         addCause(Cause::LeftOut, 0, names.join(QLatin1String(", ")), count);
 }

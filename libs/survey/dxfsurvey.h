@@ -18,7 +18,7 @@ private:
     void explainEntity(const ImportFailure& failure);
     bool leavesTextsUnsorted() const;
     void judgeObjects();
-    void judgeLeftOut();
+    void judgeLeftOut(bool insertsAlone);
 
     DxfCensus m_census{ [this](std::string_view text) { takeDesignation(text); } };
 };

@@ -23,6 +23,11 @@ struct KindCount {
     qint64 read = 0;
 };
 
+/// Behind the name of a kind: those that stand in the blocks of a drawing.
+constexpr const char* inBlocks = " (в блоках)";
+/// In the place of a kind's name: all that are too many to be told one by one.
+constexpr const char* otherKinds = "(прочие)";
+
 /// What a file holds beside what an import made of it, and why that may be less than its user
 /// expects.
 ///
@@ -31,7 +36,7 @@ struct KindCount {
 /// bytes.
 struct FileSurvey {
     QString fileName;
-    std::map<std::string, KindCount> kinds; ///< by name, as the file writes it
+    std::map<std::string, KindCount> kinds; ///< by name, as the file writes it, with the above
     QVector<FoundCause> causes;
     QByteArray likelyEncoding; ///< a codec's name; empty for plain ASCII
     QString declaredEncoding; ///< what the file's header says

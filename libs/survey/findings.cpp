@@ -260,6 +260,8 @@ struct Extent {
             }
         }
     }
+
+    bool isEmpty() const { return minX > maxX; }
 };
 
 /// Whether an object of this extent is a small one in degrees.
@@ -281,9 +283,9 @@ std::optional<QPointF> guessDegrees(const QVector<DefPolygon>& objects)
     qint64 inDegrees = 0;
     QPointF sum;
     for (const DefPolygon& object : objects) {
-        if (object.contours.isEmpty())
-            continue;
         const Extent extent(object);
+        if (extent.isEmpty())
+            continue;
         ++total;
         if (!isInDegrees(extent))
             continue;

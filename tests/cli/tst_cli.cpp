@@ -181,6 +181,8 @@ private slots:
             QTest::newRow(name) << words(arguments) << QString::fromUtf8(message);
         };
         row("nothing", {}, "не указана команда: convert, check, plan, export, prepare");
+        row("unknown option of the program", { "--vrsion" },
+            "неизвестный параметр «--vrsion»; возможно, «--version»");
         row("unknown command", { "konvert" }, "неизвестная команда «konvert»; возможно, «convert»");
         row("no file", { "convert" }, "не указан ни один файл");
         row("unknown option", { "convert", "parcels.mif", "--swap" },

@@ -2,6 +2,7 @@
 #include "support/tempfiles.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -33,6 +34,28 @@ QList<Example> examplesOf(const QString& page)
     return examples;
 }
 
+/// What the first group of a pattern, whose ^ and $ are those of lines, matches in a page.
+QStringList capturesIn(const QString& page, const QString& pattern)
+{
+    const QRegularExpression expression(pattern, QRegularExpression::MultilineOption);
+    QStringList captures;
+    for (auto match = expression.globalMatch(page); match.hasNext();)
+        captures.append(match.next().captured(1));
+    return captures;
+}
+
+/// The commands that a table of a page has in its first column.
+QStringList commandsOfTable(const QString& page)
+{
+    return capturesIn(page, QStringLiteral("^\\| `(importgeometry [^`]*)`"));
+}
+
+/// The lines of shell that a page asks for, not those with their answers.
+QString shellLinesOf(const QString& page)
+{
+    return capturesIn(page, QStringLiteral("^```sh\n([^`]*)^```$")).join(QString());
+}
+
 QString sourceFile(const char* name)
 {
     return QDir(QStringLiteral(SOURCE_DIR)).filePath(QLatin1String(name));
@@ -43,17 +66,70 @@ QString textOf(const char* name)
     return QString::fromUtf8(contentOf(sourceFile(name)));
 }
 
+/// A folder that looks like a clone after a build, for its examples.
+class Clone : public TempFiles {
+public:
+    Clone()
+    {
+        copy("tests/cli/data");
+        copy("samples");
+        QDir(path(QString())).mkpath(QStringLiteral("build/release/bin"));
+        QFile::link(commandPath(), path(QStringLiteral("build/release/bin/importgeometry")));
+    }
+
+    /// Runs lines of shell in the clone, or in a folder of it.
+    CommandRun run(const QString& script, const QString& folder = {}) const
+    {
+        return runShell(
+            QStringLiteral("export LC_ALL=C.UTF-8; exec 2>&1; ") + script, path(folder));
+    }
+    /// The same with the command on the PATH.
+    CommandRun runBuilt(const QString& script, const QString& folder) const
+    {
+        const QString programs = path(QStringLiteral("build/release/bin"));
+        return run(QStringLiteral("PATH='%1':\"$PATH\"; ").arg(programs) + script, folder);
+    }
+
+    /// What stands outside the folder of the build and was not there at first.
+    QStringList strayFiles() const
+    {
+        QStringList names;
+        for (const QString& name : filesBelow(path(QString()))) {
+            if (!m_copied.contains(name) && !name.startsWith(QLatin1String("build/")))
+                names.append(name);
+        }
+        return names;
+    }
+
+private:
+    static QStringList filesBelow(const QString& folder)
+    {
+        QStringList names;
+        for (QDirIterator it(folder, QDir::Files, QDirIterator::Subdirectories); it.hasNext();)
+            names.append(QDir(folder).relativeFilePath(it.next()));
+        return names;
+    }
+
+    void copy(const char* folder)
+    {
+        const QString source = sourceFile(folder);
+        QDir(path(QString())).mkpath(QLatin1String(folder));
+        for (const QString& name : filesBelow(source)) {
+            const QString file = QLatin1String(folder) + QLatin1Char('/') + name;
+            write(file, contentOf(QDir(source).filePath(name)));
+            m_copied.append(file);
+        }
+    }
+
+    QStringList m_copied;
+};
+
 /// The long options that the help of a command names.
 QStringList optionsOf(const char* command)
 {
     const QString help =
         QString::fromUtf8(runCommand(words({ command, "--help" }), QDir::currentPath()).out);
-    static const QRegularExpression option(
-        QStringLiteral("^  (?:-\\w, )?(--[a-z-]+)"), QRegularExpression::MultilineOption);
-    QStringList options;
-    for (auto match = option.globalMatch(help); match.hasNext();)
-        options.append(match.next().captured(1));
-    return options;
+    return capturesIn(help, QStringLiteral("^  (?:-\\w, )?(--[a-z-]+)"));
 }
 
 /// What bash offers for the last of the words.
@@ -122,29 +198,59 @@ private slots:
     void examples_data()
     {
         QTest::addColumn<QString>("page");
-        QTest::newRow("cli.md") << QStringLiteral("docs/cli.md");
-        QTest::newRow("cli.ru.md") << QStringLiteral("docs/cli.ru.md");
+        QTest::addColumn<QString>("folder");
+        QTest::newRow("cli.md") << QStringLiteral("docs/cli.md")
+                                << QStringLiteral("build/examples");
+        QTest::newRow("cli.ru.md")
+            << QStringLiteral("docs/cli.ru.md") << QStringLiteral("build/примеры");
+        QTest::newRow("prepare.md") << QStringLiteral("docs/prepare.md") << QString();
     }
 
     void examples()
     {
         QFETCH(QString, page);
-        const TempFiles folder;
-        const QDir data(dataFile(""));
-        for (const QString& name : data.entryList(QDir::Files))
-            folder.write(name, contentOf(data.filePath(name)));
-        const QList<Example> examples = examplesOf(textOf(qPrintable(page)));
-        QVERIFY(examples.size() >= 10);
+        QFETCH(QString, folder);
+        const QString text = textOf(qPrintable(page));
+        const Clone clone;
+        if (!folder.isEmpty()) {
+            // The page says how the command is found and where its files are.
+            const CommandRun setUp =
+                clone.run(shellLinesOf(text) + QStringLiteral("pwd; command -v importgeometry"));
+            const QString end = QStringLiteral("/%1\n").arg(folder);
+            const QString found = QString::fromUtf8(setUp.out);
+            QVERIFY2(found.contains(end)
+                    && found.endsWith(QLatin1String("/build/release/bin/importgeometry\n")),
+                setUp.out.constData());
+        }
+        const QList<Example> examples = examplesOf(text);
+        QVERIFY(examples.size() >= 3);
         for (const Example& example : examples) {
-            const CommandRun run = runShell(
-                QStringLiteral("PATH=\"$(dirname \"$CLI\"):$PATH\"; exec 2>&1; ") + example.command,
-                folder.path(QString()));
+            const CommandRun run = clone.runBuilt(example.command, folder);
             QVERIFY2(QString::fromUtf8(run.out) == example.output,
                 qPrintable(QStringLiteral("%1:%2 prints\n%3")
                                .arg(page)
                                .arg(example.line)
                                .arg(QString::fromUtf8(run.out))));
         }
+        for (const QString& command : commandsOfTable(text))
+            QCOMPARE(clone.runBuilt(command, folder).status, 0);
+        QCOMPARE(clone.strayFiles(), QStringList());
+    }
+
+    /// The guide asks for its commands in the clone itself.
+    void guide()
+    {
+        const Clone clone;
+        const QString lines = shellLinesOf(textOf("docs/guide.ru.md"));
+        QVERIFY(lines.contains(QLatin1String("importgeometry prepare ")));
+        for (const QString& line : lines.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+            const CommandRun run = clone.runBuilt(line, {});
+            // A check finds something in one of the samples.
+            QVERIFY2(
+                run.status == 0 || (run.status == 3 && line.contains(QLatin1String(" check "))),
+                run.out.constData());
+        }
+        QCOMPARE(clone.strayFiles(), QStringList());
     }
 
     void everyOptionIsDescribed_data()

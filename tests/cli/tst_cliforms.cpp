@@ -38,6 +38,21 @@ private slots:
         QCOMPARE(report.value(QStringLiteral("conflicts")).toArray(), expected);
     }
 
+    void kindsAsJson()
+    {
+        m_folder.write(QStringLiteral("a.dxf"),
+            "0\nSECTION\n2\nHEADER\n0\nENDSEC\n0\nSECTION\n2\nBLOCKS\n0\nBLOCK\n2\nB\n0\nLINE\n"
+            "0\nENDBLK\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n0\nARC\n0\nENDSEC\n0\nEOF\n");
+        const CommandRun run = shell(QStringLiteral("$CLI check --json a.dxf"));
+        const QJsonObject report = QJsonDocument::fromJson(run.out).array().first().toObject();
+        const QJsonObject contents =
+            report.value(QStringLiteral("contents")).toArray().first().toObject();
+        QStringList kinds;
+        for (const QJsonValue& kind : contents.value(QStringLiteral("kinds")).toArray())
+            kinds.append(kind.toObject().value(QStringLiteral("kind")).toString());
+        QCOMPARE(kinds, QStringList({ QStringLiteral("ARC"), QStringLiteral("LINE in blocks") }));
+    }
+
     void exportAsMif()
     {
         const CommandRun run = shell(QStringLiteral("$CLI export --encoding UTF-8 a.mif -o b.mif"));
@@ -49,6 +64,38 @@ private slots:
         QCOMPARE(shell(QStringLiteral("cat b.mid")).out, QByteArray("\"?1\",12.50,17.07\n"));
         QCOMPARE(
             shell(QStringLiteral("$CLI export -q --encoding UTF-8 a.mif -o b.mif")).err, QString());
+    }
+
+    void exportAsGeoJson_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<bool>("isInDegrees");
+        QTest::newRow("metres") << QByteArray("468214 2213661 468247 2213670") << false;
+        QTest::newRow("degrees") << QByteArray("37.6 55.7 37.61 55.71") << true;
+    }
+
+    /// GeoJSON has no coordinate system but one.
+    void exportAsGeoJson()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(bool, isInDegrees);
+        TempFiles folder;
+        folder.write(QStringLiteral("a.mif"),
+            "Version 300\nCharset \"Neutral\"\nDelimiter \",\"\nData\nLine " + line + '\n');
+        folder.write(QStringLiteral("a.mid"), "1\n");
+        const auto told = [&folder](const char* options, const QString& name) {
+            const CommandRun run =
+                runShell(QStringLiteral("$CLI export a.mif ") + QLatin1String(options),
+                    folder.path(QString()));
+            return run.status == 0
+                && run.errorLines().contains(name
+                    + QStringLiteral(
+                        ": координаты те же, что в файле; GeoJSON ждёт градусы WGS 84"));
+        };
+        QCOMPARE(told("-o b.geojson", QStringLiteral("b.geojson")), !isInDegrees);
+        QCOMPARE(told("--to geojson", QStringLiteral("стандартный вывод")), !isInDegrees);
+        QVERIFY(!told("-q -o c.geojson", QStringLiteral("c.geojson")));
+        QVERIFY(!told("-o b.csv", QStringLiteral("b.csv")));
     }
 
     void exportIsRefused_data()

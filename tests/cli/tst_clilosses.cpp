@@ -32,6 +32,8 @@ private slots:
             "В чертеже нет линий и полилиний, а содержимое блоков (вставок: 1) не читается.");
         row("kinds", drawing(line + "0\nARC\n0\nHATCH\n0\nARC\n"),
             "Не прочитана часть элементов: ARC - 2, HATCH - 1.");
+        row("labels", drawing(line + "0\nMTEXT\n10\n0\n20\n0\n1\nA\n"),
+            "Надписи записаны как MTEXT (1), а обозначения ищутся только в TEXT.");
         row("encoding", drawing(line + "0\nTEXT\n10\n0\n20\n0\n1\n\xD3\xF7\xE0\xF1\xF2\xEE\xEA\n"),
             "Байты файла похожи на Windows-1251, а выбрана другая кодировка.");
         row("degrees", drawing("0\nLINE\n10\n37.6\n20\n55.7\n11\n37.61\n21\n55.71\n"),
@@ -151,16 +153,22 @@ private slots:
         folder.write(QStringLiteral("a.dxf"), drawing(line));
         folder.write(QStringLiteral("b.dxf"), "999\na\n" + drawing(line));
         folder.write(QStringLiteral("c.dxf"), "999\na\n" + drawing(line));
+        // A name behind that of the messages; findings about objects come behind all causes.
+        folder.write(QStringLiteral("d.dxf"), "0\nLINE\n");
+        folder.write(QStringLiteral("e.mif"), mifHeader() + "Region 0\n");
+        folder.write(QStringLiteral("e.mid"), "1\n");
         const CommandRun run = runCommand(
             words({ "check", ".", "--summary", "--quiet" }), folder.path(QStringLiteral(".")));
         QCOMPARE(run.status, 3);
         QCOMPARE(QString::fromUtf8(run.out),
-            QStringLiteral("файлов: 3, с замечаниями: 2\n"
+            QStringLiteral("файлов: 5, с замечаниями: 4\n"
                            "leading-comment: файлов: 2, замечаний: 2\n"
-                           "сообщения импорта: файлов: 2, замечаний: 2\n"));
+                           "not-dxf: файлов: 1, замечаний: 1\n"
+                           "сообщения импорта: файлов: 3, замечаний: 3\n"
+                           "контуры с недостатком вершин: файлов: 1, замечаний: 1\n"));
         const CommandRun lines = runCommand(
             words({ "check", ".", "--json-lines", "--quiet" }), folder.path(QStringLiteral(".")));
-        QCOMPARE(lines.out.count('\n'), 3);
+        QCOMPARE(lines.out.count('\n'), 5);
         QCOMPARE(lines.out.count("leading-comment"), 2);
     }
 

@@ -4,7 +4,10 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTest>
+
+#include <functional>
 
 #include <sys/stat.h>
 
@@ -30,13 +33,23 @@ private:
     QFile m_file;
 };
 
-/// Lines enough to fill every pipe with what becomes of them.
-QByteArray manyLines()
+/// So many lines fill every pipe with what becomes of them.
+constexpr int manyLines = 20000;
+
+QByteArray pairOfManyLines()
 {
     QByteArray mif = mifHeader();
-    for (int i = 0; i < 20000; ++i)
+    for (int i = 0; i < manyLines; ++i)
         mif += "Line " + QByteArray::number(i) + " 0 1 1\n";
     return mif;
+}
+
+QByteArray drawingOfManyLines()
+{
+    QByteArray entities;
+    for (int i = 0; i < manyLines; ++i)
+        entities += "0\nLINE\n10\n" + QByteArray::number(i) + "\n20\n0\n11\n1\n21\n1\n";
+    return drawing(entities);
 }
 
 } // namespace
@@ -83,24 +96,29 @@ private slots:
     void writing_data()
     {
         QTest::addColumn<QString>("arguments");
-        QTest::newRow("convert") << QStringLiteral("convert a.mif");
-        QTest::newRow("plan") << QStringLiteral("plan a.mif --to svg");
-        QTest::newRow("export") << QStringLiteral("export a.mif --to geojson");
+        QTest::newRow("convert") << QStringLiteral(
+            "convert a.mif --search-points off --search-objects off");
+        QTest::newRow("plan") << QStringLiteral(
+            "plan a.mif --to svg --search-points off --search-objects off");
+        QTest::newRow("export") << QStringLiteral(
+            "export a.mif --to geojson --search-points off --search-objects off");
+        QTest::newRow("prepare") << QStringLiteral("prepare a.dxf");
+        QTest::newRow("prepare repair") << QStringLiteral("prepare a.dxf --level repair");
     }
 
     void writing()
     {
         QFETCH(QString, arguments);
-        m_folder->write(QStringLiteral("a.mif"), manyLines());
+        m_folder->write(QStringLiteral("a.mif"), pairOfManyLines());
+        m_folder->write(QStringLiteral("a.dxf"), drawingOfManyLines());
         const QString out = m_folder->path(QStringLiteral("out"));
         Pipe output(out);
         QProcess process;
-        start(process,
-            arguments
-                + QStringLiteral(" -o out --search-points off "
-                                 "--search-objects off"));
+        start(process, arguments + QStringLiteral(" -o out"));
         const QByteArray shown = waitForText(process, "записано объектов: ");
-        QVERIFY2(shown.contains("прочитано: 0.3 МБ, записано объектов: "), shown.constData());
+        const QByteArray size = arguments.contains(QLatin1String("dxf")) ? "0.6" : "0.3";
+        QVERIFY2(
+            shown.contains("прочитано: " + size + " МБ, записано объектов: "), shown.constData());
         QProcess reader;
         reader.setStandardOutputFile(QProcess::nullDevice());
         reader.start(QStringLiteral("cat"), { out });
@@ -109,6 +127,28 @@ private slots:
         // Now nobody writes, and the reader ends.
         output.close();
         QVERIFY(reader.waitForFinished(patience));
+    }
+
+    /// No machine reads this file, which takes no room on the disk, before the test stops it: as a
+    /// drawing it is refused at once, but all its bytes are looked at.
+    void largeNamedFile()
+    {
+        constexpr qint64 size = Q_INT64_C(1) << 40;
+        const QString name = m_folder->path(QStringLiteral("large.dxf"));
+        m_folder->write(QStringLiteral("large.dxf"), "0\nSECTION\n2\nTABLES\n");
+        QVERIFY2(QFile::resize(name, size), "no file may have holes here");
+        QProcess process;
+        start(process, QStringLiteral("check large.dxf"));
+        static const QRegularExpression more(QStringLiteral(
+            "large\\.dxf: прочитано (?!0\\.0)[0-9.]+ МБ из 1048576\\.0 МБ \\(0 %\\)"));
+        const QByteArray shown = waitForShown(
+            process, [](const QByteArray& text) { return QString::fromUtf8(text).contains(more); });
+        QVERIFY(!shown.isEmpty());
+        // As the key that interrupts, which the terminal turns into a signal.
+        process.write("\x03");
+        const CommandRun run = waitFor(process);
+        QVERIFY2(run.out.contains("importgeometry: прервано"), run.out.constData());
+        QVERIFY(run.status != 0);
     }
 
     void nothingIntoAPipe()
@@ -144,14 +184,22 @@ private:
     /// What a terminal shows until the text is there.
     static QByteArray waitForText(QProcess& process, const QByteArray& text)
     {
+        return waitForShown(
+            process, [&text](const QByteArray& shown) { return shown.contains(text); });
+    }
+
+    /// What a terminal shows until it is what is waited for; nothing if it never is.
+    static QByteArray waitForShown(
+        QProcess& process, const std::function<bool(const QByteArray&)>& isThere)
+    {
         QByteArray shown;
         const bool found = QTest::qWaitFor(
             [&] {
                 shown += process.readAllStandardOutput();
-                return shown.contains(text) || process.state() == QProcess::NotRunning;
+                return isThere(shown) || process.state() == QProcess::NotRunning;
             },
             patience);
-        return found ? shown : QByteArray();
+        return found && isThere(shown) ? shown : QByteArray();
     }
 
     std::unique_ptr<TempFiles> m_folder;

@@ -63,8 +63,8 @@ QByteArray binaryDrawing()
 
 QJsonObject causeOf(const QString& file, const QString& id, const QString& folder)
 {
-    const CommandRun run =
-        runCommand(words({ "check", "--json", "--encoding=auto" }) + QStringList(file), folder);
+    const CommandRun run = runCommand(
+        words({ "check", "--json", "--encoding=auto", "--" }) + QStringList(file), folder);
     const QJsonObject report = QJsonDocument::fromJson(run.out).array().first().toObject();
     for (const QJsonValue& cause : report.value(QLatin1String("causes")).toArray()) {
         if (cause.toObject().value(QLatin1String("id")) == id)
@@ -304,10 +304,10 @@ private slots:
         const TempFiles folder;
         const QString path = folder.path(QStringLiteral("."));
         folder.write(name + QStringLiteral(".dxf"), "999\nby a program\n" + drawing(line));
-        const QString remedy = causeOf(QStringLiteral("./") + name + QStringLiteral(".dxf"),
-            QStringLiteral("leading-comment"), path)
-                                   .value(QLatin1String("remedy"))
-                                   .toString();
+        const QString remedy =
+            causeOf(name + QStringLiteral(".dxf"), QStringLiteral("leading-comment"), path)
+                .value(QLatin1String("remedy"))
+                .toString();
         const QString command = remedy.mid(remedy.indexOf(QLatin1String("importgeometry ")) + 14);
         const CommandRun prepared = runShell(QStringLiteral("$CLI") + command, path);
         QVERIFY2(prepared.status == 0, qPrintable(remedy + prepared.err));

@@ -85,10 +85,9 @@ private slots:
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QStringList>("causes");
         const auto row = [](const char* name, const QByteArray& content, const char* cause) {
-            QStringList causes;
-            if (*cause != '\0')
-                causes.append(QString::fromUtf8(cause));
-            QTest::newRow(name) << content << causes;
+            QTest::newRow(name) << content
+                                << QString::fromUtf8(cause).split(
+                                       QStringLiteral("; "), Qt::SkipEmptyParts);
         };
 
         row("sound", drawing(line), "");
@@ -104,6 +103,8 @@ private slots:
         row("another file", "<svg/>\n", "not-dxf 1 0 []");
         row("inserts alone", drawing("0\nINSERT\n2\nP\n10\n0\n20\n0\n0\nINSERT\n10\n1\n20\n1\n"),
             "block-inserts 0 2 []");
+        row("inserts alone beside curves", drawing("0\nINSERT\n10\n1\n20\n1\n0\nARC\n0\nARC\n"),
+            "block-inserts 0 1 []; left-out 0 2 [ARC - 2]");
         row("inserts beside lines", drawing(line + "0\nINSERT\n2\nP\n10\n0\n20\n0\n"), "");
         row("MTEXT alone", drawing(line + "0\nMTEXT\n10\n0\n20\n0\n1\nA\n"), "mtext 0 1 []");
         row("MTEXT beside TEXT", drawing(line + "0\nMTEXT\n1\nA\n0\nTEXT\n10\n0\n20\n0\n1\nA\n"),
@@ -565,6 +566,10 @@ private slots:
         const DefPolygon object =
             polygon({ { { {}, x, y }, { {}, x + size, y }, { {}, x, y + size } } });
         QTEST(guessDegrees({ object }).has_value(), "found");
+        // An object that an error left without vertices stands nowhere.
+        const DefPolygon nowhere = polygon({ QVector<DefPoint>() });
+        QTEST(guessDegrees({ nowhere, object, nowhere }).has_value(), "found");
+        QVERIFY(!guessDegrees({ nowhere }));
     }
 
     void duplicates()

@@ -30,6 +30,10 @@ private slots:
     void standardOutput();
     void losses();
     void folder();
+    void foldersNamed();
+    void namedEncodings_data();
+    void namedEncodings();
+    void quiet();
     void pair();
     void usage_data();
     void usage();
@@ -95,7 +99,6 @@ void TestPrepareCommand::folder()
     files.write(QStringLiteral("b.DXF"), lossyDrawing);
     files.write(QStringLiteral("c.mif"), pairHeader + "Line 0 0 1 1\n");
     files.write(QStringLiteral("d.dxf"), "nothing");
-    QVERIFY(QDir(files.path(QString())).mkdir(QStringLiteral("out")));
     const CommandRun run =
         runCommand(words({ "prepare", "a.dxf", "b.DXF", "c.mif", "d.dxf", "--out-dir", "out" }),
             files.path(QString()));
@@ -105,6 +108,67 @@ void TestPrepareCommand::folder()
         QStringList({ QStringLiteral("a.dxf"), QStringLiteral("b.dxf"), QStringLiteral("c.mid"),
             QStringLiteral("c.mif") }));
     QVERIFY(run.err.contains(QStringLiteral("d.dxf: это не чертёж DXF\n")));
+}
+
+void TestPrepareCommand::foldersNamed()
+{
+    const TempFiles files;
+    QVERIFY(QDir(files.path(QString())).mkpath(QStringLiteral("in/deep")));
+    for (const char* name : { "in/a.dxf", "in/deep/a.dxf" })
+        files.write(QLatin1String(name), wholeDrawing);
+    files.write(QStringLiteral("in/readme.txt"), "no drawing");
+    const auto prepared = [&files](std::initializer_list<const char*> arguments) {
+        return runCommand(words({ "prepare", "in", "--out-dir", "new/out" }) + words(arguments),
+            files.path(QString()));
+    };
+    const QString deep = files.path(QStringLiteral("new/out/deep/a.dxf"));
+    QCOMPARE(prepared({}).status, 0);
+    QVERIFY(QFile::exists(files.path(QStringLiteral("new/out/a.dxf"))));
+    QVERIFY(!QFile::exists(deep));
+    QCOMPARE(prepared({ "--recursive" }).status, 0);
+    QVERIFY(QFile::exists(deep));
+}
+
+void TestPrepareCommand::namedEncodings_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QByteArray>("text");
+    const QByteArray windows = "\xD3\xF7\xE0\xF1\xF2\xEE\xEA";
+    const QByteArray utf8 = "Участок";
+    QTest::newRow("as it was") << QStringList() << windows;
+    QTest::newRow("auto") << words({ "--encoding", "auto" }) << windows;
+    QTest::newRow("auto of the source") << words({ "--from-encoding", "auto" }) << windows;
+    QTest::newRow("named") << words({ "--encoding", "UTF-8" }) << utf8;
+    QTest::newRow("of the system") << words({ "--encoding", "Default" }) << utf8;
+}
+
+void TestPrepareCommand::namedEncodings()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QByteArray, text);
+    const TempFiles files;
+    files.write(QStringLiteral("a.mif"), pairHeader + "Line 0 0 1 1\n");
+    files.write(QStringLiteral("a.mid"), "\"\xD3\xF7\xE0\xF1\xF2\xEE\xEA\"\n");
+    const CommandRun run = runShell(QStringLiteral("LC_ALL=C.UTF-8 $CLI prepare a.mif -o b.mif ")
+            + options.join(QLatin1Char(' ')),
+        files.path(QString()));
+    QCOMPARE(run.status, 0);
+    QCOMPARE(contentOf(files.path(QStringLiteral("b.mid"))), '"' + text + "\"\n");
+}
+
+void TestPrepareCommand::quiet()
+{
+    const TempFiles files;
+    files.write(QStringLiteral("a.dxf"), lossyDrawing);
+    files.write(QStringLiteral("d.dxf"), "nothing");
+    const CommandRun lossy =
+        runCommand(words({ "prepare", "-q", "a.dxf", "-o", "b.dxf" }), files.path(QString()));
+    QCOMPARE(lossy.err, QString());
+    QCOMPARE(lossy.status, 3);
+    const CommandRun failed =
+        runCommand(words({ "prepare", "-q", "d.dxf", "-o", "e.dxf" }), files.path(QString()));
+    QCOMPARE(failed.errorLines(), words({ "d.dxf: это не чертёж DXF" }));
+    QCOMPARE(failed.status, 1);
 }
 
 void TestPrepareCommand::pair()
@@ -139,6 +203,10 @@ void TestPrepareCommand::usage_data()
         "для нескольких файлов укажите --out-dir");
     row("unknown format", { "a.txt", "-o", "b.txt" },
         "a.txt: формат по расширению не определить; укажите --format mif или dxf");
+    row("the other file of a pair", { "a.mid", "-o", "b.mif" },
+        "a.mid: импортируют файл MIF, а MID читается вместе с ним: укажите a.mif");
+    row("an option of imports", { "a.dxf", "-o", "b.dxf", "--points", "c.dxf" },
+        "неизвестный параметр «--points»");
     row("pair to standard output", { "a.mif", "-o", "-" },
         "на стандартный вывод можно записать только один DXF, без --json");
     row("JSON beside the drawing", { "a.dxf", "-o", "-", "--json" },
@@ -153,8 +221,8 @@ void TestPrepareCommand::usage_data()
         "--tolerance: ожидается число не меньше 1e-09, а не «inf»");
     row("labels", { "a.dxf", "-o", "b.dxf", "--labels", "text,numbers" },
         "--labels: ожидается text, mtext, attrib, dimension через запятую, а не «text,numbers»");
-    row("encoding", { "a.dxf", "-o", "b.dxf", "--from-encoding", "cp9" },
-        "неизвестная кодировка «cp9»; список даёт --list-encodings");
+    row("encoding", { "a.dxf", "-o", "b.dxf", "--from-encoding", "cp12510" },
+        "неизвестная кодировка «cp12510»; возможно, «cp1250»; список даёт --list-encodings");
     row("flattening options without flattening",
         { "a.dxf", "-o", "b.dxf", "--level", "repair", "--swap-xy" },
         "--swap-xy, --scale, --join, --visible, --layers и --skip-layers действуют только с "
