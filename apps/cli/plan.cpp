@@ -4,6 +4,7 @@
 #include "losses.h"
 #include "outputfile.h"
 #include "plan/planfile.h"
+#include "resultwriter.h"
 #include "standardinput.h"
 #include "survey/findings.h"
 #include "targets.h"
@@ -157,9 +158,10 @@ ExitStatus runPlan(const QCommandLineParser& parser)
         failed = failed || !import.messages.isEmpty();
         for (const ImportMessage& message : import.messages)
             printMessage(task.fileName(), message.text);
-        // A picture shows the axes for itself.
+        // Beside the picture, what a result in the usual columns would be.
+        const GeometryInfo columns = ResultOptions().info;
         if (import.messages.isEmpty())
-            complete = losses.tell(import, nullptr) && complete;
+            complete = losses.tell(import, &columns) && complete;
     }
     if ((failed && !options.partial) || !complete)
         return Failed;
