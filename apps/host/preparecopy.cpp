@@ -60,7 +60,7 @@ QString freeName(const QString& fileName, const Format& format)
     };
     for (int i = 1;; ++i) {
         const QString number = i == 1 ? QString() : QStringLiteral("-%1").arg(i);
-        const QString name = info.dir().filePath(
+        QString name = info.dir().filePath(
             QStringLiteral("%1-готов%2.%3").arg(info.completeBaseName(), number, format.suffix));
         if (isFree(name))
             return name;

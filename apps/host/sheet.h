@@ -24,8 +24,7 @@ class Sheet {
 public:
     /// `objects` are the rows of the table to show. `northingFirst`: the first coordinate of the
     /// objects runs to the north.
-    Sheet(const FormTable& table, const QVector<int>& objects, bool northingFirst,
-        const QString& title);
+    Sheet(const FormTable& table, const QVector<int>& objects, bool northingFirst, QString title);
 
     /// Paints the pages; false when it was cancelled or the device cannot be painted on.
     bool paint(QPagedPaintDevice& device, const std::atomic_bool& cancelled);

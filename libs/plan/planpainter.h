@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plan/planlabels.h"
+#include "plan/planrequest.h"
 #include "plan/planview.h"
 
 #include <QBitArray>
@@ -9,13 +10,6 @@
 #include <functional>
 
 class PlanCanvas;
-
-/// Which coordinate of the objects runs where.
-struct PlanAxes {
-    bool swapped = false; ///< the first coordinate runs upwards and the second one to the right
-    bool isNorthUp = false; ///< the north is above, as far as the coordinates tell
-    bool isXUp = false; ///< X names what runs upwards, whichever coordinate of the objects it is
-};
 
 /// Draws objects with their designations and the names of their points. Objects whose designation
 /// occurs twice and points whose name stands at another place of their object too are red. Names

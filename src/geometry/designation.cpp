@@ -1,6 +1,7 @@
 #include "geometry/designation.h"
 
 #include "geometry/defnames.h"
+#include "geometry/digits.h"
 
 #include <QHash>
 
@@ -12,11 +13,6 @@
 #include <vector>
 
 namespace {
-
-bool isDigit(QChar c)
-{
-    return c >= QLatin1Char('0') && c <= QLatin1Char('9');
-}
 
 /// What a designation is split into.
 struct SplitDef {
