@@ -1,14 +1,15 @@
 #pragma once
 
+#include "plan/planindex.h"
 #include "plan/planlabels.h"
 #include "plan/planview.h"
 
 #include <QBitArray>
-#include <QPolygonF>
 
 #include <functional>
 
 class PlanCanvas;
+class PlanDrawing;
 
 /// Which coordinate of the objects runs where.
 struct PlanAxes {
@@ -35,17 +36,13 @@ public:
 
 private:
     QString axesText() const;
-    void drawObjects(PlanCanvas& canvas);
-    void drawObject(PlanCanvas& canvas, int index);
-    void drawPoints(PlanCanvas& canvas);
-    void drawPointsOf(PlanCanvas& canvas, int index);
+    void drawObjects(PlanCanvas& canvas, PlanDrawing& drawing);
+    void drawPoints(PlanCanvas& canvas, PlanDrawing& drawing);
+    void drawPointsOf(int object, PlanDrawing& drawing);
 
     const QVector<DefPolygon>& m_objects;
     const PlanAxes m_axes;
+    const PlanIndex m_index;
     QBitArray m_duplicates;
     PlanView m_view;
-    PlanSpace m_dots;
-    PlanSpace m_redDots;
-    QVector<PlanLabel> m_labels;
-    bool m_hasRed = false;
 };
