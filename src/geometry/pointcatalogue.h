@@ -38,9 +38,10 @@ public:
     /// until the next change of the catalogue.
     const DefPoint* findCoincident(double x, double y);
     /// Has the memory fetched that findCoincident() will look at first; a moment later
-    /// expectPoint() does so with the points that are there. Neither changes an answer.
-    void expect(double x, double y) const { m_cells.expect(x, y); }
-    void expectPoint(double x, double y) const { m_cells.expectPoint(m_points.constData(), x, y); }
+    /// expectPoint(), given what came of it, does so with the points that are there. Neither
+    /// changes an answer.
+    size_t expect(double x, double y) const { return m_cells.expect(x, y); }
+    void expectPoint(size_t expected) const { m_cells.expectPoint(m_points.constData(), expected); }
     /// Adds a point that later searches find. To be called on an arranged catalogue.
     void insert(DefPoint point);
 

@@ -27,18 +27,19 @@ public:
     /// places. False, and nothing is held for sure, when too many share one of the smallest cells.
     bool add(const QVector<DefPoint>& points, int end);
 
-    /// Has the memory fetched where the cell of a place is looked up, and with expectPoint() that
-    /// of its first point among `points`.
-    void expect(double x, double y) const
-    {
-        if (!m_slots.empty())
-            __builtin_prefetch(&m_slots[firstSlot(x, y)]);
-    }
-    void expectPoint(const DefPoint* points, double x, double y) const
+    /// Has the memory fetched where the cell of a place is looked up; with what it gives,
+    /// expectPoint() does so with the first point of the cell among `points`.
+    size_t expect(double x, double y) const
     {
         if (m_slots.empty())
-            return;
-        const int head = m_slots[firstSlot(x, y)].head;
+            return 0;
+        const size_t slot = firstSlot(x, y);
+        __builtin_prefetch(&m_slots[slot]);
+        return slot;
+    }
+    void expectPoint(const DefPoint* points, size_t slot) const
+    {
+        const int head = slot < m_slots.size() ? m_slots[slot].head : -1;
         if (head >= 0)
             __builtin_prefetch(points + head);
     }
