@@ -71,11 +71,13 @@ void MainWindow::buildFileMenu()
     menu.addSeparator();
     const QStringList operations = m_host.operations();
     for (int i = 0; i < operations.size(); ++i) {
-        const QString operation = operations.at(i);
+        const QString& operation = operations.at(i);
         addTo(menu, qPrintable(QStringLiteral("operation%1").arg(i)),
             operation + QStringLiteral("…"), QKeySequence(int(Qt::CTRL) + int(Qt::Key_1) + i),
             [this, operation] { chooseFiles(operation); });
     }
+    addTo(menu, "foreign", QStringLiteral("Из &другого формата…"), QKeySequence(),
+        [this] { chooseForeign(); });
     addTo(menu, "check", QStringLiteral("П&роверить файл…"), QKeySequence(),
         [this] { chooseFileToCheck(); });
     menu.addSeparator();

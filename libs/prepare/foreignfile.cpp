@@ -79,11 +79,7 @@ bool matchesAny(const QStringList& patterns, const QString& name)
     });
 }
 
-struct Layer {
-    QString name;
-    QStringList columns;
-    bool hasObjects = true; ///< with places
-};
+using Layer = ForeignLayer;
 
 /// The layers that ogrinfo lists.
 QVector<Layer> layersOf(const QByteArray& listing)
@@ -172,19 +168,19 @@ public:
     {
     }
 
+    QVector<Layer> list(const QString& fileName)
+    {
+        link(fileName);
+        return layers();
+    }
+
     ForeignPair run(const QString& fileName)
     {
-        if (!QFileInfo(fileName).isFile())
-            fail(QStringLiteral("файл не открывается"));
-        if (!m_hasFolder || !m_folder.mkdir(QStringLiteral("in")))
-            fail(QStringLiteral("не удаётся создать временную папку"));
-        const QString source = linkInto(m_folder.filePath(QStringLiteral("in")), fileName);
-        const QVector<Layer> layers = layersOf(runProgram(m_ogrinfo,
-            { QStringLiteral("-ro"), QStringLiteral("-so"), QStringLiteral("-al"),
-                QStringLiteral("-nomd"), source }));
-        const Layer layer = chooseLayer(layers, m_options);
+        link(fileName);
+        const QVector<Layer> all = layers();
+        const Layer layer = chooseLayer(all, m_options);
         ForeignPair pair{ {}, {}, leftOptions(layer) };
-        pair.mifFileName = convert(source, layer, layers.size() > 1);
+        pair.mifFileName = convert(m_source, layer, all.size() > 1);
         // A column that the program left out would move those behind it.
         if (pair.options.nameColumn && columnCountOf(pair.mifFileName) != layer.columns.size())
             fail(QStringLiteral("программа ogr2ogr перевела не все столбцы; --name-field с этим "
@@ -193,6 +189,22 @@ public:
     }
 
 private:
+    void link(const QString& fileName)
+    {
+        if (!QFileInfo(fileName).isFile())
+            fail(QStringLiteral("файл не открывается"));
+        if (!m_hasFolder || !m_folder.mkdir(QStringLiteral("in")))
+            fail(QStringLiteral("не удаётся создать временную папку"));
+        m_source = linkInto(m_folder.filePath(QStringLiteral("in")), fileName);
+    }
+
+    QVector<Layer> layers() const
+    {
+        return layersOf(runProgram(m_ogrinfo,
+            { QStringLiteral("-ro"), QStringLiteral("-so"), QStringLiteral("-al"),
+                QStringLiteral("-nomd"), m_source }));
+    }
+
     static QString findProgram(const char* name)
     {
         QString program = QStandardPaths::findExecutable(QString::fromLatin1(name));
@@ -266,7 +278,8 @@ private:
         QByteArray output;
         while (!process.waitForFinished(glance) && process.state() != QProcess::NotRunning) {
             output += process.readAllStandardOutput();
-            if (const auto percent = percentOf(output))
+            const auto percent = percentOf(output);
+            if (percent && m_watcher.converted)
                 m_watcher.converted(*percent);
             if (m_watcher.isCancelled())
                 process.kill();
@@ -283,12 +296,42 @@ private:
     const PrepareOptions& m_options;
     bool m_hasFolder;
     QDir m_folder;
+    QString m_source; ///< a link to the file
     const ForeignWatcher& m_watcher;
     QString m_ogr2ogr;
     QString m_ogrinfo;
 };
 
 } // namespace
+
+QStringList foreignSuffixes()
+{
+    QStringList names;
+    for (const char* suffix : suffixes)
+        names.append(QLatin1String(suffix));
+    return names;
+}
+
+QString layerPattern(const QString& name)
+{
+    QString pattern;
+    for (const QChar letter : name) {
+        const bool isSign = QStringLiteral("*?[").contains(letter);
+        pattern += isSign ? QStringLiteral("[%1]").arg(letter) : QString(letter);
+    }
+    return pattern;
+}
+
+ForeignLayers listForeignLayers(
+    const QString& fileName, const QTemporaryDir& folder, const ForeignWatcher& watcher)
+{
+    try {
+        const PrepareOptions options;
+        return { ForeignConversion(options, folder, watcher).list(fileName), {} };
+    } catch (const Trouble& trouble) {
+        return { {}, trouble.text };
+    }
+}
 
 const Format* formatOfForeignFile(const QString& fileName)
 {
