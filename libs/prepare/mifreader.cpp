@@ -282,8 +282,10 @@ bool MifReader::readRegion(MifObject& object)
 bool MifReader::readText(MifObject& object, size_t start)
 {
     // The text is in quotes; words in it must not be taken for objects.
-    const size_t open = m_bytes.find('"', m_position);
-    const size_t close = open == std::string_view::npos ? open : m_bytes.find('"', open + 1);
+    const size_t open = m_bytes.find_first_not_of(space, m_position);
+    if (open == std::string_view::npos || m_bytes[open] != '"')
+        return false;
+    const size_t close = m_bytes.find('"', open + 1);
     if (close == std::string_view::npos)
         return false;
     m_position = close + 1;

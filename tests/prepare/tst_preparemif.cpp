@@ -215,6 +215,10 @@ void TestPrepareMif::lines_data()
     row("a clause that reads as an object",
         "Pline 2\n0 0\n1 1\n    Pen (1,2,0)\nLine\xA0 5 5 6 6\n",
         "Pline 2\n0 0\n1 1\n    Pen (1,2,0)\n");
+    row("a text of several lines", "Text \"a\nLine 0 0 1 1\r\nb\"\n 0 0 1 1\n",
+        "Text \"a\\nLine 0 0 1 1\\nb\"\n    0 0 1 1\n");
+    row("a text that is missing", "Text\n 0 0 1 1\nNone\nText\n\"a\" 0 0 1 1\n",
+        "None\nText\n\"a\"\n    0 0 1 1\n");
     row("multiple with one section", "Pline Multiple 1\n  2\n0 0\n1 1\n", "Pline 2\n0 0\n1 1\n");
 }
 
