@@ -90,7 +90,7 @@ ExitStatus checkFile(ImportTask task, const CheckOptions& options)
     progress.startFiles(filesOf(*task.format, task.options));
     resolveEncoding(task, Telling{ true, false, false });
     // The process ends with this file: what was read is not freed vertex by vertex before.
-    static ImportRun* const import = new ImportRun;
+    static auto* const import = new ImportRun;
     const Report report =
         makeReport(*task.format, task.options, options.columns, options.mostListed, *import);
     if (report.unreadable)

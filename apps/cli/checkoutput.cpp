@@ -81,7 +81,7 @@ void CheckOutput::count(const QJsonObject& report)
 {
     m_found += report.value(QLatin1String("findings")).toDouble() > 0 ? 1 : 0;
     QMap<QString, qint64> causes;
-    for (const QJsonValue& cause : report.value(QLatin1String("causes")).toArray())
+    for (const auto& cause : report.value(QLatin1String("causes")).toArray())
         ++causes[cause.toObject().value(QLatin1String("id")).toString()];
     for (auto cause = causes.cbegin(); cause != causes.cend(); ++cause)
         m_causes[cause.key()].add(cause.value());

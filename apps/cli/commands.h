@@ -16,7 +16,7 @@ struct Command {
     QList<QCommandLineOption> (*ownOptions)();
     QList<QCommandLineOption> (*inputOptions)(); ///< which files are read, and how
     ExitStatus (*run)(const QCommandLineParser& parser);
-    bool needsGui; ///< it draws text
+    bool draws; ///< it needs a PlanDrawer
 
     QList<QCommandLineOption> options() const { return ownOptions() + inputOptions(); }
 };

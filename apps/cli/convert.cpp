@@ -26,8 +26,6 @@ namespace {
 /// The columns that a field can have in the dialog.
 constexpr int maxFieldColumn = 20;
 
-const QString standardOutput = QStringLiteral("-");
-
 QList<QCommandLineOption> convertCommandLineOptions()
 {
     return QList<QCommandLineOption>{

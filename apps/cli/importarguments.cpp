@@ -216,7 +216,7 @@ QVector<ImportTask> readImportTasks(
 
 QByteArray encodingOf(const QString& text)
 {
-    const QByteArray name = text.toLatin1();
+    QByteArray name = text.toLatin1();
     if (name == "auto")
         return name;
     if (name != defaultEncoding() && !QTextCodec::codecForName(name)) {

@@ -16,7 +16,7 @@ std::array<int, 2> wakeUp{ -1, -1 };
 [[noreturn]] void die(int signal)
 {
     constexpr char message[] = "importgeometry: прервано\n";
-    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, message, sizeof message - 1);
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, message, sizeof message - 1);
     std::signal(signal, SIG_DFL);
     sigset_t set;
     sigemptyset(&set);
@@ -31,7 +31,7 @@ void handle(int signal)
     if (deferrals == 0)
         die(signal);
     pendingSignal = signal;
-    [[maybe_unused]] const ssize_t written = write(wakeUp[1], "", 1);
+    [[maybe_unused]] const ssize_t written = ::write(wakeUp[1], "", 1);
 }
 
 } // namespace

@@ -41,8 +41,7 @@ Telling readTelling(const QCommandLineParser& parser)
 }
 
 Losses::Losses(const ImportTask& task, const Telling& telling)
-    : m_task(task)
-    , m_telling(telling)
+    : m_telling(telling)
 {
     if (!telling.quiet || telling.strict)
         m_survey.emplace(*task.format, task.options);

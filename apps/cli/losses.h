@@ -22,7 +22,7 @@ Telling readTelling(const QCommandLineParser& parser);
 /// What an import leaves out of its file. It is looked for while the import runs.
 class Losses {
 public:
-    /// Starts to look, where anything is to be told; `task` must live as long.
+    /// Starts to look, where anything is to be told.
     Losses(const ImportTask& task, const Telling& telling);
 
     /// Tells a line for each cause. `columns` may be null where axes do not matter. False where
@@ -30,7 +30,6 @@ public:
     bool tell(const ImportRun& run, const GeometryInfo* columns);
 
 private:
-    const ImportTask& m_task;
     const Telling m_telling;
     std::optional<ImportSurvey> m_survey;
 };

@@ -4,10 +4,10 @@
 #include "interrupt.h"
 #include "jobs.h"
 #include "outputfile.h"
+#include "plandrawer.h"
 #include "suggestions.h"
 
 #include <QCommandLineParser>
-#include <QGuiApplication>
 #include <QThread>
 #include <QTranslator>
 
@@ -223,17 +223,15 @@ ExitStatus run(const Command* command, QStringList arguments)
             : unknownText(first) };
 }
 
-std::unique_ptr<QCoreApplication> makeApplication(bool needsGui, int& argc, char** argv)
+std::unique_ptr<QCoreApplication> makeApplication(const Command* command, int& argc, char** argv)
 {
-    if (!needsGui)
-        return std::make_unique<QCoreApplication>(argc, argv);
-    // Text is drawn without a display, and must be so where there is one too.
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    // Where nobody is logged in Qt warns of things that a picture has no need of.
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-    auto application = std::make_unique<QGuiApplication>(argc, argv);
-    qInstallMessageHandler(nullptr);
-    return application;
+    auto application = std::make_unique<QCoreApplication>(argc, argv);
+    const PlanDrawer* const drawer = command && command->draws ? planDrawer() : nullptr;
+    if (!drawer)
+        return application;
+    // There is one at a time; the first told where the program stands, and so the library.
+    application.reset();
+    return drawer->makeApplication(argc, argv);
 }
 
 } // namespace
@@ -249,7 +247,7 @@ int main(int argc, char** argv)
     }
     Interrupt::install();
     const Command* const command = findCommand(QString::fromLocal8Bit(argc > 1 ? argv[1] : ""));
-    const auto application = makeApplication(command && command->needsGui, argc, argv);
+    const auto application = makeApplication(command, argc, argv);
     ParserTexts texts;
     QCoreApplication::installTranslator(&texts);
     try {

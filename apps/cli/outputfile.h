@@ -10,8 +10,11 @@
 class QFileDevice;
 class QJsonArray;
 
+/// The name that stands for standard output.
+inline const QString standardOutput = QStringLiteral("-");
+
 /// What a command writes: a file that appears whole or not at all, a device or a pipe as it is, or
-/// standard output for the name "-". Writes are gathered into large ones.
+/// standard output for its name. Writes are gathered into large ones.
 ///
 /// Errors end the command: commit() throws a Failure and so does opening.
 class OutputFile : public QIODevice {

@@ -3,7 +3,7 @@
 #include "importarguments.h"
 #include "losses.h"
 #include "outputfile.h"
-#include "plan/planfile.h"
+#include "plandrawer.h"
 #include "resultwriter.h"
 #include "standardinput.h"
 #include "survey/findings.h"
@@ -93,33 +93,6 @@ PlanAxes axesOf(const QVector<DefPolygon>& objects, Orientation orientation)
     return { order == AxisOrder::NorthingFirst, order != AxisOrder::Unknown };
 }
 
-/// What the command line asks for.
-struct PlanOptions {
-    QVector<ImportTask> tasks;
-    QString target;
-    PlanFormat format = PlanFormat::Svg;
-    QSize size;
-    Telling telling;
-    bool hasSize = false; ///< and not only the most
-    Orientation orientation = Orientation::Auto;
-    bool partial = false;
-};
-
-PlanOptions readPlanOptions(const QCommandLineParser& parser)
-{
-    PlanOptions options;
-    options.target = parser.value(QStringLiteral("output"));
-    options.format = readPlanFormat(parser, options.target);
-    options.size = readSize(parser);
-    options.hasSize = parser.isSet(QStringLiteral("size"));
-    options.orientation = readOrientation(parser);
-    options.telling = readTelling(parser);
-    options.tasks = readImportTasks(parser);
-    checkTargets(options.tasks, { options.target });
-    options.partial = parser.isSet(QStringLiteral("partial"));
-    return options;
-}
-
 QString titleOf(const QVector<ImportTask>& tasks)
 {
     QStringList names;
@@ -128,21 +101,49 @@ QString titleOf(const QVector<ImportTask>& tasks)
     return names.join(QLatin1String(", "));
 }
 
-void writePicture(const PlanOptions& options, const QVector<DefPolygon>& objects)
+/// What the command line asks for.
+struct PlanOptions {
+    QVector<ImportTask> tasks;
+    QString target;
+    PlanRequest picture;
+    Telling telling;
+    Orientation orientation = Orientation::Auto;
+    bool partial = false;
+};
+
+PlanOptions readPlanOptions(const QCommandLineParser& parser)
 {
-    OutputFile out(options.target);
-    PlanPainter plan(objects, axesOf(objects, options.orientation));
-    plan.objectDrawn = FileProgress::countObject;
-    const QSize size = options.hasSize ? options.size : plan.pageWithin(options.size);
-    if (!writePlan(out, options.format, size, plan, titleOf(options.tasks)))
-        throw Failure{ Failed, QStringLiteral("для рисунка такого размера не хватает памяти") };
-    out.commit();
+    PlanOptions options;
+    options.target = parser.value(QStringLiteral("output"));
+    options.picture.format = readPlanFormat(parser, options.target);
+    options.picture.size = readSize(parser);
+    options.picture.fits = !parser.isSet(QStringLiteral("size"));
+    options.orientation = readOrientation(parser);
+    options.telling = readTelling(parser);
+    options.tasks = readImportTasks(parser);
+    checkTargets(options.tasks, { options.target });
+    options.partial = parser.isSet(QStringLiteral("partial"));
+    options.picture.title = titleOf(options.tasks);
+    options.picture.objectDrawn = FileProgress::countObject;
+    return options;
+}
+
+const PlanDrawer& drawer()
+{
+    const PlanDrawer* const loaded = planDrawer();
+    if (!loaded)
+        throw Failure{ Failed,
+            QStringLiteral("нет библиотеки рисования планов («%1» рядом с программой), или ей не "
+                           "хватает Qt Gui: установите программу целиком")
+                .arg(QStringLiteral(DRAWER_FILE)) };
+    return *loaded;
 }
 
 ExitStatus runPlan(const QCommandLineParser& parser)
 {
-    const PlanOptions options = readPlanOptions(parser);
+    PlanOptions options = readPlanOptions(parser);
     OutputFile::checkPlace(options.target);
+    const PlanDrawer& plan = drawer();
 
     QVector<DefPolygon> objects;
     bool failed = false;
@@ -165,7 +166,11 @@ ExitStatus runPlan(const QCommandLineParser& parser)
     }
     if ((failed && !options.partial) || !complete)
         return Failed;
-    writePicture(options, objects);
+    options.picture.axes = axesOf(objects, options.orientation);
+    OutputFile out(options.target);
+    if (!plan.draw(out, objects, options.picture))
+        throw Failure{ Failed, QStringLiteral("для рисунка такого размера не хватает памяти") };
+    out.commit();
     return failed ? Failed : Done;
 }
 

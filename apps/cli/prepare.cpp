@@ -15,8 +15,6 @@
 
 namespace {
 
-const QString standardOutput = QStringLiteral("-");
-
 QList<QCommandLineOption> prepareCommandLineOptions()
 {
     return QList<QCommandLineOption>{

@@ -8,9 +8,9 @@
 #include <optional>
 #include <utility>
 
-ResultFile::ResultFile(const QString& target, const ResultOptions& options)
-    : m_target(target)
-    , m_options(options)
+ResultFile::ResultFile(QString target, ResultOptions options)
+    : m_target(std::move(target))
+    , m_options(std::move(options))
     , m_thread([this] { run(); })
 {
 }

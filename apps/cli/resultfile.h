@@ -15,7 +15,7 @@
 /// at all: objects are written while others are still read.
 class ResultFile {
 public:
-    ResultFile(const QString& target, const ResultOptions& options);
+    ResultFile(QString target, ResultOptions options);
     /// Unless the file was committed, no trace of it is left.
     ~ResultFile();
     Q_DISABLE_COPY(ResultFile)

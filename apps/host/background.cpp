@@ -11,6 +11,7 @@
 #include <QTimer>
 
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -27,8 +28,8 @@ QThreadPool& pool()
 /// A piece of work, and the news of its end.
 class Task : public QRunnable {
 public:
-    explicit Task(const BackgroundWork& work)
-        : m_work(work)
+    explicit Task(BackgroundWork work)
+        : m_work(std::move(work))
     {
         m_state.reportStarted();
     }

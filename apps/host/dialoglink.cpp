@@ -13,6 +13,8 @@
 #include <QTextCodec>
 #include <QTimer>
 
+#include <utility>
+
 namespace {
 
 void write(const QDialog& dialog, const char* name, const QVariant& value)
@@ -45,8 +47,8 @@ void lightenTables(const QDialog& dialog)
 
 } // namespace
 
-DialogLink::DialogLink(const QString& operation, ImportAnswer& answer)
-    : m_operation(operation)
+DialogLink::DialogLink(QString operation, ImportAnswer& answer)
+    : m_operation(std::move(operation))
     , m_answer(answer)
 {
     m_answer.options = ImportOptions::offered();

@@ -14,7 +14,7 @@ class DialogLink : public QObject {
 
 public:
     /// `answer.fileName` is the file to fill in; `answer` must live until the dialog has ended.
-    DialogLink(const QString& operation, ImportAnswer& answer);
+    DialogLink(QString operation, ImportAnswer& answer);
 
 private:
     void fillIn();

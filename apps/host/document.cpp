@@ -5,14 +5,16 @@
 
 #include <QUndoCommand>
 
+#include <utility>
+
 /// Old and new form share what is alike in them.
 class Document::ReplaceTable : public QUndoCommand {
 public:
-    ReplaceTable(Document& document, const FormTable& table, const QString& text)
+    ReplaceTable(Document& document, FormTable table, const QString& text)
         : QUndoCommand(text)
         , m_document(document)
         , m_before(document.m_table)
-        , m_after(table)
+        , m_after(std::move(table))
     {
     }
     void undo() override { m_document.setTable(m_before); }

@@ -131,7 +131,7 @@ QVector<prep::ForeignLayer> ImportFlow::layersOf(const QString& fileName)
         [listed, fileName](const std::atomic_bool& cancelled) {
             const QTemporaryDir folder;
             *listed = prep::listForeignLayers(
-                fileName, folder, [&cancelled] { return cancelled.load(); });
+                fileName, folder, { [&cancelled] { return cancelled.load(); }, {} });
         });
     if (!isDone)
         return {};

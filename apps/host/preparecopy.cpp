@@ -62,7 +62,7 @@ QString freeName(const QString& fileName, const Format& format)
     };
     for (int i = 1;; ++i) {
         const QString number = i == 1 ? QString() : QStringLiteral("-%1").arg(i);
-        const QString name = info.dir().filePath(
+        QString name = info.dir().filePath(
             QStringLiteral("%1-готов%2.%3").arg(info.completeBaseName(), number, format.suffix));
         if (isFree(name))
             return name;
@@ -155,7 +155,7 @@ PreparedCopy prepareForeignCopy(const QString& fileName, const QString& layer,
     return written(target, [&](prep::PrepareReport& report) {
         const QTemporaryDir folder;
         const prep::ForeignPair pair = prep::convertForeignFile(
-            fileName, options, folder, [&cancelled] { return cancelled.load(); });
+            fileName, options, folder, { [&cancelled] { return cancelled.load(); }, {} });
         if (!pair.failure.isEmpty())
             throw Trouble{ pair.failure };
         report.note(prep::Note::Converted);

@@ -9,7 +9,9 @@
 #include <QPagedPaintDevice>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -50,11 +52,10 @@ QString bearingText(double degrees)
         .arg(tenths % 10);
 }
 
-Sheet::Sheet(
-    const FormTable& table, const QVector<int>& objects, bool northingFirst, const QString& title)
+Sheet::Sheet(const FormTable& table, const QVector<int>& objects, bool northingFirst, QString title)
     : m_decimals(table.decimals)
     , m_northingFirst(northingFirst)
-    , m_title(title)
+    , m_title(std::move(title))
     , m_tableName(table.name)
 {
     for (const int object : objects)
@@ -102,11 +103,8 @@ bool Sheet::paint(QPagedPaintDevice& device, const std::atomic_bool& cancelled)
     startPage();
     drawLine(m_title, true, 14);
     m_y = planTop + plan.height() + lineHeight;
-    for (const DefPolygon& object : qAsConst(m_objects)) {
-        if (!drawObject(object))
-            return false;
-    }
-    return true;
+    return std::all_of(m_objects.cbegin(), m_objects.cend(),
+        [this](const DefPolygon& object) { return drawObject(object); });
 }
 
 void Sheet::startPage()

@@ -25,8 +25,7 @@ class Sheet {
 public:
     /// `objects` are the rows of the table to show. `northingFirst`: the first coordinate of the
     /// objects runs to the north.
-    Sheet(const FormTable& table, const QVector<int>& objects, bool northingFirst,
-        const QString& title);
+    Sheet(const FormTable& table, const QVector<int>& objects, bool northingFirst, QString title);
 
     /// The page that it is made for.
     static QPageLayout page();

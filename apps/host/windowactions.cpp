@@ -71,7 +71,7 @@ void MainWindow::buildFileMenu()
     menu.addSeparator();
     const QStringList operations = m_host.operations();
     for (int i = 0; i < operations.size(); ++i) {
-        const QString operation = operations.at(i);
+        const QString& operation = operations.at(i);
         addTo(menu, qPrintable(QStringLiteral("operation%1").arg(i)),
             operation + QStringLiteral("…"), QKeySequence(int(Qt::CTRL) + int(Qt::Key_1) + i),
             [this, operation] { chooseFiles(operation); });

@@ -36,9 +36,9 @@ public:
     {
         m_out.write(m_isFirst ? "\n" : ",\n");
         m_isFirst = false;
-        m_out.write("{\"type\":\"Feature\",\"properties\":{\"designation\":" + quoted(object.def)
-            + ",\"area\":" + QByteArray::number(shape.area, 'f', 2)
-            + ",\"perimeter\":" + QByteArray::number(shape.perimeter, 'f', 2) + "},\"geometry\":");
+        m_out.write(R"({"type":"Feature","properties":{"designation":)" + quoted(object.def)
+            + R"(,"area":)" + QByteArray::number(shape.area, 'f', 2) + R"(,"perimeter":)"
+            + QByteArray::number(shape.perimeter, 'f', 2) + R"(},"geometry":)");
         if (shape.contours.isEmpty())
             m_out.write("null");
         else if (shape.isArea)
@@ -52,8 +52,8 @@ private:
     void writeAreas(const ObjectShape& shape)
     {
         const bool isMultiple = shape.parts.size() > 1;
-        m_out.write(isMultiple ? "{\"type\":\"MultiPolygon\",\"coordinates\":["
-                               : "{\"type\":\"Polygon\",\"coordinates\":");
+        m_out.write(isMultiple ? R"({"type":"MultiPolygon","coordinates":[)"
+                               : R"({"type":"Polygon","coordinates":)");
         for (int i = 0; i < shape.parts.size(); ++i) {
             const AreaPart& part = shape.parts.at(i);
             m_out.write(i > 0 ? ",[" : "[");
@@ -78,8 +78,8 @@ private:
     void writeLines(const ObjectShape& shape)
     {
         const bool isMultiple = shape.contours.size() > 1;
-        m_out.write(isMultiple ? "{\"type\":\"MultiLineString\",\"coordinates\":["
-                               : "{\"type\":\"LineString\",\"coordinates\":");
+        m_out.write(isMultiple ? R"({"type":"MultiLineString","coordinates":[)"
+                               : R"({"type":"LineString","coordinates":)");
         for (int i = 0; i < shape.contours.size(); ++i) {
             if (i > 0)
                 m_out.write(",");
@@ -107,7 +107,7 @@ private:
 void writeGeoJson(QIODevice& out, const QVector<DefPolygon>& objects, const QVector<Shape>& shapes,
     const ExportOptions& options)
 {
-    out.write("{\"type\":\"FeatureCollection\",\"features\":[");
+    out.write(R"({"type":"FeatureCollection","features":[)");
     GeoJsonWriter writer(out);
     for (int i = 0; i < objects.size(); ++i) {
         const bool isArea = shapes.value(i, Shape::Line) == Shape::Area;

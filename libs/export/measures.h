@@ -21,8 +21,8 @@ struct ObjectShape {
     double area = 0; ///< without the holes, in square units of the file; 0 for lines
     double perimeter = 0; ///< of all contours; the length of lines
 
-    /// `isArea`: the contours enclose it. `swapped`: x and y change places.
-    ObjectShape(const DefPolygon& object, bool isArea, bool swapped);
+    /// `enclosesArea`: the contours do. `swapped`: x and y change places.
+    ObjectShape(const DefPolygon& object, bool enclosesArea, bool swapped);
 };
 
 /// Twice the area of a ring; positive when it runs counter-clockwise.

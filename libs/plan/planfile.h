@@ -4,9 +4,6 @@
 
 #include <QIODevice>
 
-/// What a plan is written as.
-enum class PlanFormat { Svg, Png };
-
 /// Draws the plan with the title on a picture of `size` pixels and writes it to the device. False
 /// when there is no memory for such a picture; what the device reports is left to its owner.
 bool writePlan(QIODevice& device, PlanFormat format, const QSize& size, PlanPainter& plan,

@@ -3,6 +3,8 @@
 #include "plan/planlabels.h"
 #include "plan/planview.h"
 
+#include <utility>
+
 class PlanCanvas;
 
 /// Draws what stands around the objects: the frame with the title, the crosses of a grid with its
@@ -10,12 +12,11 @@ class PlanCanvas;
 /// frame takes its space.
 class PlanFrame {
 public:
-    PlanFrame(
-        PlanCanvas& canvas, const PlanView& view, PlanSpace& space, const PlanColors& colors = {})
+    PlanFrame(PlanCanvas& canvas, const PlanView& view, PlanSpace& space, PlanColors colors = {})
         : m_canvas(canvas)
         , m_view(view)
         , m_space(space)
-        , m_colors(colors)
+        , m_colors(std::move(colors))
     {
     }
 

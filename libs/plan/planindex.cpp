@@ -109,6 +109,26 @@ private:
     bool m_hasSkipped = false;
 };
 
+bool isClosed(const QVector<DefPoint>& contour)
+{
+    return contour.size() > 1 && coincide(contour.first(), contour.last());
+}
+
+/// `clip`: what lies outside is left out; null where all of it is drawn.
+void addContour(PlanOutline& outline, const QPolygonF& polygon, bool closed, const QRectF* clip)
+{
+    if (polygon.isEmpty())
+        return;
+    const QPolygonF area = closed && clip ? clippedRing(polygon, *clip) : polygon;
+    if (closed && !area.isEmpty())
+        outline.areas.append(area);
+    if (clip)
+        outline.lines += clippedLine(polygon, *clip);
+    else
+        outline.lines.append(polygon);
+    outline.size += polygon.size();
+}
+
 } // namespace
 
 QPolygonF clippedRing(const QPolygonF& ring, const QRectF& rect)
@@ -205,22 +225,6 @@ PlanOutline PlanIndex::outline(int object, const PlanView& view, double detail) 
     const QRectF window = view.frame().adjusted(-16, -16, 16, 16);
     PlanOutline outline;
     Thinned thinned(detail);
-    const auto finishContour = [&](const QVector<DefPoint>& contour) {
-        thinned.finish();
-        if (thinned.polygon.isEmpty())
-            return;
-        if (contour.size() > 1 && coincide(contour.first(), contour.last())) {
-            outline.areas.append(clips ? clippedRing(thinned.polygon, window) : thinned.polygon);
-            if (outline.areas.last().isEmpty())
-                outline.areas.removeLast();
-        }
-        if (clips)
-            outline.lines += clippedLine(thinned.polygon, window);
-        else
-            outline.lines.append(thinned.polygon);
-        outline.size += thinned.polygon.size();
-        thinned = Thinned(detail);
-    };
     eachStretch(object, [&](const Box& box, int c, int first, int end) {
         const QVector<DefPoint>& contour = m_objects.at(object).contours.at(c);
         if (first == 0)
@@ -235,8 +239,11 @@ PlanOutline PlanIndex::outline(int object, const PlanView& view, double detail) 
             if (box.isWhole || isPlace(contour.at(i)))
                 thinned.add(view.toPicture(contour.at(i)));
         }
-        if (end == contour.size())
-            finishContour(contour);
+        if (end == contour.size()) {
+            thinned.finish();
+            addContour(outline, thinned.polygon, isClosed(contour), clips ? &window : nullptr);
+            thinned = Thinned(detail);
+        }
     });
     return outline;
 }

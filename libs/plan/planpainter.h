@@ -2,6 +2,7 @@
 
 #include "plan/planindex.h"
 #include "plan/planlabels.h"
+#include "plan/planrequest.h"
 #include "plan/planview.h"
 
 #include <QBitArray>
@@ -10,13 +11,6 @@
 
 class PlanCanvas;
 class PlanDrawing;
-
-/// Which coordinate of the objects runs where.
-struct PlanAxes {
-    bool swapped = false; ///< the first coordinate runs upwards and the second one to the right
-    bool isNorthUp = false; ///< the north is above, as far as the coordinates tell
-    bool isXUp = false; ///< X names what runs upwards, whichever coordinate of the objects it is
-};
 
 /// Draws objects with their designations and the names of their points. Objects whose designation
 /// occurs twice and points whose name stands at another place of their object too are red. Names

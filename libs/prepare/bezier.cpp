@@ -21,7 +21,7 @@ Weighted mix(const Weighted& a, const Weighted& b, double part)
 std::vector<double> knotsOf(const SplineShape& spline)
 {
     const size_t count = spline.controls.size();
-    const size_t degree = std::clamp(spline.degree, 0, mostDegree);
+    const auto degree = static_cast<size_t>(std::clamp(spline.degree, 0, mostDegree));
     if (!spline.knots.empty() || count <= degree)
         return spline.knots;
     std::vector<double> knots(count + degree + 1);

@@ -13,7 +13,7 @@ constexpr double markShare = 0.02;
 /// How far from the middle of a mark its insertion may lie, as a part of its size.
 constexpr double centreShare = 0.505;
 /// Deeper nesting adds nothing to the judgement.
-constexpr int mostDepth = 16;
+constexpr int mostMeasuredDepth = 16;
 
 void addPlace(Bounds& bounds, const Place& place)
 {
@@ -139,7 +139,8 @@ void BlockChooser::addInsert(Bounds& bounds, const Entity& entity, int depth)
 {
     const auto& insert = std::get<InsertShape>(entity.shape);
     const DxfBlock* const block = m_drawing.block(insert.block);
-    const Bounds inner = block && depth < mostDepth ? boundsOf(state(*block), depth + 1) : Bounds();
+    const Bounds inner =
+        block && depth < mostMeasuredDepth ? boundsOf(state(*block), depth + 1) : Bounds();
     const double x = insert.place.x.value;
     const double y = insert.place.y.value;
     bounds.add(x, y);

@@ -346,7 +346,7 @@ Reason readInsert(DxfRecords& records, Entity& entity)
     shape.rowStep = fields.number(45);
     shape.attributes = records.nextPosition();
     passAttributes(records);
-    return finish(fields, entity, std::move(shape));
+    return finish(fields, entity, shape);
 }
 
 Reason readDimension(DxfRecords& records, Entity& entity)

@@ -18,7 +18,7 @@ public:
     DxfWriter(QIODevice& out, const QByteArray& codec, PrepareReport& report);
 
     void takeContour(std::string_view layer, const VertexRow& vertices, bool closed) override;
-    void takePoint(std::string_view layer, const FlatVertex& place) override;
+    void takePoint(std::string_view layer, const FlatVertex& vertex) override;
     void takeLabel(const FlatLabel& label) override;
     size_t heldSize() const override;
 

@@ -316,7 +316,7 @@ void Flattener::take(const Item& item, const DimensionShape& dimension)
         m_report.drop(item.entity.type, Note::Incomplete);
         return;
     }
-    BlockState& block = m_blocks.state(*found);
+    const BlockState& block = m_blocks.state(*found);
     if (!isOpenable(item, block))
         return;
     m_report.write(item.entity.type, true);

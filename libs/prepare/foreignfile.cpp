@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 namespace prep {
 
@@ -57,6 +58,15 @@ QString complaintOf(const QByteArray& errors)
             return line.simplified();
     }
     return lines.isEmpty() ? QString() : lines.last().simplified();
+}
+
+/// How far ogr2ogr is, from what it has written so far: "0...10...20", for example.
+std::optional<int> percentOf(const QByteArray& output)
+{
+    static const QRegularExpression progress(
+        QStringLiteral("^0(?:\\.+(\\d+))*\\.*(?: - done\\.)?\\s*$"));
+    const QRegularExpressionMatch match = progress.match(QString::fromLatin1(output));
+    return match.hasMatch() ? std::optional(match.captured(1).toInt()) : std::nullopt;
 }
 
 bool matchesAny(const QStringList& patterns, const QString& name)
@@ -147,12 +157,12 @@ int columnCountOf(const QString& mifFileName)
 
 class ForeignConversion {
 public:
-    ForeignConversion(const PrepareOptions& options, const QTemporaryDir& folder,
-        const std::function<bool()>& isCancelled)
+    ForeignConversion(
+        const PrepareOptions& options, const QTemporaryDir& folder, const ForeignWatcher& watcher)
         : m_options(options)
         , m_hasFolder(folder.isValid())
         , m_folder(folder.path())
-        , m_isCancelled(isCancelled)
+        , m_watcher(watcher)
         , m_ogr2ogr(findProgram("ogr2ogr"))
         , m_ogrinfo(findProgram("ogrinfo"))
     {
@@ -225,8 +235,8 @@ private:
         const QString target = m_folder.filePath(QStringLiteral("out"));
         QStringList arguments{ QStringLiteral("-f"), QStringLiteral("MapInfo File"),
             QStringLiteral("-dsco"), QStringLiteral("FORMAT=MIF"), QStringLiteral("-dim"),
-            QStringLiteral("XY"), QStringLiteral("-nln"), QStringLiteral("objects"),
-            QStringLiteral("-mapFieldType"),
+            QStringLiteral("XY"), QStringLiteral("-progress"), QStringLiteral("-nln"),
+            QStringLiteral("objects"), QStringLiteral("-mapFieldType"),
             QStringLiteral("IntegerList=String,Integer64List=String,RealList=String,"
                            "StringList=String,Binary=String") };
         // A MIF file without a column is none for the program.
@@ -265,14 +275,20 @@ private:
         const QString name = QFileInfo(program).fileName();
         if (!process.waitForStarted())
             fail(QStringLiteral("программа %1 не запускается").arg(name));
+        QByteArray output;
         while (!process.waitForFinished(glance) && process.state() != QProcess::NotRunning) {
-            if (m_isCancelled())
+            output += process.readAllStandardOutput();
+            const auto percent = percentOf(output);
+            if (percent && m_watcher.converted)
+                m_watcher.converted(*percent);
+            if (m_watcher.isCancelled())
                 process.kill();
         }
-        QByteArray output = process.readAllStandardOutput();
+        output += process.readAllStandardOutput();
         if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
             return output;
-        QString complaint = complaintOf(process.readAllStandardError() + output);
+        const QByteArray said = percentOf(output) ? QByteArray() : output;
+        QString complaint = complaintOf(process.readAllStandardError() + said);
         complaint.remove(m_folder.filePath(QStringLiteral("in")) + QLatin1Char('/'));
         fail(QStringLiteral("программа %1 не прочитала файл: %2").arg(name, complaint));
     }
@@ -281,7 +297,7 @@ private:
     bool m_hasFolder;
     QDir m_folder;
     QString m_source; ///< a link to the file
-    const std::function<bool()>& m_isCancelled;
+    const ForeignWatcher& m_watcher;
     QString m_ogr2ogr;
     QString m_ogrinfo;
 };
@@ -307,11 +323,11 @@ QString layerPattern(const QString& name)
 }
 
 ForeignLayers listForeignLayers(
-    const QString& fileName, const QTemporaryDir& folder, const std::function<bool()>& isCancelled)
+    const QString& fileName, const QTemporaryDir& folder, const ForeignWatcher& watcher)
 {
     try {
         const PrepareOptions options;
-        return { ForeignConversion(options, folder, isCancelled).list(fileName), {} };
+        return { ForeignConversion(options, folder, watcher).list(fileName), {} };
     } catch (const Trouble& trouble) {
         return { {}, trouble.text };
     }
@@ -326,10 +342,10 @@ const Format* formatOfForeignFile(const QString& fileName)
 }
 
 ForeignPair convertForeignFile(const QString& fileName, const PrepareOptions& options,
-    const QTemporaryDir& folder, const std::function<bool()>& isCancelled)
+    const QTemporaryDir& folder, const ForeignWatcher& watcher)
 {
     try {
-        return ForeignConversion(options, folder, isCancelled).run(fileName);
+        return ForeignConversion(options, folder, watcher).run(fileName);
     } catch (const Trouble& trouble) {
         return { {}, trouble.text, {} };
     }

@@ -42,15 +42,23 @@ QString layerPattern(const QString& name);
 /// null for a file that is none of its business.
 const Format* formatOfForeignFile(const QString& fileName);
 
-/// Asks ogrinfo for the layers of such a file; `folder` and `isCancelled` as below.
+/// Who waits for a conversion.
+struct ForeignWatcher {
+    /// Asked every tenth of a second; when it says so, the program is ended and the failure says
+    /// nothing of use.
+    std::function<bool()> isCancelled;
+    /// Called when the program tells how far it is, which it does not for every file;
+    /// may be empty.
+    std::function<void(int percent)> converted;
+};
+
+/// Asks ogrinfo for the layers of such a file; `folder` and `watcher` as below.
 ForeignLayers listForeignLayers(
-    const QString& fileName, const QTemporaryDir& folder, const std::function<bool()>& isCancelled);
+    const QString& fileName, const QTemporaryDir& folder, const ForeignWatcher& watcher);
 
 /// Lets ogr2ogr turn such a file into a MIF/MID pair in `folder`, with all its columns in their
-/// order. A file of several layers must have one that `options` choose. `isCancelled` is asked
-/// every tenth of a second; when it says so, the program is ended and the failure says nothing of
-/// use.
+/// order. A file of several layers must have one that `options` choose.
 ForeignPair convertForeignFile(const QString& fileName, const PrepareOptions& options,
-    const QTemporaryDir& folder, const std::function<bool()>& isCancelled);
+    const QTemporaryDir& folder, const ForeignWatcher& watcher);
 
 } // namespace prep

@@ -13,7 +13,7 @@ namespace prep {
 namespace {
 
 constexpr int bufferSize = 1 << 20;
-constexpr qint64 mostChords = 4000000;
+constexpr qint64 mostCurveChords = 4000000;
 
 std::string upperName(std::string_view name)
 {
@@ -44,7 +44,7 @@ MifWriter::MifWriter(QIODevice& mifOut, QIODevice& midOut, MidRows& rows, const 
     , m_form(form)
     , m_options(options)
     , m_report(report)
-    , m_chords(options.tolerance, mostChords)
+    , m_chords(options.tolerance, mostCurveChords)
 {
 }
 
@@ -60,7 +60,7 @@ void MifWriter::start(const MifHeader& header, bool flattens, const QByteArray& 
         m_shifts[1] = (*transform)[3];
         // Curves are drawn as the file has them, and the tolerance is meant for what comes of it.
         const double factor = std::max(std::abs(m_factors[0]), std::abs(m_factors[1]));
-        m_chords = ChordMaker(m_options.tolerance / factor, mostChords);
+        m_chords = ChordMaker(m_options.tolerance / factor, mostCurveChords);
     }
     m_moves = flattens && (transform || m_options.scale != 1);
     const std::string text =

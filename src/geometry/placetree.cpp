@@ -7,6 +7,10 @@ namespace {
 
 /// Subtrees of at most this many sites are searched one by one.
 constexpr size_t leafSize = 8;
+/// As many leaves are searched where the points are not laid out to be slow.
+constexpr size_t usualLeaves = 32;
+/// The answer of a search through more than so many is kept: many objects at one place ask for it.
+constexpr size_t costlyLeaves = 128;
 
 /// How far `value` is out of a range; as the distance of a point in the range is computed in the
 /// same way, this is never greater, whatever the rounding.
@@ -44,10 +48,19 @@ public:
         m_endRank = end;
     }
 
-    const Nearest& run()
+    Nearest run()
     {
-        if (!m_tree.isEmpty() && std::isfinite(m_x) && std::isfinite(m_y))
-            visit(0, m_tree.all());
+        if (m_tree.isEmpty() || !std::isfinite(m_x) || !std::isfinite(m_y))
+            return m_nearest;
+        const Question question{ m_x, m_y, m_nearest.distance, m_nearest.border, m_beginRank,
+            m_endRank };
+        const auto known = m_tree.m_costly.find(question);
+        if (known != m_tree.m_costly.end())
+            return known->second;
+        visit(0, m_tree.all());
+        m_tree.countLeaves(m_leaves);
+        if (m_leaves > costlyLeaves)
+            m_tree.m_costly.emplace(question, m_nearest);
         return m_nearest;
     }
 
@@ -57,6 +70,7 @@ private:
     void visit(size_t node, Range range)
     {
         if (m_tree.isLeaf(node)) {
+            ++m_leaves;
             for (size_t i = range.begin; i < range.end; ++i) {
                 const Site& site = m_tree.m_sites[i];
                 if (site.rank >= m_beginRank && site.rank < m_endRank)
@@ -66,8 +80,8 @@ private:
         }
         const size_t first = 2 * node + 1;
         const size_t second = first + 1;
-        const double toFirst = distanceTo(m_tree.m_nodes[first]);
-        const double toSecond = distanceTo(m_tree.m_nodes[second]);
+        const double toFirst = distanceTo(first);
+        const double toSecond = distanceTo(second);
         const bool secondIsSooner = toSecond < toFirst
             || (toSecond == toFirst
                 && toBorder(m_tree.m_nodes[second]) < toBorder(m_tree.m_nodes[first]));
@@ -79,11 +93,21 @@ private:
             visit(second, range.after());
     }
 
-    double distanceTo(const Node& node) const
+    double distanceTo(size_t index) const
     {
+        const Node& node = m_tree.m_nodes[index];
         const double dx = offsetFrom(node.minX, node.maxX, m_x);
         const double dy = offsetFrom(node.minY, node.maxY, m_y);
-        return dx * dx + dy * dy;
+        const double toBox = dx * dx + dy * dy;
+        // What is not a number leaves the other.
+        return usesArcs() ? std::fmax(toBox, m_tree.m_arcs[index].leastDistance(m_x, m_y)) : toBox;
+    }
+
+    /// Where distances differ by less than their rounding, the closer bounds cost more than they
+    /// spare.
+    bool usesArcs() const
+    {
+        return !m_tree.m_arcs.empty() && m_leaves < m_tree.m_nodes.size() / 16;
     }
 
     bool canGain(size_t index, double distance)
@@ -155,6 +179,7 @@ private:
     int m_count = 0;
     int m_beginRank = 0;
     int m_endRank = std::numeric_limits<int>::max();
+    size_t m_leaves = 0;
     Nearest m_nearest;
 };
 
@@ -206,6 +231,30 @@ void PlaceTree::measure(Node& node, Range range) const
         node.minY = std::min(node.minY, site.y);
         node.maxY = std::max(node.maxY, site.y);
     }
+}
+
+/// The closer bounds are made when what searches have cost without them is as much as they cost.
+void PlaceTree::countLeaves(size_t searched) const
+{
+    if (searched <= usualLeaves || !m_arcs.empty())
+        return;
+    m_leaves += searched;
+    if (m_leaves < 2 * m_nodes.size())
+        return;
+    std::vector<ArcBound> arcs(m_nodes.size());
+    bound(arcs, 0, all(), ArcBound());
+    m_arcs = std::move(arcs);
+}
+
+void PlaceTree::bound(
+    std::vector<ArcBound>& arcs, size_t index, Range range, const ArcBound& outer) const
+{
+    arcs[index] =
+        ArcBound(&m_sites[range.begin], &m_sites[range.begin] + (range.end - range.begin), outer);
+    if (isLeaf(index))
+        return;
+    bound(arcs, 2 * index + 1, range.before(), arcs[index]);
+    bound(arcs, 2 * index + 2, range.after(), arcs[index]);
 }
 
 PlaceTree::Nearest PlaceTree::findSorted(

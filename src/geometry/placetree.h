@@ -1,16 +1,22 @@
 #pragma once
 
+#include "geometry/arcbound.h"
 #include "geometry/defpoint.h"
+#include "geometry/site.h"
 
 #include <cstddef>
 #include <limits>
+#include <map>
+#include <tuple>
 #include <vector>
 
 /// A k-d tree over the places of points that do not change.
 ///
 /// A point is known by its rank, its index in the sequence that the tree was built from. Each
 /// subtree knows the least and the greatest rank in it, so that of many points at exactly the
-/// smallest distance only those are looked at that can still win the tie.
+/// smallest distance only those are looked at that can still win the tie. Where the boxes of the
+/// subtrees leave too many in question, each gets a closer bound; so a search may change the tree,
+/// and two may not run at a time.
 class PlaceTree {
 public:
     /// The points at the smallest distance, reduced to the outermost two towards a border in the
@@ -44,12 +50,9 @@ public:
 
 private:
     class Search;
+    /// x, y, the distance within, the border, the ranks from and before which.
+    using Question = std::tuple<double, double, double, int, int, int>;
 
-    struct Site {
-        double x;
-        double y;
-        int rank;
-    };
     /// The bounds of a subtree.
     struct Node {
         double minX;
@@ -77,6 +80,12 @@ private:
     void build(size_t index, Range range);
     void measure(Node& node, Range range) const;
 
+    void countLeaves(size_t searched) const;
+    void bound(std::vector<ArcBound>& arcs, size_t index, Range range, const ArcBound& outer) const;
+
     std::vector<Site> m_sites;
     std::vector<Node> m_nodes; ///< as in a heap: the children of node n are 2n + 1 and 2n + 2
+    mutable std::vector<ArcBound> m_arcs; ///< one for each node, once searches have been costly
+    mutable size_t m_leaves = 0; ///< that were searched beyond what is usual
+    mutable std::map<Question, Nearest> m_costly; ///< the answers that took long
 };

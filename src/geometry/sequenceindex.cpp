@@ -13,6 +13,8 @@ constexpr int shortest = 64;
 /// After so many stretches that could not be passed at once a walk goes on step by step, so that
 /// trying never costs much more than walking.
 constexpr int mostAttempts = 48;
+/// The answer of a search that goes farther is kept: many objects at one place ask for it.
+constexpr int costlySteps = 256;
 
 double square(double value)
 {
@@ -32,7 +34,8 @@ public:
     {
     }
 
-    const DefPoint* run()
+    /// The index of what is found, or -1.
+    int run()
     {
         const int lower = startOfSearch();
         if (lower < m_points.size())
@@ -41,8 +44,10 @@ public:
             offer(lower - 1);
         walk(lower + 1, m_points.size(), true);
         walk(0, lower - 1, false);
-        return m_best < 0 ? nullptr : &m_points.at(m_best);
+        return m_best;
     }
+
+    bool wasCostly() const { return m_steps > costlySteps; }
 
 private:
     /// Where halving ends; written out, for a library's search may halve points in no order
@@ -97,6 +102,7 @@ private:
             if (square(m_points.at(index).x - m_x) > m_distance)
                 return false;
             offer(index);
+            ++m_steps;
         }
         return true;
     }
@@ -124,6 +130,7 @@ private:
         const double farthest = std::max(square(stretch.minX - m_x), square(stretch.maxX - m_x));
         if (farthest > m_distance)
             return false;
+        m_steps += shortest;
         const PlaceTree& tree = m_index.tree();
         const PlaceTree::Nearest nearest = m_forward
             ? tree.findFirst(m_x, m_y, m_distance, begin, end)
@@ -139,11 +146,13 @@ private:
         return true;
     }
 
-    /// Whether each point's x is at least as near as those of the points met before.
+    /// Whether each point's x is at least as near as those of the points met before: each step
+    /// leads to the query's side of its middle. The middles are rounded, so they do not count.
     bool comesNearer(const Stretch& stretch) const
     {
-        return (stretch.minX >= m_x && (m_forward ? stretch.falls : stretch.rises))
-            || (stretch.maxX <= m_x && (m_forward ? stretch.rises : stretch.falls));
+        const Span& toGreater = m_forward ? stretch.rises : stretch.falls;
+        const Span& toLesser = m_forward ? stretch.falls : stretch.rises;
+        return toGreater.greatest < m_x && m_x < toLesser.least;
     }
 
     const SequenceIndex& m_index;
@@ -156,7 +165,14 @@ private:
     int m_end = 0;
     bool m_forward = true;
     int m_attempts = 0;
+    int m_steps = 0; ///< of all walks; a search in the tree counts as some
 };
+
+void SequenceIndex::Span::add(const Span& other)
+{
+    least = std::min(least, other.least);
+    greatest = std::max(greatest, other.greatest);
+}
 
 SequenceIndex::SequenceIndex(const QVector<DefPoint>& points)
     : m_points(points)
@@ -175,16 +191,23 @@ const DefPoint* SequenceIndex::find(const QPointF& query) const
 {
     if (!std::isfinite(query.x()) || !std::isfinite(query.y()))
         return nullptr;
-    return Walk(*this, query).run();
+    const auto place = std::make_pair(query.x(), query.y());
+    if (const auto known = m_costly.find(place); known != m_costly.end())
+        return pointAt(known->second);
+    Walk walk(*this, query);
+    const int found = walk.run();
+    if (walk.wasCostly())
+        m_costly.emplace(place, found);
+    return pointAt(found);
 }
 
 SequenceIndex::Stretch SequenceIndex::stretchOf(int begin, int end) const
 {
     const double x = m_points.at(begin).x;
-    Stretch stretch{ x, x, true, true };
+    Stretch stretch{ x, x, {}, {} };
     for (int i = begin + 1; i < end; ++i) {
         const double next = m_points.at(i).x;
-        stretch = joined(stretch, { next, next, true, true }, m_points.at(i - 1).x, next);
+        stretch = joined(stretch, { next, next, {}, {} }, m_points.at(i - 1).x, next);
     }
     return stretch;
 }
@@ -192,9 +215,16 @@ SequenceIndex::Stretch SequenceIndex::stretchOf(int begin, int end) const
 SequenceIndex::Stretch SequenceIndex::joined(
     const Stretch& before, const Stretch& after, double lastX, double firstX)
 {
-    return { std::min(before.minX, after.minX), std::max(before.maxX, after.maxX),
-        before.rises && after.rises && lastX <= firstX,
-        before.falls && after.falls && lastX >= firstX };
+    Stretch stretch{ std::min(before.minX, after.minX), std::max(before.maxX, after.maxX),
+        before.rises, before.falls };
+    stretch.rises.add(after.rises);
+    stretch.falls.add(after.falls);
+    const double middle = lastX / 2 + firstX / 2;
+    if (lastX < firstX)
+        stretch.rises.add({ middle, middle });
+    else if (lastX > firstX)
+        stretch.falls.add({ middle, middle });
+    return stretch;
 }
 
 void SequenceIndex::build(size_t node, int begin, int end)

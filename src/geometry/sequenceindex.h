@@ -6,7 +6,10 @@
 #include <QPointF>
 #include <QVector>
 
+#include <limits>
+#include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 /// Finds points among points in any order, as a search does that takes them for sorted by x.
@@ -18,8 +21,9 @@
 /// a coordinate that is not a number is never found and takes no part in the search.
 ///
 /// Where the search would go on for long, whole stretches are passed at once: those in which no
-/// point can end it. That bounds the cost where many points share an x or stand in either order
-/// of x; a sequence that closes in on the query from both sides is still walked step by step.
+/// point can end it. That bounds the cost where many points share an x, stand in either order of
+/// x or close in on the query from both sides; where x comes nearer with steps back in between,
+/// the search still goes step by step.
 class SequenceIndex {
 public:
     SequenceIndex() = default;
@@ -35,20 +39,28 @@ public:
 private:
     class Walk;
 
+    struct Span {
+        double least = std::numeric_limits<double>::infinity();
+        double greatest = -std::numeric_limits<double>::infinity();
+
+        void add(const Span& other);
+    };
     /// What is known of a stretch of neighbouring points.
     struct Stretch {
         double minX;
         double maxX;
-        bool rises; ///< no x is less than the one before it
-        bool falls; ///< no x is greater than the one before it
+        Span rises; ///< the middles of the steps to a greater x
+        Span falls; ///< the middles of those to a lesser one
     };
 
     Stretch stretchOf(int begin, int end) const;
     static Stretch joined(const Stretch& before, const Stretch& after, double lastX, double firstX);
     void build(size_t node, int begin, int end);
     const PlaceTree& tree() const;
+    const DefPoint* pointAt(int index) const { return index < 0 ? nullptr : &m_points.at(index); }
 
     QVector<DefPoint> m_points;
     std::vector<Stretch> m_stretches; ///< a heap of halves; empty where there are few points
     mutable std::optional<PlaceTree> m_tree; ///< made when a search first goes on for long
+    mutable std::map<std::pair<double, double>, int> m_costly; ///< what was found after long
 };

@@ -1,16 +1,12 @@
 #include "import/dxflabels.h"
 
+#include "geometry/digits.h"
 #include "geometry/pointorder.h"
 
 #include <algorithm>
 #include <iterator>
 
 namespace {
-
-bool isDigit(QChar c)
-{
-    return c >= QLatin1Char('0') && c <= QLatin1Char('9');
-}
 
 bool isLatinOrRussianLetter(QChar c)
 {

@@ -1,15 +1,12 @@
 #include "import/dxftext.h"
 
+#include "geometry/digits.h"
+
 #include <QTextCodec>
 
 #include <algorithm>
 
 namespace {
-
-bool isDigit(QChar c)
-{
-    return c >= QLatin1Char('0') && c <= QLatin1Char('9');
-}
 
 /// `text` with every `escape` replaced by `symbol`, at a cost in step with its length.
 QString withSymbol(const QString& text, QLatin1String escape, QChar symbol)

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTest>
 
@@ -61,6 +62,49 @@ class TestCliFaults : public QObject {
     Q_OBJECT
 
 private slots:
+    // A program without its library
+
+    /// The copy of the program alone reads and writes; only plans it cannot draw, and says so.
+    void planWithoutItsLibrary()
+    {
+        const Folder folder;
+        QVERIFY(QFile::copy(commandPath(), folder.path(QStringLiteral("alone"))));
+        const CommandRun plan = folder.shell(
+            QStringLiteral("./alone plan parcels.mif -o p.svg; echo $?; "
+                           "./alone convert -q --encoding Windows-1251 parcels.mif -o p.xml"));
+        QCOMPARE(plan.status, 0);
+        QCOMPARE(plan.out, QByteArray("1\n"));
+        QCOMPARE(plan.err,
+            QStringLiteral("importgeometry: нет библиотеки рисования планов "
+                           "(«importgeometry-plan.so» рядом с программой), или ей не хватает "
+                           "Qt Gui: установите программу целиком\n"));
+        QCOMPARE(folder.names("p.*"), QStringList(QStringLiteral("p.xml")));
+    }
+
+    void planWithItsLibrary()
+    {
+        const Folder folder;
+        const QString library = QStringLiteral("importgeometry-plan.so");
+        QVERIFY(QFile::copy(commandPath(), folder.path(QStringLiteral("alone"))));
+        QVERIFY(
+            QFile::copy(QFileInfo(commandPath()).dir().filePath(library), folder.path(library)));
+        const CommandRun plan = folder.shell(
+            QStringLiteral("./alone plan -q --encoding Windows-1251 parcels.mif -o p.svg"));
+        QCOMPARE(plan.err, QString());
+        QCOMPARE(plan.status, 0);
+        QVERIFY(contentOf(folder.path(QStringLiteral("p.svg"))).startsWith("<?xml"));
+    }
+
+    /// It takes as long to load as a small file takes to be converted.
+    void onlyPlansLoadQtGui()
+    {
+        const Folder folder;
+        const CommandRun run = folder.shell(QStringLiteral(
+            "for c in convert check plan; do LD_DEBUG=files $CLI $c --help 2>&1 >/dev/null | "
+            "grep -q 'calling init:.*Qt5Gui' && echo $c; done; true"));
+        QCOMPARE(run.out, QByteArray("plan\n"));
+    }
+
     // Many files and few resources
 
     void fewDescriptors_data()
