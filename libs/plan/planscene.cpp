@@ -125,37 +125,61 @@ void PlanScene::paint(QPainter& painter, const PlanColors& colors, const QColor&
 void PlanScene::gather()
 {
     m_shown.clear();
-    m_specks[0].clear();
-    m_specks[1].clear();
     m_size = 0;
+    for (const int red : { 0, 1 }) {
+        m_specks[red].clear();
+        m_steps[red].clear();
+    }
     // Specks that fall on one another are drawn once.
     PlanSpace taken[] = { PlanSpace(QSizeF(view.frame().right(), view.frame().bottom())), {} };
     taken[1] = taken[0];
+    QVector<int> small;
     for (int i = 0; i < m_objects.size(); ++i) {
         const QRectF box = m_index.boxInPicture(i, view);
         if (isApart(box, view.frame()) || (box.isNull() && box.topLeft().isNull()))
             continue;
+        const int red = m_duplicates.testBit(i) ? 1 : 0;
         if (sizeOf(box) < speckSize && m_size + m_objects.size() - i > mostDots) {
-            const int red = m_duplicates.testBit(i) ? 1 : 0;
             if (taken[red].take(QRectF(box.center(), box.center())))
                 m_specks[red].append(QRectF(box.center(), QSizeF(0, 0)).adjusted(-1, -1, 1, 1));
-            continue;
+        } else if (sizeOf(box) < namedSize) {
+            m_size += m_index.appendSteps(i, view, detail, m_steps[red]);
+            if (m_size <= crowded)
+                small.append(i);
+        } else {
+            m_shown.push_back({ i, box, m_index.outline(i, view, detail) });
+            m_size += m_shown.back().outline.size;
         }
-        m_shown.append({ i, box, m_index.outline(i, view, detail) });
-        m_size += m_shown.last().outline.size;
     }
+    if (m_size <= crowded)
+        showSmall(small);
+}
+
+void PlanScene::showSmall(const QVector<int>& objects)
+{
+    m_steps[0].clear();
+    m_steps[1].clear();
+    for (const int object : objects) {
+        m_shown.push_back(
+            { object, m_index.boxInPicture(object, view), m_index.outline(object, view, detail) });
+    }
+    std::sort(m_shown.begin(), m_shown.end(),
+        [](const Shown& a, const Shown& b) { return a.object < b.object; });
 }
 
 void PlanScene::drawObjects(QPainter& painter, PlanDrawing& drawing, const PlanColors& colors)
 {
-    for (const bool red : { false, true }) {
+    for (const int red : { 0, 1 }) {
+        const QColor& color = red == 1 ? colors.red : colors.line;
         painter.setPen(Qt::NoPen);
-        painter.setBrush(red ? colors.red : colors.line);
-        painter.drawRects(m_specks[red ? 1 : 0]);
-        for (const Shown& shown : qAsConst(m_shown)) {
-            if (m_duplicates.testBit(shown.object) == red)
-                drawing.drawObject(shown.outline, red);
+        painter.setBrush(color);
+        painter.drawRects(m_specks[red]);
+        for (const Shown& shown : m_shown) {
+            if (m_duplicates.testBit(shown.object) == (red == 1))
+                drawing.drawObject(shown.outline, red == 1);
         }
+        painter.setPen(QPen(color, 0));
+        painter.drawLines(m_steps[red].data(), static_cast<int>(m_steps[red].size()));
     }
 }
 
@@ -199,7 +223,7 @@ void PlanScene::drawSelection(
 void PlanScene::nameObjects(PlanDrawing& drawing) const
 {
     QVector<const Shown*> named;
-    for (const Shown& shown : qAsConst(m_shown)) {
+    for (const Shown& shown : m_shown) {
         if (sizeOf(shown.box) >= namedSize && !shown.outline.lines.isEmpty()
             && !m_objects.at(shown.object).def.isEmpty())
             named.append(&shown);
@@ -223,7 +247,7 @@ void PlanScene::nameObjects(PlanDrawing& drawing) const
 void PlanScene::drawPoints(PlanDrawing& drawing) const
 {
     int names = 0;
-    for (const Shown& shown : qAsConst(m_shown)) {
+    for (const Shown& shown : m_shown) {
         const QBitArray conflicts = m_conflicts.value(shown.object);
         const auto vertices = m_index.verticesIn(shown.object, view, view.frame());
         for (const PlanIndex::Vertex& vertex : vertices) {

@@ -6,6 +6,8 @@
 #include <QBitArray>
 #include <QHash>
 
+#include <vector>
+
 class PainterCanvas;
 class PlanDrawing;
 class QPainter;
@@ -55,6 +57,8 @@ private:
     };
 
     void gather();
+    /// Gives small objects shapes after all: there are few.
+    void showSmall(const QVector<int>& objects);
     void drawObjects(QPainter& painter, PlanDrawing& drawing, const PlanColors& colors);
     void drawSelection(
         QPainter& painter, const QColor& chosen, const PlanSelection& selection) const;
@@ -70,7 +74,8 @@ private:
     int m_nextToLookAt = 0;
 
     // Of the picture that is being painted.
-    QVector<Shown> m_shown;
+    std::vector<Shown> m_shown;
+    std::vector<QLineF> m_steps[2]; ///< along small objects of a crowded picture; red ones second
     QVector<QRectF> m_specks[2]; ///< objects too small for a shape; the red ones second
     int m_size = 0; ///< places of all shapes
 };
