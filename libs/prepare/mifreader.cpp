@@ -43,11 +43,12 @@ bool isAscii(char c)
 }
 
 /// Whether the readers may take a header line for the one in front of the data: there are blanks
-/// beside those of ASCII.
+/// beside those of ASCII, and carriage returns are none.
 bool mayBeData(std::string_view line)
 {
     std::string plain;
-    std::copy_if(line.begin(), line.end(), std::back_inserter(plain), isAscii);
+    std::copy_if(line.begin(), line.end(), std::back_inserter(plain),
+        [](char c) { return isAscii(c) && c != '\r'; });
     return isSameWord(trimmed(plain), "DATA");
 }
 
@@ -81,8 +82,9 @@ std::string_view takeClause(std::string_view& clauses)
     while (!clauses.empty()) {
         const std::string_view line = takeLine(clauses);
         const std::string_view first = firstWord(line);
-        // Other words may be those of an object to the readers, once they are decoded.
-        const bool isClause = !line.empty()
+        // Other words may be those of an object to the readers, once they are decoded and without
+        // the carriage returns in them.
+        const bool isClause = !line.empty() && line.find('\r') == std::string_view::npos
             && ((line[0] >= 'A' && line[0] <= 'Z') || (line[0] >= 'a' && line[0] <= 'z'))
             && std::all_of(first.begin(), first.end(), isAscii);
         if (isClause)

@@ -163,6 +163,9 @@ void TestPrepareMif::headers_data()
     QTest::newRow("data with a blank that is not ASCII") << QByteArray(
         "Version 300\nCharset \"Neutral\"\nDelimiter \",\"\nData\xA0\nLine 5 5 6 6\n"
         "Columns 1\n  a Char(9)\nData\n") << QStringList();
+    QTest::newRow("data with a carriage return in it") << QByteArray(
+        "Version 300\nCharset \"Neutral\"\nDelimiter \",\"\nDa\rta\nLine 5 5 6 6\n"
+        "Columns 1\n  a Char(9)\nData\n") << QStringList();
     QTest::newRow("semicolon") << QByteArray(
         "Version 300\nCharset \"Neutral\"\nDelimiter \";\"\nColumns 1\n  a Char(9)\nDATA\n")
                                << QStringList();
@@ -214,6 +217,9 @@ void TestPrepareMif::lines_data()
     // A no-break space parts words, too.
     row("a clause that reads as an object",
         "Pline 2\n0 0\n1 1\n    Pen (1,2,0)\nLine\xA0 5 5 6 6\n",
+        "Pline 2\n0 0\n1 1\n    Pen (1,2,0)\n");
+    row("a clause with a carriage return in it",
+        "Pline 2\n0 0\n1 1\n    Pen (1,2,0)\r\nLi\rne 5 5 6 6\n",
         "Pline 2\n0 0\n1 1\n    Pen (1,2,0)\n");
     row("a text of several lines", "Text \"a\nLine 0 0 1 1\r\nb\"\n 0 0 1 1\n",
         "Text \"a\\nLine 0 0 1 1\\nb\"\n    0 0 1 1\n");
