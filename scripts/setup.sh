@@ -19,6 +19,7 @@ test_packages=(
     xvfb xauth openbox # tests show the dialog and the window on a real window system
     man-db             # a test formats the manual page
     poppler-utils      # a test reads the text of a printed sheet
+    python3 libxml2-utils pngcheck  # others than Qt read what the window writes
     zsh fish           # the completions are tried in their shells
 )
 ci_packages=(

@@ -112,21 +112,19 @@ QSize SizeCachingDelegate::sizeFromOtherRow(const QString& text) const
         indexTexts();
     if (m_byText.empty())
         return QSize();
-    const int row = m_byText[slotOf(text)];
-    return row < 0 ? QSize() : m_before.at(row).size;
+    return m_byText[slotOf(text)].size;
 }
 
 void SizeCachingDelegate::indexTexts() const
 {
     m_before = m_items;
     size_t size = 1;
-    while (size < 2 * static_cast<size_t>(m_before.size()))
+    while (3 * size < 4 * static_cast<size_t>(m_before.size()))
         size *= 2;
-    m_byText.assign(size, -1);
-    for (int row = 0; row < m_before.size(); ++row) {
-        const Item& item = m_before.at(row);
+    m_byText.assign(size, TextSize());
+    for (const Item& item : qAsConst(m_before)) {
         if (item.size.isValid() && !item.text.isNull())
-            m_byText[slotOf(item.text)] = row;
+            m_byText[slotOf(item.text)] = { item.text.constData(), item.size };
     }
 }
 
@@ -137,7 +135,7 @@ size_t SizeCachingDelegate::slotOf(const QString& text) const
     const QChar* const data = text.constData();
     const size_t mask = m_byText.size() - 1;
     size_t slot = (reinterpret_cast<quintptr>(data) * 0x9E3779B1U >> 16) & mask;
-    while (m_byText[slot] >= 0 && m_before.at(m_byText[slot]).text.constData() != data)
+    while (m_byText[slot].data && m_byText[slot].data != data)
         slot = (slot + 1) & mask;
     return slot;
 }

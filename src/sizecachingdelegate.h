@@ -34,6 +34,12 @@ private:
         QSize size; ///< not valid until measured
     };
 
+    /// The size of a text by where its characters are.
+    struct TextSize {
+        const QChar* data = nullptr; ///< none where the place in the table is free
+        QSize size;
+    };
+
     void startRun(const QStyleOptionViewItem& option, const QModelIndex& index) const;
     QSize rowSize(const QStyleOptionViewItem& option, const QModelIndex& index) const;
     QSize sizeFromOtherRow(const QString& text) const;
@@ -44,7 +50,7 @@ private:
 
     mutable QVector<Item> m_items; ///< by row, as measured last
     mutable QVector<Item> m_before; ///< those of the run before; empty until they pay
-    mutable std::vector<int> m_byText; ///< a hash table of them, by text; -1 where there is none
+    mutable std::vector<TextSize> m_byText; ///< a hash table of them, which keep the texts
     mutable int m_row = -1; ///< the row last asked for
     mutable int m_runLength = 0; ///< the number of rows asked for one after the other
     mutable int m_newTexts = 0; ///< the number of texts in the run that were new to their rows

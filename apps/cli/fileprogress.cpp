@@ -2,6 +2,7 @@
 
 #include "console.h"
 #include "outputfile.h"
+#include "standardinput.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,6 +19,12 @@ namespace {
 
 std::atomic<qint64> objectsWritten{ 0 };
 std::atomic<qint64> inputBytes{ 0 };
+std::atomic<qint64> scannedBytes{ 0 };
+std::atomic<qint64> bytesToScan{ 0 };
+
+constexpr int noPercentage = -1;
+constexpr int noConversion = -2;
+std::atomic<int> conversion{ noConversion }; ///< its percentage, or one of these
 
 /// How much of the file behind a descriptor of this process has been read.
 std::optional<qint64> positionOf(const QString& descriptor)
@@ -32,6 +39,14 @@ QString sizeText(qint64 bytes)
 {
     constexpr double mega = 1 << 20;
     return QString::number(static_cast<double>(bytes) / mega, 'f', 1) + QStringLiteral(" МБ");
+}
+
+/// A part of a whole; a file may grow meanwhile, or be empty.
+QString shareText(qint64 part, qint64 whole)
+{
+    return QStringLiteral("%1 из %2 (%3 %)")
+        .arg(sizeText(part), sizeText(whole))
+        .arg(std::min<qint64>(part * 100 / std::max<qint64>(whole, 1), 100));
 }
 
 } // namespace
@@ -59,6 +74,10 @@ void FileProgress::startFiles(const QStringList& fileNames)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_paths.clear();
+    const QString first = fileNames.value(0);
+    m_shownName = first == inputFileName(QStringLiteral("-")) ? QStringLiteral("стандартный ввод")
+                                                              : QFileInfo(first).fileName();
+    m_sinceStart.start();
     for (const QString& name : fileNames) {
         const QFileInfo info(name);
         if (!info.isFile())
@@ -78,6 +97,22 @@ void FileProgress::countInput(qint64 bytes)
     inputBytes.fetch_add(bytes, std::memory_order_relaxed);
 }
 
+void FileProgress::tellScanned(qint64 bytes, qint64 whole)
+{
+    scannedBytes.store(bytes, std::memory_order_relaxed);
+    bytesToScan.store(whole, std::memory_order_relaxed);
+}
+
+void FileProgress::tellConverting(int percent)
+{
+    conversion = std::max(percent, noPercentage);
+}
+
+void FileProgress::tellConverted()
+{
+    conversion = noConversion;
+}
+
 void FileProgress::watch()
 {
     using namespace std::chrono_literals;
@@ -95,16 +130,42 @@ QString FileProgress::text() const
 {
     const qint64 objects = objectsWritten;
     const qint64 written = OutputFile::bytesWritten();
-    QString line = readingText();
-    if (objects == 0 && written == 0)
-        return line;
+    QString line = stepText();
     if (line.isEmpty())
+        line = readingText();
+    const bool isSilent = line.isEmpty();
+    if (isSilent && m_size > 0)
         line = QStringLiteral("прочитано: ") + sizeText(m_size);
+    if (objects == 0 && written == 0)
+        return isSilent && m_size > 0 ? line + elapsedText() : line;
     if (objects > 0)
         line += QStringLiteral(", записано объектов: %1").arg(objects);
     if (written > 0)
         line += QStringLiteral(", записано: ") + sizeText(written);
     return line;
+}
+
+/// What is done to the file beside reading and writing; empty when it is nothing.
+QString FileProgress::stepText() const
+{
+    const int percent = conversion;
+    if (percent != noConversion) {
+        QString line = m_shownName + QStringLiteral(": переводит программа ogr2ogr");
+        if (percent != noPercentage)
+            line += QStringLiteral(" (%1 %)").arg(percent);
+        return line + elapsedText();
+    }
+    const qint64 whole = bytesToScan;
+    const qint64 scanned = scannedBytes;
+    if (scanned >= whole)
+        return {};
+    return QStringLiteral("%1: просмотрено %2").arg(m_shownName, shareText(scanned, whole));
+}
+
+QString FileProgress::elapsedText() const
+{
+    constexpr int msPerSecond = 1000;
+    return QStringLiteral(", прошло %1 с").arg(m_sinceStart.elapsed() / msPerSecond);
 }
 
 QString FileProgress::readingText() const
@@ -126,8 +187,6 @@ QString FileProgress::readingText() const
     }
     if (file.isEmpty())
         return {};
-    const qint64 size = std::max<qint64>(QFileInfo(file).size(), 1);
-    return QStringLiteral("%1: прочитано %2 из %3 (%4 %)")
-        .arg(QFileInfo(file).fileName(), sizeText(least), sizeText(size))
-        .arg(std::min<qint64>(least * 100 / size, 100));
+    const QFileInfo info(file);
+    return QStringLiteral("%1: прочитано %2").arg(info.fileName(), shareText(least, info.size()));
 }

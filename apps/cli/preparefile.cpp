@@ -1,6 +1,7 @@
 #include "preparefile.h"
 
 #include "console.h"
+#include "fileprogress.h"
 #include "importrun/importrun.h"
 #include "interrupt.h"
 #include "outputfile.h"
@@ -68,7 +69,10 @@ prep::ForeignPair convertForeign(
     prep::ForeignPair pair;
     {
         const Interrupt::Deferral deferral;
-        pair = prep::convertForeignFile(fileName, options, folder, Interrupt::requested);
+        FileProgress::tellConverting();
+        pair = prep::convertForeignFile(
+            fileName, options, folder, { Interrupt::requested, FileProgress::tellConverting });
+        FileProgress::tellConverted();
     }
     if (Interrupt::requested())
         folder.remove();
@@ -105,6 +109,7 @@ prep::PrepareReport prepareFile(const PrepareTask& task, const prep::PrepareOpti
 {
     prep::PrepareReport report;
     report.entityWritten = entityWritten;
+    report.scanned = FileProgress::tellScanned;
     OutputFile::checkPlace(task.target);
     spoolStandardInput(task.fileName);
     if (task.isForeign)

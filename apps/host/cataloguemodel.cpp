@@ -5,10 +5,7 @@
 #include "theme.h"
 
 #include <QGuiApplication>
-#include <QLocale>
 #include <QPalette>
-
-#include <algorithm>
 
 CatalogueModel::CatalogueModel(Document& document, QObject* parent)
     : QAbstractTableModel(parent)
@@ -30,17 +27,12 @@ void CatalogueModel::reset(int object)
 {
     beginResetModel();
     m_object = object;
-    m_starts.clear();
+    m_rows = CatalogueRows();
     m_conflicts.clear();
     m_columns = m_document.catalogueColumns();
     if (object >= 0) {
         const DefPolygon& polygon = m_document.objects().at(object);
-        int row = 0;
-        for (const QVector<DefPoint>& contour : polygon.contours) {
-            m_starts.append(row);
-            row += contour.size() + 1;
-        }
-        m_starts.append(row);
+        m_rows = CatalogueRows(polygon);
         m_conflicts = conflictingPoints(polygon);
     }
     endResetModel();
@@ -52,58 +44,14 @@ void CatalogueModel::setTitles(const QStringList& titles)
     emit headerDataChanged(Qt::Horizontal, 0, std::max(0, m_columns - 1));
 }
 
-CatalogueModel::Place CatalogueModel::placeOf(int row) const
-{
-    if (row < 0 || row >= rowCount())
-        return {};
-    const int contour = static_cast<int>(
-        std::upper_bound(m_starts.cbegin(), m_starts.cend(), row) - m_starts.cbegin() - 1);
-    const int vertex = row - m_starts.at(contour);
-    if (vertex >= m_document.objects().at(m_object).contours.at(contour).size())
-        return {};
-    return { contour, vertex };
-}
-
-int CatalogueModel::rowOf(const Place& place) const
-{
-    return m_starts.value(place.contour) + place.vertex;
-}
-
 int CatalogueModel::rowCount(const QModelIndex& parent) const
 {
-    if (parent.isValid() || m_starts.size() < 2)
-        return 0;
-    // No row stands behind the last contour.
-    return m_starts.last() - 1;
+    return parent.isValid() ? 0 : m_rows.count();
 }
 
 int CatalogueModel::columnCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : m_columns;
-}
-
-const DefPoint& CatalogueModel::pointAt(const Place& place) const
-{
-    return m_document.objects().at(m_object).contours.at(place.contour).at(place.vertex);
-}
-
-QString CatalogueModel::cell(int row, int column) const
-{
-    const Place place = placeOf(row);
-    if (place.contour < 0)
-        return {};
-    const GeometryInfo& columns = m_document.table().columns;
-    const DefPoint& point = pointAt(place);
-    const auto number = [this](double value) {
-        return QLocale().toString(value, 'f', m_document.table().decimals);
-    };
-    if (column == columns.nColNum)
-        return point.def;
-    if (column == columns.xColNum)
-        return number(point.x);
-    if (column == columns.yColNum)
-        return number(point.y);
-    return m_document.table().others.at(m_object).points.value(row - place.contour).value(column);
 }
 
 QVariant CatalogueModel::data(const QModelIndex& index, int role) const
@@ -117,7 +65,7 @@ QVariant CatalogueModel::data(const QModelIndex& index, int role) const
             : QVariant();
     }
     if (role == Qt::DisplayRole || role == Qt::EditRole)
-        return cell(index.row(), index.column());
+        return catalogueCell(m_document.table(), m_object, m_rows, index.row(), index.column());
     if (role == Qt::TextAlignmentRole && index.column() != m_document.table().columns.nColNum)
         return QVariant(Qt::AlignRight | Qt::AlignVCenter);
     // A row for each vertex, and one for each contour before.
@@ -135,7 +83,8 @@ bool CatalogueModel::setData(const QModelIndex& index, const QVariant& value, in
     if (role != Qt::EditRole || !(flags(index) & Qt::ItemIsEditable))
         return false;
     const Place place = placeOf(index.row());
-    if (pointAt(place).def == value.toString())
+    const auto& contours = m_document.objects().at(m_object).contours;
+    if (contours.at(place.contour).at(place.vertex).def == value.toString())
         return false;
     m_document.renamePoint(m_object, place.contour, place.vertex, value.toString());
     return true;
@@ -170,40 +119,10 @@ void CatalogueModel::renamed(int object, int contour, int vertex)
     emit dataChanged(index(0, 0), index(rowCount() - 1, m_columns - 1), { Qt::BackgroundRole });
 }
 
-QString CatalogueModel::asText(const QVector<int>& rows) const
+CatalogueText CatalogueModel::text() const
 {
-    QString text;
-    const auto addRow = [&](auto cellOf) {
-        for (int column = 0; column < m_columns; ++column) {
-            // A tab or a break within a text would move the cells behind it.
-            text +=
-                QString(cellOf(column)).replace(QLatin1Char('\t'), QLatin1Char(' ')).simplified();
-            text += QLatin1Char(column + 1 < m_columns ? '\t' : '\n');
-        }
-    };
-    addRow([this](int column) {
-        return headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
-    });
-    for (const int row : rows)
-        addRow([this, row](int column) { return cell(row, column); });
-    return text;
-}
-
-QString CatalogueModel::asHtml(const QVector<int>& rows) const
-{
-    QString html = QStringLiteral("<table border=\"1\">");
-    const auto addRow = [&](const char* tag, auto cellOf) {
-        html += QLatin1String("<tr>");
-        for (int column = 0; column < m_columns; ++column) {
-            html += QStringLiteral("<%1>%2</%1>")
-                        .arg(QLatin1String(tag), QString(cellOf(column)).toHtmlEscaped());
-        }
-        html += QLatin1String("</tr>\n");
-    };
-    addRow("th", [this](int column) {
-        return headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
-    });
-    for (const int row : rows)
-        addRow("td", [this, row](int column) { return cell(row, column); });
-    return html + QLatin1String("</table>");
+    QStringList titles;
+    for (int column = 0; column < m_columns; ++column)
+        titles.append(headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+    return CatalogueText(m_document.table(), m_object, titles);
 }

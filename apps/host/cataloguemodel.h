@@ -1,12 +1,12 @@
 #pragma once
 
+#include "cataloguerows.h"
+
 #include <QAbstractTableModel>
 #include <QBitArray>
 #include <QStringList>
-#include <QVector>
 
 class Document;
-struct DefPoint;
 
 /// The coordinate catalogue of one object, with an empty row between contours. Designations can be
 /// edited.
@@ -14,11 +14,7 @@ class CatalogueModel : public QAbstractTableModel {
     Q_OBJECT
 
 public:
-    /// A vertex of the object; contour -1 on a row between contours.
-    struct Place {
-        int contour = -1;
-        int vertex = -1;
-    };
+    using Place = CatalogueRows::Place;
 
     /// `document` must outlive the model.
     explicit CatalogueModel(Document& document, QObject* parent = nullptr);
@@ -28,12 +24,10 @@ public:
     /// The titles of the columns, from the first one; others get their number.
     void setTitles(const QStringList& titles);
 
-    Place placeOf(int row) const;
-    int rowOf(const Place& place) const;
-    /// The rows as text, cells parted by tabs, under their titles.
-    QString asText(const QVector<int>& rows) const;
-    /// The same as a table in HTML.
-    QString asHtml(const QVector<int>& rows) const;
+    Place placeOf(int row) const { return m_rows.placeOf(row); }
+    int rowOf(const Place& place) const { return m_rows.rowOf(place); }
+    /// What other programs get of the rows as they are now.
+    CatalogueText text() const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -43,14 +37,12 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 private:
-    const DefPoint& pointAt(const Place& place) const;
-    QString cell(int row, int column) const;
     void reset(int object);
     void renamed(int object, int contour, int vertex);
 
     Document& m_document;
     int m_object = -1;
-    QVector<int> m_starts; ///< the row at which each contour starts, and one past the last row
+    CatalogueRows m_rows;
     QBitArray m_conflicts; ///< of the vertices through all contours
     QStringList m_titles;
     int m_columns = 0;

@@ -37,8 +37,7 @@ bool writePicture(QIODevice& out, const FormExport& task)
 bool writeSheet(QIODevice& out, const FormExport& task, const std::atomic_bool& cancelled)
 {
     QPdfWriter pdf(&out);
-    pdf.setPageSize(QPageSize(QPageSize::A4));
-    pdf.setPageMargins(QMarginsF(20, 15, 15, 15), QPageLayout::Millimeter);
+    pdf.setPageLayout(Sheet::page());
     pdf.setTitle(task.title);
     return Sheet(task.table, task.objects, task.northingFirst, task.title).paint(pdf, cancelled);
 }

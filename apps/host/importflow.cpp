@@ -2,14 +2,18 @@
 
 #include "background.h"
 #include "document.h"
+#include "foreigndialog.h"
 #include "preparecopy.h"
 #include "survey/filesurvey.h"
 
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QTemporaryDir>
 #include <QTextCodec>
 #include <QWidget>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 namespace {
@@ -105,6 +109,66 @@ void ImportFlow::check(const QString& operation, const ImportOptions& options)
         emit checked(**report);
     else
         emit reported(options.objectFileName, QStringLiteral("Файл не проверен до конца."));
+}
+
+void ImportFlow::tellTrouble(const QString& fileName, const QString& trouble)
+{
+    const bool isDrawing = fileName.endsWith(QLatin1String(".dwg"), Qt::CaseInsensitive);
+    const QString remedy = isDrawing
+        ? QStringLiteral("Сохраните чертёж в программе, в которой он сделан, как текстовый (ASCII) "
+                         "DXF.")
+        : QStringLiteral("Можно и выгрузить объекты в MIF или DXF из программы, в которой они "
+                         "сделаны.");
+    QMessageBox::warning(&m_window, QStringLiteral("Файл не открыт"),
+        QStringLiteral("%1: %2.\n\n%3").arg(shortName(fileName), trouble, remedy));
+}
+
+QVector<prep::ForeignLayer> ImportFlow::layersOf(const QString& fileName)
+{
+    auto listed = std::make_shared<prep::ForeignLayers>();
+    const bool isDone = runWithProgress(&m_window,
+        QStringLiteral("Файл «%1» просматривается…").arg(shortName(fileName)),
+        [listed, fileName](const std::atomic_bool& cancelled) {
+            const QTemporaryDir folder;
+            *listed = prep::listForeignLayers(
+                fileName, folder, { [&cancelled] { return cancelled.load(); }, {} });
+        });
+    if (!isDone)
+        return {};
+    QVector<prep::ForeignLayer> layers;
+    std::copy_if(listed->layers.cbegin(), listed->layers.cend(), std::back_inserter(layers),
+        [](const prep::ForeignLayer& layer) { return layer.hasObjects; });
+    if (layers.isEmpty()) {
+        tellTrouble(fileName,
+            listed->failure.isEmpty() ? QStringLiteral("в файле нет объектов") : listed->failure);
+    }
+    return layers;
+}
+
+void ImportFlow::importForeign(const QString& fileName)
+{
+    const QVector<prep::ForeignLayer> layers = layersOf(fileName);
+    if (layers.isEmpty())
+        return;
+    ForeignDialog dialog(fileName, layers, &m_window);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    auto copy = std::make_shared<PreparedCopy>();
+    const QString layer = dialog.layer();
+    const QString column = dialog.column();
+    const bool isDone = runWithProgress(&m_window,
+        QStringLiteral("Пишется копия файла «%1»…").arg(shortName(fileName)),
+        [=](const std::atomic_bool& cancelled) {
+            *copy = prepareForeignCopy(fileName, layer, column, cancelled);
+        });
+    if (!isDone)
+        return;
+    if (!copy->error.isEmpty()) {
+        tellTrouble(fileName, copy->error);
+        return;
+    }
+    emit mended(fileName, copy->fileName, copy->changes);
+    import(m_host.operationFor(copy->fileName), copy->fileName);
 }
 
 void ImportFlow::mend(const QString& fileName, bool visibleOnly)

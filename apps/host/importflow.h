@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pluginhost.h"
+#include "prepare/foreignfile.h"
 #include "survey/report.h"
 
 #include <QObject>
@@ -22,6 +23,9 @@ public:
     void import(const QString& operation, const QString& fileName);
     /// Checks a file as it would be imported with the usual choices.
     void check(const QString& fileName);
+    /// Asks which layer of a file of another format to take, writes it as a pair beside the file
+    /// and opens that.
+    void importForeign(const QString& fileName);
     /// Writes a mended copy of a file and opens it in its place.
     void mend(const QString& fileName, bool visibleOnly);
 
@@ -33,6 +37,9 @@ signals:
 
 private:
     bool takeResult(const ImportAnswer& answer);
+    /// The layers with objects; none after a message, or when the user has cancelled.
+    QVector<prep::ForeignLayer> layersOf(const QString& fileName);
+    void tellTrouble(const QString& fileName, const QString& trouble);
     void check(const QString& operation, const ImportOptions& options);
 
     Document& m_document;

@@ -101,6 +101,8 @@ void MainWindow::buildViews()
     m_search->setPlaceholderText(QStringLiteral("Найти обозначение"));
     m_search->setAccessibleName(QStringLiteral("Найти объект по обозначению"));
     m_search->setClearButtonEnabled(true);
+    // A file that is dropped on it is for the window.
+    m_search->setAcceptDrops(false);
     m_objectLabel = new QLabel;
     m_objectLabel->setObjectName(QStringLiteral("objectLabel"));
     m_objectLabel->setWordWrap(true);

@@ -79,6 +79,7 @@ private:
     void openNext();
     void chooseFiles(const QString& operation);
     void chooseForm();
+    void chooseForeign();
     void chooseFileToCheck();
     bool openForm(const QString& fileName);
     bool save();

@@ -180,8 +180,8 @@ QString PlanWidget::coordinatesAt(const QPointF& place) const
 void PlanWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    m_scene->paint(painter, planColors(palette()), palette().color(QPalette::Base),
-        palette().color(QPalette::Highlight), m_selection);
+    m_scene->paint(
+        painter, planColors(palette()), palette().color(QPalette::Highlight), m_selection);
     if (!hasFocus())
         return;
     painter.setBrush(Qt::NoBrush);

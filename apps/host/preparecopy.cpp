@@ -2,6 +2,7 @@
 
 #include "import/formats.h"
 #include "importrun/importrun.h"
+#include "prepare/foreignfile.h"
 #include "prepare/preparedxf.h"
 #include "prepare/preparemif.h"
 #include "prepare/reporttext.h"
@@ -10,6 +11,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QTemporaryDir>
 
 #include <limits>
 
@@ -67,13 +69,14 @@ QString freeName(const QString& fileName, const Format& format)
     }
 }
 
-void check(bool written, const prep::PrepareReport& report)
+void checkWritten(bool isWritten, const prep::PrepareReport& report)
 {
-    if (!written)
+    if (!isWritten)
         throw Trouble{ report.failure };
 }
 
-void preparePair(const QString& fileName, const QString& target, const Format& format,
+/// `isOwn`: the pair is the user's, whose MID file may have another name than it should.
+void preparePair(const QString& fileName, const QString& target, const Format& format, bool isOwn,
     const prep::PrepareOptions& options, prep::PrepareReport& report,
     const std::atomic_bool& cancelled)
 {
@@ -82,12 +85,12 @@ void preparePair(const QString& fileName, const QString& target, const Format& f
     if (!midFileName.isEmpty())
         pair.mid = readFile(midFileName);
     const bool renamed = !midFileName.isEmpty() && midFileName != format.companionFile(fileName);
-    report.note(prep::Note::MidRenamed, renamed ? 1 : 0);
+    report.note(prep::Note::MidRenamed, renamed && isOwn ? 1 : 0);
     QSaveFile mif(target);
     QSaveFile mid(format.companionFile(target));
     open(mif);
     open(mid);
-    check(prep::prepareMif(std::move(pair), options, mif, mid, report), report);
+    checkWritten(prep::prepareMif(std::move(pair), options, mif, mid, report), report);
     commit(mid, cancelled);
     commit(mif, cancelled);
 }
@@ -99,8 +102,25 @@ void prepareDrawing(const QString& fileName, const QString& target,
     QByteArray bytes = readFile(fileName);
     QSaveFile out(target);
     open(out);
-    check(prep::prepareDxf(std::move(bytes), options, out, report), report);
+    checkWritten(prep::prepareDxf(std::move(bytes), options, out, report), report);
     commit(out, cancelled);
+}
+
+/// What came of a preparation that writes to `target`.
+template <typename Prepare>
+PreparedCopy written(const QString& target, Prepare prepare)
+{
+    PreparedCopy copy{ target, {}, {} };
+    prep::PrepareReport report;
+    try {
+        prepare(report);
+        copy.changes = prep::noteLines(report);
+    } catch (const Trouble& trouble) {
+        copy.error = trouble.text;
+    } catch (const std::bad_alloc&) {
+        copy.error = QStringLiteral("не хватает памяти");
+    }
+    return copy;
 }
 
 } // namespace
@@ -111,20 +131,34 @@ PreparedCopy prepareCopy(
     const Format* const format = formatOfFile(fileName);
     if (!format)
         return { {}, {}, QStringLiteral("вид файла по расширению не определить") };
-    PreparedCopy copy{ freeName(fileName, *format), {}, {} };
+    const QString target = freeName(fileName, *format);
     prep::PrepareOptions options;
     options.visibleOnly = visibleOnly;
-    prep::PrepareReport report;
-    try {
+    return written(target, [&](prep::PrepareReport& report) {
         if (format->companionFile(fileName).isEmpty())
-            prepareDrawing(fileName, copy.fileName, options, report, cancelled);
+            prepareDrawing(fileName, target, options, report, cancelled);
         else
-            preparePair(fileName, copy.fileName, *format, options, report, cancelled);
-        copy.changes = prep::noteLines(report);
-    } catch (const Trouble& trouble) {
-        copy.error = trouble.text;
-    } catch (const std::bad_alloc&) {
-        copy.error = QStringLiteral("не хватает памяти");
-    }
-    return copy;
+            preparePair(fileName, target, *format, true, options, report, cancelled);
+    });
+}
+
+PreparedCopy prepareForeignCopy(const QString& fileName, const QString& layer,
+    const QString& column, const std::atomic_bool& cancelled)
+{
+    const Format* const format = prep::formatOfForeignFile(fileName);
+    if (!format)
+        return { {}, {}, QStringLiteral("вид файла по расширению не определить") };
+    const QString target = freeName(fileName, *format);
+    prep::PrepareOptions options;
+    options.layers = QStringList(prep::layerPattern(layer));
+    options.nameField = column;
+    return written(target, [&](prep::PrepareReport& report) {
+        const QTemporaryDir folder;
+        const prep::ForeignPair pair = prep::convertForeignFile(
+            fileName, options, folder, { [&cancelled] { return cancelled.load(); }, {} });
+        if (!pair.failure.isEmpty())
+            throw Trouble{ pair.failure };
+        report.note(prep::Note::Converted);
+        preparePair(pair.mifFileName, target, *format, false, pair.options, report, cancelled);
+    });
 }

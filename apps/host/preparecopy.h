@@ -16,3 +16,8 @@ struct PreparedCopy {
 /// `visibleOnly`: without what stands on hidden layers. Nothing is left behind once `cancelled`.
 PreparedCopy prepareCopy(
     const QString& fileName, bool visibleOnly, const std::atomic_bool& cancelled);
+
+/// Writes a MIF/MID pair of a layer of a file of another format beside it, with the column, if any,
+/// as designations.
+PreparedCopy prepareForeignCopy(const QString& fileName, const QString& layer,
+    const QString& column, const std::atomic_bool& cancelled);

@@ -62,6 +62,12 @@ Sheet::Sheet(const FormTable& table, const QVector<int>& objects, bool northingF
         m_objects.append(table.objects.at(object));
 }
 
+QPageLayout Sheet::page()
+{
+    return QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(20, 15, 15, 15),
+        QPageLayout::Millimeter);
+}
+
 QString Sheet::number(double value) const
 {
     QLocale locale;

@@ -2,6 +2,7 @@
 
 #include "formtable.h"
 
+#include <QPageLayout>
 #include <QSizeF>
 
 #include <atomic>
@@ -26,6 +27,8 @@ public:
     /// objects runs to the north.
     Sheet(const FormTable& table, const QVector<int>& objects, bool northingFirst, QString title);
 
+    /// The page that it is made for.
+    static QPageLayout page();
     /// Paints the pages; false when it was cancelled or the device cannot be painted on.
     bool paint(QPagedPaintDevice& device, const std::atomic_bool& cancelled);
 

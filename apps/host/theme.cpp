@@ -32,9 +32,10 @@ QColor separatorBackground(const QPalette& palette)
 
 PlanColors planColors(const QPalette& palette)
 {
-    if (!isDark(palette))
-        return {};
     PlanColors colors;
+    colors.paper = palette.color(QPalette::Base);
+    if (!isDark(palette))
+        return colors;
     colors.line = QColor(140, 180, 240);
     colors.area = QColor(140, 180, 240, 40);
     colors.red = QColor(255, 110, 110);

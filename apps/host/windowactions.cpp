@@ -76,6 +76,8 @@ void MainWindow::buildFileMenu()
             operation + QStringLiteral("…"), QKeySequence(int(Qt::CTRL) + int(Qt::Key_1) + i),
             [this, operation] { chooseFiles(operation); });
     }
+    addTo(menu, "foreign", QStringLiteral("Из &другого формата…"), QKeySequence(),
+        [this] { chooseForeign(); });
     addTo(menu, "check", QStringLiteral("П&роверить файл…"), QKeySequence(),
         [this] { chooseFileToCheck(); });
     menu.addSeparator();

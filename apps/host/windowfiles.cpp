@@ -9,6 +9,7 @@
 #include "importflow.h"
 #include "messagespane.h"
 #include "objectsmodel.h"
+#include "prepare/foreignfile.h"
 #include "sheet.h"
 
 #include <QApplication>
@@ -21,6 +22,7 @@
 #include <QMimeData>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QSet>
 #include <QStatusBar>
 #include <QTableView>
 #include <QTimer>
@@ -45,7 +47,16 @@ QVector<int> allRows(int count)
 
 void MainWindow::openFiles(const QStringList& fileNames)
 {
-    m_queue += fileNames;
+    // A file that goes with another one is opened by it.
+    QSet<QString> companions;
+    for (const QString& fileName : fileNames) {
+        if (const Format* const format = formatOfFile(fileName))
+            companions.insert(format->companionFile(fileName));
+    }
+    for (const QString& fileName : fileNames) {
+        if (!companions.contains(fileName))
+            m_queue.append(fileName);
+    }
     QTimer::singleShot(0, this, &MainWindow::openNext);
 }
 
@@ -61,13 +72,18 @@ void MainWindow::openNext()
         const QString operation = m_host.operationFor(fileName);
         if (!operation.isEmpty()) {
             m_flow->import(operation, fileName);
+        } else if (prep::formatOfForeignFile(fileName)) {
+            m_flow->importForeign(fileName);
         } else if (fileName.endsWith(QLatin1String(".xml"), Qt::CaseInsensitive)) {
             if (mayReplace())
                 openForm(fileName);
         } else {
             QMessageBox::warning(this, QStringLiteral("Файл не открыт"),
-                QStringLiteral("%1: открываются формы (xml) и файлы, которые знает модуль импорта.")
-                    .arg(QDir::toNativeSeparators(fileName)));
+                QStringLiteral(
+                    "%1: открываются формы (xml), файлы, которые знает модуль импорта, и "
+                    "те, что переводит программа ogr2ogr (%2).")
+                    .arg(QDir::toNativeSeparators(fileName),
+                        prep::foreignSuffixes().join(QStringLiteral(", "))));
         }
     }
     m_isOpening = false;
@@ -81,6 +97,18 @@ void MainWindow::chooseFiles(const QString& operation)
     m_diagnosis->startBatch();
     for (const QString& file : files)
         m_flow->import(operation, file);
+}
+
+void MainWindow::chooseForeign()
+{
+    QStringList patterns;
+    for (const QString& suffix : prep::foreignSuffixes())
+        patterns.append(QStringLiteral("*.%1 *.%2").arg(suffix, suffix.toUpper()));
+    const QString file =
+        QFileDialog::getOpenFileName(this, QStringLiteral("Файл другого формата"), m_lastFolder,
+            QStringLiteral("Файлы других форматов (%1)").arg(patterns.join(QLatin1Char(' '))));
+    if (!file.isEmpty())
+        openFiles({ file });
 }
 
 void MainWindow::chooseForm()
@@ -209,7 +237,10 @@ bool MainWindow::exportTo(FormFile form, const QString& fileName, bool chosenOnl
 
 void MainWindow::print()
 {
+    const QString title = QStringLiteral("План и каталог координат");
     auto printer = std::make_shared<QPrinter>(QPrinter::HighResolution);
+    printer->setPageLayout(Sheet::page());
+    printer->setDocName(title);
     QPrintDialog dialog(printer.get(), this);
     dialog.setOption(QAbstractPrintDialog::PrintSelection, !chosenObjects().isEmpty());
     if (dialog.exec() != QDialog::Accepted)
@@ -218,8 +249,8 @@ void MainWindow::print()
         ? chosenObjects()
         : allRows(m_document.objects().size());
     std::sort(rows.begin(), rows.end());
-    auto sheet = std::make_shared<Sheet>(m_document.table(), rows, m_document.isNorthingFirst(),
-        QStringLiteral("План и каталог координат"));
+    auto sheet =
+        std::make_shared<Sheet>(m_document.table(), rows, m_document.isNorthingFirst(), title);
     auto isPrinted = std::make_shared<bool>(false);
     const bool isDone = runWithProgress(
         this, QStringLiteral("Печатается…"), [=](const std::atomic_bool& cancelled) {
@@ -236,16 +267,35 @@ void MainWindow::print()
 void MainWindow::copyCatalogue()
 {
     QVector<int> rows;
-    for (const QModelIndex& index : m_catalogue->selectionModel()->selectedIndexes())
-        rows.append(index.row());
+    for (const QItemSelectionRange& range : m_catalogue->selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.append(row);
+    }
     std::sort(rows.begin(), rows.end());
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     // One row is where the cursor stands; more are a choice.
     if (rows.size() < 2)
         rows = allRows(m_catalogueModel->rowCount());
+    struct Texts {
+        QString plain;
+        QString html;
+    };
+    auto texts = std::make_shared<Texts>();
+    const CatalogueText catalogue = m_catalogueModel->text();
+    const bool isDone = runWithProgress(
+        this, QStringLiteral("Каталог копируется…"), [=](const std::atomic_bool& cancelled) {
+            // Beside a long plain text the other one would only take room.
+            constexpr int mostInHtml = 50000;
+            if (rows.size() <= mostInHtml)
+                texts->html = catalogue.html(rows, cancelled);
+            texts->plain = catalogue.plain(rows, cancelled);
+        });
+    if (!isDone)
+        return;
     auto* copied = new QMimeData;
-    copied->setText(m_catalogueModel->asText(rows));
-    copied->setHtml(m_catalogueModel->asHtml(rows));
+    copied->setText(texts->plain);
+    if (!texts->html.isEmpty())
+        copied->setHtml(texts->html);
     QApplication::clipboard()->setMimeData(copied);
     statusBar()->showMessage(
         QStringLiteral("В буфер обмена скопировано строк: %1").arg(rows.size()), noticeMs);

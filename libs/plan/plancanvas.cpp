@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -19,6 +20,14 @@ QPainterPath painterPath(const QVector<QPolygonF>& polygons)
     for (const QPolygonF& polygon : polygons)
         path.addPolygon(polygon);
     return path;
+}
+
+/// Whether a ring is large enough for its area to be seen beside its line.
+bool isFilledFast(const QPolygonF& ring)
+{
+    constexpr double least = 24;
+    const QRectF box = ring.boundingRect();
+    return std::max(box.width(), box.height()) >= least;
 }
 
 /// Appends a number with two decimals.
@@ -73,8 +82,32 @@ PainterCanvas::PainterCanvas(QPainter& painter, const QColor& paper)
 void PainterCanvas::drawContours(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,
     const QColor& line, const QColor& area)
 {
+    if (m_isFast)
+        return drawFast(lines, areas, line, area);
     m_painter.fillPath(painterPath(areas), area);
     m_painter.strokePath(painterPath(lines), QPen(line, lineWidth));
+}
+
+void PainterCanvas::setFast(bool fast)
+{
+    m_isFast = fast;
+    m_painter.setRenderHint(QPainter::Antialiasing, !fast);
+}
+
+void PainterCanvas::drawFast(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,
+    const QColor& line, const QColor& area)
+{
+    // Lines of one pixel and single rings are what a painter draws fast.
+    if (areas.size() == 1 && isFilledFast(areas.first())) {
+        m_painter.setPen(Qt::NoPen);
+        m_painter.setBrush(area);
+        m_painter.drawPolygon(areas.first());
+    } else if (areas.size() > 1) {
+        m_painter.fillPath(painterPath(areas), area);
+    }
+    m_painter.setPen(QPen(line, 0));
+    for (const QPolygonF& part : lines)
+        m_painter.drawPolyline(part);
 }
 
 void PainterCanvas::drawDot(

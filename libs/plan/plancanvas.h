@@ -30,6 +30,8 @@ public:
 class PainterCanvas : public PlanCanvas {
 public:
     explicit PainterCanvas(QPainter& painter, const QColor& paper = Qt::white);
+    /// Whether contours are drawn fast: without smooth edges, and small ones without their area.
+    void setFast(bool fast);
     void beginGroup(const QString&, const QString&, bool) override { }
     void endGroup() override { }
     void drawContours(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,
@@ -40,7 +42,11 @@ public:
         const QPointF& place, const QString& text, const QFont& font, const QColor& color) override;
 
 private:
+    void drawFast(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,
+        const QColor& line, const QColor& area);
+
     QPainter& m_painter;
+    bool m_isFast = false;
 };
 
 /// Writes an SVG document as it draws.

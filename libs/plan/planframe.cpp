@@ -11,6 +11,8 @@
 namespace {
 
 constexpr double lineHeight = 18;
+constexpr double numberHeight = 14;
+constexpr double numberGap = 2;
 
 /// The largest of 1, 2 and 5 with noughts that is not greater; 0 where there is none.
 double roundStep(double most)
@@ -51,67 +53,97 @@ void PlanFrame::drawTitle(const QString& title)
         m_colors.grey);
 }
 
-void PlanFrame::drawGrid()
+PlanFrame::Grid PlanFrame::grid() const
 {
-    constexpr double arm = 4;
     constexpr double spacing = 180;
-    const QRectF& frame = m_view.frame();
     const double step = roundStep(spacing / m_view.scale());
     const double middleX = m_view.center().x();
     const double middleY = m_view.center().y();
     // A step that is lost beside the coordinates, or one beyond all numbers, makes no grid.
     if (!(step > 0) || middleX + step == middleX || middleY + step == middleY
         || !std::isfinite(middleX / step) || !std::isfinite(middleY / step))
-        return;
-    const double halfWidth = frame.width() / 2 / m_view.scale();
-    const double halfHeight = frame.height() / 2 / m_view.scale();
-    const auto first = [step](double from) { return std::ceil(from / step) * step; };
-    const int decimals = std::max(0, -static_cast<int>(std::floor(std::log10(step) + 1e-9)));
-    const auto number = [decimals](double value) { return QString::number(value, 'f', decimals); };
+        return {};
+    const auto lines = [this, step](double middle, double extent) {
+        constexpr int most = 200;
+        const double half = extent / 2 / m_view.scale();
+        const double first = std::ceil((middle - half) / step) * step;
+        QVector<double> places;
+        for (int i = 0; i < most && first + i * step < middle + half; ++i)
+            places.append(first + i * step);
+        return places;
+    };
+    return { lines(middleX, m_view.frame().width()), lines(middleY, m_view.frame().height()),
+        std::max(0, -static_cast<int>(std::floor(std::log10(step) + 1e-9))) };
+}
+
+void PlanFrame::drawGrid(bool hasNorth)
+{
+    const Grid lines = grid();
+    if (hasNorth)
+        drawNorthArrow();
+    drawCrosses(lines);
+    drawNumbers(lines);
+}
+
+void PlanFrame::drawCrosses(const Grid& grid)
+{
+    const QRectF& frame = m_view.frame();
     const QFontMetricsF metrics(planFont(false));
+    double numbersEnd = frame.left() + numberGap;
+    for (const double up : grid.ups) {
+        numbersEnd = std::max(numbersEnd,
+            frame.left() + numberGap
+                + metrics.horizontalAdvance(QString::number(up, 'f', grid.decimals)));
+    }
+    // No cross stands on a number or the arrow, nor over the edge.
+    constexpr double arm = 4;
+    const QRectF inner(QPointF(numbersEnd + arm, frame.top() + numberHeight + arm),
+        frame.bottomRight() - QPointF(arm, 0));
     QVector<QPolygonF> crosses;
-    constexpr int most = 200;
-    constexpr double gap = 2;
-    constexpr double numberHeight = 14;
-    const double startX = first(middleX - halfWidth);
-    const double startY = first(middleY - halfHeight);
-    // No cross stands on a number.
-    const double numbersEnd = frame.left() + gap
-        + std::max(metrics.horizontalAdvance(number(startY)),
-            metrics.horizontalAdvance(number(middleY + halfHeight)));
-    const double numbersFoot = frame.top() + numberHeight;
-    for (int i = 0; i < most; ++i) {
-        const double x = startX + i * step;
-        const QPointF foot = m_view.at(x, startY);
-        if (!(foot.x() < frame.right() - arm) || !std::isfinite(x))
-            break;
-        for (int j = 0; j < most && foot.x() - arm >= numbersEnd; ++j) {
-            const QPointF place = m_view.at(x, startY + j * step);
-            if (!(place.y() - arm > numbersFoot) || !std::isfinite(place.x()))
-                break;
+    for (const double right : grid.rights) {
+        for (const double up : grid.ups) {
+            const QPointF place = m_view.at(right, up);
+            if (!inner.contains(place) || m_space.isTaken(place))
+                continue;
             crosses.append(
                 QPolygonF(QVector<QPointF>{ place - QPointF(arm, 0), place + QPointF(arm, 0) }));
             crosses.append(
                 QPolygonF(QVector<QPointF>{ place - QPointF(0, arm), place + QPointF(0, arm) }));
         }
-        const QPointF start(foot.x() + gap, numbersFoot - gap);
-        if (start.x() + metrics.horizontalAdvance(number(x)) >= frame.right())
-            continue;
-        text(start, number(x), m_colors.grey);
-        m_space.take(QRectF(foot.x(), frame.top(), 70, numberHeight));
-    }
-    for (int j = 0; j < most; ++j) {
-        const QPointF foot = m_view.at(startX, startY + j * step);
-        if (!(foot.y() > frame.top() + 2 * lineHeight) || !std::isfinite(startY + j * step))
-            break;
-        text(QPointF(frame.left() + gap, foot.y() - gap), number(startY + j * step), m_colors.grey);
-        m_space.take(QRectF(frame.left(), foot.y() - numberHeight, 70, numberHeight));
     }
     if (!crosses.isEmpty())
         m_canvas.drawContours(crosses, {}, m_colors.grey, m_colors.grey);
 }
 
-void PlanFrame::drawLegend(const QString& axes, bool hasNorth, bool hasRed)
+void PlanFrame::drawNumbers(const Grid& grid)
+{
+    const QRectF& frame = m_view.frame();
+    const auto number = [&](double value) { return QString::number(value, 'f', grid.decimals); };
+    if (grid.rights.isEmpty() || grid.ups.isEmpty())
+        return;
+    for (const double right : grid.rights) {
+        const double x = m_view.at(right, grid.ups.first()).x();
+        drawNumber({ x + numberGap, frame.top() + numberHeight - numberGap }, number(right));
+    }
+    for (const double up : grid.ups) {
+        const double y = m_view.at(grid.rights.first(), up).y();
+        // Those of the other direction stand above.
+        if (y > frame.top() + 2 * lineHeight)
+            drawNumber({ frame.left() + numberGap, y - numberGap }, number(up));
+    }
+}
+
+void PlanFrame::drawNumber(const QPointF& place, const QString& number)
+{
+    const double width = QFontMetricsF(planFont(false)).horizontalAdvance(number);
+    const bool fits = place.x() + width < m_view.frame().right();
+    const QRectF space(place.x() - numberGap, place.y() - numberHeight + numberGap,
+        width + 2 * numberGap, numberHeight);
+    if (fits && m_space.take(space))
+        drawOnGround(m_canvas, place, number, false, m_colors.grey, m_colors.paper);
+}
+
+void PlanFrame::drawLegend(const QString& axes, bool hasRed)
 {
     const QPointF below = m_view.frame().bottomLeft() + QPointF(0, lineHeight);
     text(below, axes, m_colors.grey);
@@ -120,19 +152,18 @@ void PlanFrame::drawLegend(const QString& axes, bool hasNorth, bool hasRed)
             QStringLiteral("красным: обозначение повторяется или точка стоит в разных местах"),
             m_colors.red);
     }
-    if (hasNorth)
-        drawNorthArrow();
-    drawScaleBar();
 }
 
 void PlanFrame::drawNorthArrow()
 {
     const QPointF tip = m_view.frame().topRight() + QPointF(-22, 30);
+    const QRectF ground(tip + QPointF(-12, -18), QSizeF(24, 50));
     const QPolygonF arrow(QVector<QPointF>{
         tip, tip + QPointF(7, 28), tip + QPointF(0, 21), tip + QPointF(-7, 28), tip });
+    m_canvas.drawContours({}, { QPolygonF(ground) }, m_colors.paper, m_colors.paper);
     m_canvas.drawContours({ arrow }, { arrow }, m_colors.grey, m_colors.grey);
     text(tip + QPointF(-4, -4), QStringLiteral("С"), m_colors.grey);
-    m_space.take(QRectF(tip + QPointF(-12, -18), QSizeF(24, 48)));
+    m_space.take(ground);
 }
 
 void PlanFrame::drawScaleBar()

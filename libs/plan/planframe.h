@@ -23,13 +23,27 @@ public:
     /// The line around the plan, and a word where there is nothing inside.
     void drawBorder();
     void drawTitle(const QString& title);
-    void drawGrid();
-    /// `axes` says which coordinate runs where; `hasNorth`: the north is known to be above.
-    void drawLegend(const QString& axes, bool hasNorth, bool hasRed);
-    void drawNorthArrow();
+    /// The crosses, the arrow if the north is known to be above, and the numbers where there is
+    /// room beside it; to be drawn over the objects.
+    void drawGrid(bool hasNorth);
+    /// `axes` says which coordinate runs where.
+    void drawLegend(const QString& axes, bool hasRed);
     void drawScaleBar();
 
 private:
+    /// Where the lines of the grid would be.
+    struct Grid {
+        QVector<double> rights; ///< in the units of the coordinates
+        QVector<double> ups;
+        int decimals; ///< that their numbers need
+    };
+
+    Grid grid() const;
+    void drawCrosses(const Grid& grid);
+    void drawNumbers(const Grid& grid);
+    void drawNorthArrow();
+    /// Draws a number of the grid unless its space is taken.
+    void drawNumber(const QPointF& place, const QString& number);
     void text(const QPointF& place, const QString& text, const QColor& color);
 
     PlanCanvas& m_canvas;

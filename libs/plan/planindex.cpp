@@ -227,6 +227,8 @@ PlanOutline PlanIndex::outline(int object, const PlanView& view, double detail) 
     Thinned thinned(detail);
     eachStretch(object, [&](const Box& box, int c, int first, int end) {
         const QVector<DefPoint>& contour = m_objects.at(object).contours.at(c);
+        if (first == 0)
+            thinned.polygon.reserve(std::min(contour.size(), stretch));
         const QRectF place = inPicture(box, view);
         // Out of sight, or all of it at one place: its ends stand for it.
         const bool isShort = box.isWhole
@@ -244,6 +246,39 @@ PlanOutline PlanIndex::outline(int object, const PlanView& view, double detail) 
         }
     });
     return outline;
+}
+
+int PlanIndex::appendSteps(
+    int object, const PlanView& view, double detail, std::vector<QLineF>& steps) const
+{
+    int places = 0;
+    for (const QVector<DefPoint>& contour : m_objects.at(object).contours) {
+        QPointF last;
+        QPointF skipped;
+        bool hasLast = false;
+        bool hasSkipped = false;
+        for (const DefPoint& vertex : contour) {
+            if (!isPlace(vertex))
+                continue;
+            const QPointF place = view.toPicture(vertex);
+            hasSkipped = hasLast && std::abs(place.x() - last.x()) < detail
+                && std::abs(place.y() - last.y()) < detail;
+            if (hasSkipped) {
+                skipped = place;
+                continue;
+            }
+            if (hasLast)
+                steps.emplace_back(last, place);
+            last = place;
+            hasLast = true;
+            ++places;
+        }
+        // The last place stays, so that closed contours close.
+        if (hasSkipped)
+            steps.emplace_back(last, skipped);
+        places += hasSkipped ? 1 : 0;
+    }
+    return places;
 }
 
 QVector<PlanIndex::Vertex> PlanIndex::verticesIn(

@@ -2,6 +2,7 @@
 
 #include "plan/planview.h"
 
+#include <QLineF>
 #include <QPolygonF>
 #include <QVector>
 
@@ -25,6 +26,10 @@ public:
     QRectF boxInPicture(int object, const PlanView& view) const;
     /// The object as far as the window shows it; steps shorter than `detail` are left out.
     PlanOutline outline(int object, const PlanView& view, double detail) const;
+    /// Appends the steps along the contours of an object, which must be in or near the window;
+    /// steps shorter than `detail` are left out. Gives the number of its places in the picture.
+    int appendSteps(
+        int object, const PlanView& view, double detail, std::vector<QLineF>& steps) const;
     /// The vertices of an object that stand in a rectangle of the picture.
     struct Vertex {
         int contour;

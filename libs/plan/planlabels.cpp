@@ -3,6 +3,7 @@
 #include "plan/plancanvas.h"
 
 #include <QFontMetricsF>
+#include <QPolygonF>
 
 #include <algorithm>
 
@@ -37,6 +38,18 @@ QVector<QRectF> candidates(const PlanLabel& label, const QSizeF& size, const QRe
     const double up = -size.height() / 2 - offset / 2;
     return { rect.translated(right, up), rect.translated(-right, up), rect.translated(right, -up),
         rect.translated(-right, -up) };
+}
+
+/// Only as high as letters mostly are, so that it hides little.
+void drawGround(PlanCanvas& canvas, const QPointF& place, double width,
+    const QFontMetricsF& metrics, QColor paper)
+{
+    constexpr double around = 1;
+    constexpr int opacity = 170;
+    paper.setAlpha(opacity);
+    const QRectF ground(place.x() - around, place.y() - metrics.capHeight() - around,
+        width + 2 * around, metrics.capHeight() + metrics.descent() / 2 + 2 * around);
+    canvas.drawContours({}, { QPolygonF(ground) }, paper, paper);
 }
 
 } // namespace
@@ -86,6 +99,15 @@ QString planText(const QString& text)
     return text.size() <= most ? text : text.left(most) + QChar(0x2026);
 }
 
+void drawOnGround(PlanCanvas& canvas, const QPointF& place, const QString& text, bool bold,
+    const QColor& color, const QColor& paper)
+{
+    const QFont font = planFont(bold);
+    const QFontMetricsF metrics(font);
+    drawGround(canvas, place, metrics.horizontalAdvance(text), metrics, paper);
+    canvas.drawText(place, text, font, color);
+}
+
 void drawPlanLabels(PlanCanvas& canvas, QVector<PlanLabel> labels, const QRectF& frame,
     PlanSpace space, const PlanColors& colors)
 {
@@ -108,8 +130,10 @@ void drawPlanLabels(PlanCanvas& canvas, QVector<PlanLabel> labels, const QRectF&
         for (const QRectF& rect : candidates(label, size, frame)) {
             if (!frame.contains(rect) || !space.take(rect))
                 continue;
-            canvas.drawText(QPointF(rect.left(), rect.top() + metric.ascent()), label.text,
-                fonts[label.isObject ? 1 : 0], label.isRed ? colors.red : colors.text);
+            const QPointF start(rect.left(), rect.top() + metric.ascent());
+            drawGround(canvas, start, size.width(), metric, colors.paper);
+            canvas.drawText(start, label.text, fonts[label.isObject ? 1 : 0],
+                label.isRed ? colors.red : colors.text);
             break;
         }
     }

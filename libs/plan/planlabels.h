@@ -41,6 +41,11 @@ struct PlanLabel {
 /// `text` as far as a plan has room for it.
 QString planText(const QString& text);
 
+/// Draws a text that starts at `place` on its base line, on a ground that what is below it shines
+/// through faintly.
+void drawOnGround(PlanCanvas& canvas, const QPointF& place, const QString& text, bool bold,
+    const QColor& color, const QColor& paper);
+
 /// Draws the names inside the frame, as many as do not cover one another; the red ones and those of
 /// objects find room first.
 void drawPlanLabels(PlanCanvas& canvas, QVector<PlanLabel> labels, const QRectF& frame,

@@ -2,13 +2,13 @@
 
 #include "geometry/conflicts.h"
 #include "plan/plancanvas.h"
+#include "plan/plandrawing.h"
 #include "plan/planframe.h"
-#include "plan/planplaces.h"
-#include "plan/planstyle.h"
 
 PlanPainter::PlanPainter(const QVector<DefPolygon>& objects, const PlanAxes& axes)
     : m_objects(objects)
     , m_axes(axes)
+    , m_index(objects, axes.swapped)
     , m_duplicates(duplicateDefs(objects))
     , m_view(objects, axes.swapped)
 {
@@ -23,22 +23,21 @@ void PlanPainter::paint(PlanCanvas& canvas, const QSizeF& size, const QString& t
     canvas.beginGroup(QStringLiteral("frame"), QStringLiteral("Рамка"), true);
     frame.drawBorder();
     frame.drawTitle(title);
-    if (!m_view.isEmpty())
-        frame.drawGrid();
     canvas.endGroup();
     if (m_view.isEmpty())
         return;
-    m_labels.clear();
-    m_hasRed = false;
-    m_dots = PlanSpace(size);
-    m_redDots = PlanSpace(size);
-    drawObjects(canvas);
-    drawPoints(canvas);
+    PlanDrawing drawing(canvas, size, {});
+    drawObjects(canvas, drawing);
+    drawPoints(canvas, drawing);
+    canvas.beginGroup(QStringLiteral("grid"), QStringLiteral("Сетка"), true);
+    frame.drawGrid(m_axes.isNorthUp);
+    canvas.endGroup();
     canvas.beginGroup(QStringLiteral("legend"), QStringLiteral("Легенда"), true);
-    frame.drawLegend(axesText(), m_axes.isNorthUp, m_hasRed);
+    frame.drawLegend(axesText(), drawing.hasRed());
+    frame.drawScaleBar();
     canvas.endGroup();
     canvas.beginGroup(QStringLiteral("names"), QStringLiteral("Обозначения"), true);
-    drawPlanLabels(canvas, m_labels, m_view.frame(), space);
+    drawing.drawNames(m_view.frame(), space);
     canvas.endGroup();
 }
 
@@ -54,75 +53,43 @@ QString PlanPainter::axesText() const
             number(m_view.top()));
 }
 
-void PlanPainter::drawObjects(PlanCanvas& canvas)
+void PlanPainter::drawObjects(PlanCanvas& canvas, PlanDrawing& drawing)
 {
     canvas.beginGroup(QStringLiteral("objects"), QStringLiteral("Объекты"), true);
     for (int i = 0; i < m_objects.size(); ++i) {
-        canvas.beginGroup(
-            QStringLiteral("object-%1").arg(i + 1), planText(m_objects.at(i).def), false);
-        drawObject(canvas, i);
+        const QString& def = m_objects.at(i).def;
+        const bool isRed = m_duplicates.testBit(i);
+        canvas.beginGroup(QStringLiteral("object-%1").arg(i + 1), planText(def), false);
+        const PlanOutline outline = m_index.outline(i, m_view, 0);
+        drawing.drawObject(outline, isRed);
         canvas.endGroup();
+        drawing.nameObject(outline, def, isRed);
         if (objectDrawn)
             objectDrawn();
     }
     canvas.endGroup();
 }
 
-void PlanPainter::drawObject(PlanCanvas& canvas, int index)
-{
-    const DefPolygon& object = m_objects.at(index);
-    const bool isRed = m_duplicates.testBit(index);
-    m_hasRed = m_hasRed || isRed;
-    QVector<QPolygonF> lines;
-    QVector<QPolygonF> areas;
-    for (const QVector<DefPoint>& contour : object.contours) {
-        QPolygonF polygon;
-        for (const DefPoint& vertex : contour) {
-            if (isPlace(vertex))
-                polygon.append(m_view.toPicture(vertex));
-        }
-        if (polygon.isEmpty())
-            continue;
-        lines.append(polygon);
-        if (contour.size() > 1 && coincide(contour.first(), contour.last()))
-            areas.append(polygon);
-    }
-    canvas.drawContours(lines, areas, isRed ? planRed : planLine, isRed ? planRedArea : planArea);
-    if (!lines.isEmpty())
-        addObjectLabels(
-            m_labels, object.def, areas.isEmpty() ? lines : areas, !areas.isEmpty(), isRed);
-}
-
-void PlanPainter::drawPoints(PlanCanvas& canvas)
+void PlanPainter::drawPoints(PlanCanvas& canvas, PlanDrawing& drawing)
 {
     canvas.beginGroup(QStringLiteral("points"), QStringLiteral("Точки"), true);
     for (int i = 0; i < m_objects.size(); ++i)
-        drawPointsOf(canvas, i);
+        drawPointsOf(i, drawing);
     canvas.endGroup();
 }
 
-void PlanPainter::drawPointsOf(PlanCanvas& canvas, int objectIndex)
+void PlanPainter::drawPointsOf(int object, PlanDrawing& drawing)
 {
-    const DefPolygon& object = m_objects.at(objectIndex);
-    const QBitArray conflicts = conflictingPoints(object);
-    int index = 0;
-    for (const QVector<DefPoint>& contour : object.contours) {
-        for (int i = 0; i < contour.size(); ++i) {
-            const DefPoint& vertex = contour.at(i);
-            const bool isRed = conflicts.testBit(index++);
-            const bool isClosing = i > 0 && i == contour.size() - 1
-                && coincide(contour.first(), vertex) && contour.first().def == vertex.def;
-            if (!isPlace(vertex) || isClosing)
-                continue;
-            const QPointF place = m_view.toPicture(vertex);
-            // A dot on a dot, or a name on a name, would only make the picture large.
-            if (!(isRed ? m_redDots : m_dots).take(QRectF(place, place)))
-                continue;
-            m_hasRed = m_hasRed || isRed;
-            const QString text = planText(vertex.def);
-            canvas.drawDot(place, isRed ? 4 : 1.8, isRed ? planRed : planLine,
-                QStringLiteral("point-%1-%2").arg(objectIndex + 1).arg(index), text);
-            m_labels.append({ place, text, isRed, false });
-        }
+    const auto& contours = m_objects.at(object).contours;
+    const QBitArray conflicts = conflictingPoints(m_objects.at(object));
+    const auto vertices = m_index.verticesIn(object, m_view, m_view.frame());
+    for (const PlanIndex::Vertex& vertex : vertices) {
+        const QVector<DefPoint>& contour = contours.at(vertex.contour);
+        const DefPoint& point = contour.at(vertex.index);
+        const bool isClosing = vertex.index > 0 && vertex.index == contour.size() - 1
+            && coincide(contour.first(), point) && contour.first().def == point.def;
+        const bool isRed = conflicts.testBit(vertex.number);
+        if (!isClosing && drawing.drawPoint(vertex.place, point.def, isRed, object, vertex.number))
+            drawing.namePoint(vertex.place, point.def, isRed);
     }
 }

@@ -1,15 +1,16 @@
 #pragma once
 
+#include "plan/planindex.h"
 #include "plan/planlabels.h"
 #include "plan/planrequest.h"
 #include "plan/planview.h"
 
 #include <QBitArray>
-#include <QPolygonF>
 
 #include <functional>
 
 class PlanCanvas;
+class PlanDrawing;
 
 /// Draws objects with their designations and the names of their points. Objects whose designation
 /// occurs twice and points whose name stands at another place of their object too are red. Names
@@ -29,17 +30,13 @@ public:
 
 private:
     QString axesText() const;
-    void drawObjects(PlanCanvas& canvas);
-    void drawObject(PlanCanvas& canvas, int index);
-    void drawPoints(PlanCanvas& canvas);
-    void drawPointsOf(PlanCanvas& canvas, int index);
+    void drawObjects(PlanCanvas& canvas, PlanDrawing& drawing);
+    void drawPoints(PlanCanvas& canvas, PlanDrawing& drawing);
+    void drawPointsOf(int object, PlanDrawing& drawing);
 
     const QVector<DefPolygon>& m_objects;
     const PlanAxes m_axes;
+    const PlanIndex m_index;
     QBitArray m_duplicates;
     PlanView m_view;
-    PlanSpace m_dots;
-    PlanSpace m_redDots;
-    QVector<PlanLabel> m_labels;
-    bool m_hasRed = false;
 };

@@ -2,8 +2,8 @@
 
 #include "geometry/conflicts.h"
 #include "plan/plancanvas.h"
+#include "plan/plandrawing.h"
 #include "plan/planframe.h"
-#include "plan/planplaces.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -15,7 +15,6 @@ namespace {
 
 constexpr double detail = 1; ///< shorter steps are not seen
 constexpr double speckSize = 3; ///< smaller objects have no shape
-constexpr double filledSize = 24; ///< of the smallest object that is filled in a crowded picture
 constexpr double namedSize = 14; ///< smaller objects have no room for a name
 constexpr int mostNames = 300; ///< of objects, and of points
 constexpr int crowded = 5000; ///< more places than these are drawn without smooth edges
@@ -41,6 +40,12 @@ double distance(const QPointF& place, const QPointF& a, const QPointF& b)
         square > 0 ? qBound(0.0, QPointF::dotProduct(place - a, step) / square, 1.0) : 0;
     const QPointF way = place - (a + step * part);
     return std::hypot(way.x(), way.y());
+}
+
+const DefPoint& pointOf(
+    const QVector<DefPolygon>& objects, int object, const PlanIndex::Vertex& vertex)
+{
+    return objects.at(object).contours.at(vertex.contour).at(vertex.index);
 }
 
 bool isNear(const PlanOutline& outline, const QPointF& place, double reach)
@@ -89,29 +94,30 @@ void PlanScene::updateConflicts(int object)
         m_conflicts.insert(object, marks);
 }
 
-void PlanScene::paint(QPainter& painter, const PlanColors& colors, const QColor& paper,
-    const QColor& chosen, const PlanSelection& selection)
+void PlanScene::paint(QPainter& painter, const PlanColors& colors, const QColor& chosen,
+    const PlanSelection& selection)
 {
-    PainterCanvas canvas(painter, paper);
-    PlanSpace space(QSizeF(view.frame().right() + 1, view.frame().bottom() + 1));
+    PainterCanvas canvas(painter, colors.paper);
+    const QSizeF size(view.frame().right() + 1, view.frame().bottom() + 1);
+    PlanSpace space(size);
     PlanFrame frame(canvas, view, space, colors);
     frame.drawBorder();
     if (view.isEmpty())
         return;
-    m_labels.clear();
     gather();
+    PlanDrawing drawing(canvas, size, colors);
     painter.save();
     painter.setClipRect(view.frame());
-    drawObjects(painter, canvas, colors);
+    canvas.setFast(m_size > crowded);
+    drawObjects(painter, drawing, colors);
+    canvas.setFast(false);
     drawSelection(painter, chosen, selection);
     if (m_size <= mostDots)
-        drawPoints(canvas, colors);
-    drawConflicts(canvas, colors);
-    frame.drawGrid();
-    if (m_axes.isNorthUp)
-        frame.drawNorthArrow();
-    addNames();
-    drawPlanLabels(canvas, m_labels, view.frame(), space, colors);
+        drawPoints(drawing);
+    drawConflicts(drawing);
+    frame.drawGrid(m_axes.isNorthUp);
+    nameObjects(drawing);
+    drawing.drawNames(view.frame(), space);
     painter.restore();
     frame.drawScaleBar();
 }
@@ -119,62 +125,62 @@ void PlanScene::paint(QPainter& painter, const PlanColors& colors, const QColor&
 void PlanScene::gather()
 {
     m_shown.clear();
-    m_specks[0].clear();
-    m_specks[1].clear();
     m_size = 0;
+    for (const int red : { 0, 1 }) {
+        m_specks[red].clear();
+        m_steps[red].clear();
+    }
     // Specks that fall on one another are drawn once.
     PlanSpace taken[] = { PlanSpace(QSizeF(view.frame().right(), view.frame().bottom())), {} };
     taken[1] = taken[0];
+    QVector<int> small;
     for (int i = 0; i < m_objects.size(); ++i) {
         const QRectF box = m_index.boxInPicture(i, view);
         if (isApart(box, view.frame()) || (box.isNull() && box.topLeft().isNull()))
             continue;
+        const int red = m_duplicates.testBit(i) ? 1 : 0;
         if (sizeOf(box) < speckSize && m_size + m_objects.size() - i > mostDots) {
-            const int red = m_duplicates.testBit(i) ? 1 : 0;
             if (taken[red].take(QRectF(box.center(), box.center())))
                 m_specks[red].append(QRectF(box.center(), QSizeF(0, 0)).adjusted(-1, -1, 1, 1));
-            continue;
-        }
-        m_shown.append({ i, box, m_index.outline(i, view, detail) });
-        m_size += m_shown.last().outline.size;
-    }
-}
-
-void PlanScene::drawObjects(QPainter& painter, PainterCanvas& canvas, const PlanColors& colors)
-{
-    painter.setRenderHint(QPainter::Antialiasing, m_size <= crowded);
-    for (const bool red : { false, true }) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(red ? colors.red : colors.line);
-        painter.drawRects(m_specks[red ? 1 : 0]);
-        for (const Shown& shown : qAsConst(m_shown)) {
-            if (m_duplicates.testBit(shown.object) == red)
-                drawShape(painter, canvas, shown, red ? colors.red : colors.line,
-                    red ? colors.redArea : colors.area);
+        } else if (sizeOf(box) < namedSize) {
+            m_size += m_index.appendSteps(i, view, detail, m_steps[red]);
+            if (m_size <= crowded)
+                small.append(i);
+        } else {
+            m_shown.push_back({ i, box, m_index.outline(i, view, detail) });
+            m_size += m_shown.back().outline.size;
         }
     }
-    painter.setRenderHint(QPainter::Antialiasing, true);
+    if (m_size <= crowded)
+        showSmall(small);
 }
 
-void PlanScene::drawShape(QPainter& painter, PainterCanvas& canvas, const Shown& shown,
-    const QColor& line, const QColor& area) const
+void PlanScene::showSmall(const QVector<int>& objects)
 {
-    const PlanOutline& outline = shown.outline;
-    if (m_size <= crowded) {
-        canvas.drawContours(outline.lines, outline.areas, line, area);
-        return;
+    m_steps[0].clear();
+    m_steps[1].clear();
+    for (const int object : objects) {
+        m_shown.push_back(
+            { object, m_index.boxInPicture(object, view), m_index.outline(object, view, detail) });
     }
-    // Lines of one pixel and single rings are what a painter draws fast.
-    if (outline.areas.size() == 1 && sizeOf(shown.box) >= filledSize) {
+    std::sort(m_shown.begin(), m_shown.end(),
+        [](const Shown& a, const Shown& b) { return a.object < b.object; });
+}
+
+void PlanScene::drawObjects(QPainter& painter, PlanDrawing& drawing, const PlanColors& colors)
+{
+    for (const int red : { 0, 1 }) {
+        const QColor& color = red == 1 ? colors.red : colors.line;
         painter.setPen(Qt::NoPen);
-        painter.setBrush(area);
-        painter.drawPolygon(outline.areas.first());
-    } else if (outline.areas.size() > 1) {
-        canvas.drawContours({}, outline.areas, line, area);
+        painter.setBrush(color);
+        painter.drawRects(m_specks[red]);
+        for (const Shown& shown : m_shown) {
+            if (m_duplicates.testBit(shown.object) == (red == 1))
+                drawing.drawObject(shown.outline, red == 1);
+        }
+        painter.setPen(QPen(color, 0));
+        painter.drawLines(m_steps[red].data(), static_cast<int>(m_steps[red].size()));
     }
-    painter.setPen(QPen(line, 0));
-    for (const QPolygonF& part : outline.lines)
-        painter.drawPolyline(part);
 }
 
 void PlanScene::drawSelection(
@@ -214,10 +220,10 @@ void PlanScene::drawSelection(
     painter.drawEllipse(view.toPicture(vertex), 7, 7);
 }
 
-void PlanScene::addNames()
+void PlanScene::nameObjects(PlanDrawing& drawing) const
 {
     QVector<const Shown*> named;
-    for (const Shown& shown : qAsConst(m_shown)) {
+    for (const Shown& shown : m_shown) {
         if (sizeOf(shown.box) >= namedSize && !shown.outline.lines.isEmpty()
             && !m_objects.at(shown.object).def.isEmpty())
             named.append(&shown);
@@ -233,47 +239,42 @@ void PlanScene::addNames()
     std::partial_sort(named.begin(), named.begin() + count, named.end(), isBefore);
     named.resize(count);
     for (const Shown* shown : qAsConst(named)) {
-        const PlanOutline& outline = shown->outline;
-        const bool isArea = !outline.areas.isEmpty();
-        addObjectLabels(m_labels, m_objects.at(shown->object).def,
-            isArea ? outline.areas : outline.lines, isArea, m_duplicates.testBit(shown->object));
+        drawing.nameObject(
+            shown->outline, m_objects.at(shown->object).def, m_duplicates.testBit(shown->object));
     }
 }
 
-void PlanScene::drawPoints(PainterCanvas& canvas, const PlanColors& colors)
+void PlanScene::drawPoints(PlanDrawing& drawing) const
 {
-    PlanSpace dots(QSizeF(view.frame().right() + 1, view.frame().bottom() + 1));
     int names = 0;
-    for (const Shown& shown : qAsConst(m_shown)) {
+    for (const Shown& shown : m_shown) {
+        const QBitArray conflicts = m_conflicts.value(shown.object);
         const auto vertices = m_index.verticesIn(shown.object, view, view.frame());
         for (const PlanIndex::Vertex& vertex : vertices) {
-            if (!dots.take(QRectF(vertex.place, vertex.place)))
+            // The red ones are drawn over all others.
+            if (!conflicts.isEmpty() && conflicts.testBit(vertex.number))
                 continue;
-            const DefPoint& point =
-                m_objects.at(shown.object).contours.at(vertex.contour).at(vertex.index);
-            canvas.drawDot(vertex.place, 1.8, colors.line, {}, {});
-            if (++names <= mostNames)
-                m_labels.append({ vertex.place, planText(point.def), false, false });
+            const QString& def = pointOf(m_objects, shown.object, vertex).def;
+            if (drawing.drawPoint(vertex.place, def, false, shown.object, vertex.number)
+                && ++names <= mostNames)
+                drawing.namePoint(vertex.place, def, false);
         }
     }
 }
 
-void PlanScene::drawConflicts(PainterCanvas& canvas, const PlanColors& colors)
+void PlanScene::drawConflicts(PlanDrawing& drawing) const
 {
-    PlanSpace dots(QSizeF(view.frame().right() + 1, view.frame().bottom() + 1));
+    int names = 0;
     for (auto it = m_conflicts.cbegin(); it != m_conflicts.cend(); ++it) {
         if (isApart(m_index.boxInPicture(it.key(), view), view.frame()))
             continue;
         const auto vertices = m_index.verticesIn(it.key(), view, view.frame());
         for (const PlanIndex::Vertex& vertex : vertices) {
-            if (!it.value().testBit(vertex.number)
-                || !dots.take(QRectF(vertex.place, vertex.place)))
-                continue;
-            const DefPoint& point =
-                m_objects.at(it.key()).contours.at(vertex.contour).at(vertex.index);
-            canvas.drawDot(vertex.place, 4, colors.red, {}, {});
-            if (m_labels.size() < 2 * mostNames)
-                m_labels.append({ vertex.place, planText(point.def), true, false });
+            const QString& def = pointOf(m_objects, it.key(), vertex).def;
+            if (it.value().testBit(vertex.number)
+                && drawing.drawPoint(vertex.place, def, true, it.key(), vertex.number)
+                && ++names <= mostNames)
+                drawing.namePoint(vertex.place, def, true);
         }
     }
 }

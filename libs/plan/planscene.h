@@ -1,13 +1,15 @@
 #pragma once
 
 #include "plan/planindex.h"
-#include "plan/planlabels.h"
 #include "plan/planpainter.h"
 
 #include <QBitArray>
 #include <QHash>
 
+#include <vector>
+
 class PainterCanvas;
+class PlanDrawing;
 class QPainter;
 
 /// What is chosen in a plan.
@@ -34,8 +36,8 @@ public:
     /// Looks at an object again, where findConflicts() has come past it.
     void updateConflicts(int object);
 
-    void paint(QPainter& painter, const PlanColors& colors, const QColor& paper,
-        const QColor& chosen, const PlanSelection& selection);
+    void paint(QPainter& painter, const PlanColors& colors, const QColor& chosen,
+        const PlanSelection& selection);
 
     /// The object at a place of the picture, the smallest of several; -1 where there is none
     /// within `reach`.
@@ -55,14 +57,14 @@ private:
     };
 
     void gather();
-    void drawObjects(QPainter& painter, PainterCanvas& canvas, const PlanColors& colors);
-    void drawShape(QPainter& painter, PainterCanvas& canvas, const Shown& shown, const QColor& line,
-        const QColor& area) const;
+    /// Gives small objects shapes after all: there are few.
+    void showSmall(const QVector<int>& objects);
+    void drawObjects(QPainter& painter, PlanDrawing& drawing, const PlanColors& colors);
     void drawSelection(
         QPainter& painter, const QColor& chosen, const PlanSelection& selection) const;
-    void addNames();
-    void drawPoints(PainterCanvas& canvas, const PlanColors& colors);
-    void drawConflicts(PainterCanvas& canvas, const PlanColors& colors);
+    void nameObjects(PlanDrawing& drawing) const;
+    void drawPoints(PlanDrawing& drawing) const;
+    void drawConflicts(PlanDrawing& drawing) const;
 
     const QVector<DefPolygon>& m_objects;
     const PlanAxes m_axes;
@@ -72,8 +74,8 @@ private:
     int m_nextToLookAt = 0;
 
     // Of the picture that is being painted.
-    QVector<Shown> m_shown;
+    std::vector<Shown> m_shown;
+    std::vector<QLineF> m_steps[2]; ///< along small objects of a crowded picture; red ones second
     QVector<QRectF> m_specks[2]; ///< objects too small for a shape; the red ones second
-    QVector<PlanLabel> m_labels;
     int m_size = 0; ///< places of all shapes
 };

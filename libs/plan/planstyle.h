@@ -17,6 +17,7 @@ struct PlanColors {
     QColor redArea = planRedArea;
     QColor grey = planGrey;
     QColor text = Qt::black;
+    QColor paper = Qt::white; ///< what the plan is drawn on
 };
 
 /// The font of names: bold for objects.

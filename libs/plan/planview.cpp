@@ -41,6 +41,7 @@ void PlanView::take(double right, double up)
 void PlanView::fit(const QRectF& frame)
 {
     m_frame = frame;
+    m_middle = frame.center();
     m_center = { m_left / 2 + m_right / 2, m_bottom / 2 + m_top / 2 };
     // Halves, since a sum or a difference of large coordinates may leave the range of numbers; an
     // extent at the other end of the range, or none, would ask for a scale beyond it.
@@ -53,22 +54,15 @@ void PlanView::fit(const QRectF& frame)
 void PlanView::show(const QRectF& frame, const QPointF& center, double scale)
 {
     m_frame = frame;
+    m_middle = frame.center();
     m_center = center;
     m_scale = scale;
 }
 
-QPointF PlanView::at(double right, double up) const
-{
-    const QPointF middle = m_frame.center();
-    return { middle.x() + (right - m_center.x()) * m_scale,
-        middle.y() - (up - m_center.y()) * m_scale };
-}
-
 QPointF PlanView::fromPicture(const QPointF& place) const
 {
-    const QPointF middle = m_frame.center();
-    return { m_center.x() + (place.x() - middle.x()) / m_scale,
-        m_center.y() - (place.y() - middle.y()) / m_scale };
+    return { m_center.x() + (place.x() - m_middle.x()) / m_scale,
+        m_center.y() - (place.y() - m_middle.y()) / m_scale };
 }
 
 QSize PlanView::pageWithin(const QSize& most) const

@@ -27,7 +27,11 @@ public:
         return m_swapped ? at(point.y, point.x) : at(point.x, point.y);
     }
     /// The place of a pair of numbers: to the right and upwards.
-    QPointF at(double right, double up) const;
+    QPointF at(double right, double up) const
+    {
+        return { m_middle.x() + (right - m_center.x()) * m_scale,
+            m_middle.y() - (up - m_center.y()) * m_scale };
+    }
     /// The pair of numbers at a place of the picture.
     QPointF fromPicture(const QPointF& place) const;
 
@@ -52,6 +56,7 @@ private:
     double m_bottom = 0;
     double m_top = 0;
     QRectF m_frame;
+    QPointF m_middle; ///< of the frame
     QPointF m_center;
     double m_scale = 1;
 };

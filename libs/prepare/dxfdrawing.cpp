@@ -6,19 +6,21 @@
 
 namespace prep {
 
-DxfDrawing::DxfDrawing(std::string_view bytes)
+DxfDrawing::DxfDrawing(std::string_view bytes, const Scanned& scanned)
     : m_bytes(bytes)
     , m_records(bytes)
 {
-    while (m_records.next()) {
+    while (nextRecord(scanned)) {
         if (m_records.type() == "SECTION")
-            readSection();
+            readSection(scanned);
         else if (!m_hasSections && m_entitySections.empty() && !endsSection(m_records.type()))
             // Entities without any section around them.
             m_entitySections.push_back(static_cast<uint32_t>(m_records.position()));
     }
     m_layers.settle();
     m_blocks.settle();
+    if (scanned)
+        scanned(static_cast<qint64>(bytes.size()), static_cast<qint64>(bytes.size()));
 }
 
 DxfRecords DxfDrawing::recordsAt(size_t position) const
@@ -41,9 +43,9 @@ DxfBlockHead DxfDrawing::head(const DxfBlock& block) const
 
 /// Hands the records of a section to `take`, up to the one that ends it.
 template <typename Take>
-void DxfDrawing::readRecords(Take take)
+void DxfDrawing::readRecords(const Scanned& scanned, Take take)
 {
-    while (m_records.next()) {
+    while (nextRecord(scanned)) {
         if (endsSection(m_records.type())) {
             // The end of the section may be missing.
             if (m_records.type() != "ENDSEC")
@@ -54,18 +56,25 @@ void DxfDrawing::readRecords(Take take)
     }
 }
 
-void DxfDrawing::readSection()
+bool DxfDrawing::nextRecord(const Scanned& scanned)
+{
+    if (scanned)
+        scanned(static_cast<qint64>(m_records.position()), static_cast<qint64>(m_bytes.size()));
+    return m_records.next();
+}
+
+void DxfDrawing::readSection(const Scanned& scanned)
 {
     m_hasSections = true;
     DxfPair name;
     if (!m_records.pair(name))
         return;
     if (name.text() == "TABLES")
-        readRecords([this] { readLayer(); });
+        readRecords(scanned, [this] { readLayer(); });
     else if (name.text() == "BLOCKS")
-        readRecords([this] { readBlock(); });
+        readRecords(scanned, [this] { readBlock(); });
     else
-        passSection(name.text() == "ENTITIES");
+        passSection(name.text() == "ENTITIES", scanned);
 }
 
 void DxfDrawing::readLayer()
@@ -88,10 +97,10 @@ void DxfDrawing::readBlock()
     m_blocks.add(fields.text(2), { position });
 }
 
-void DxfDrawing::passSection(bool holdsEntities)
+void DxfDrawing::passSection(bool holdsEntities, const Scanned& scanned)
 {
     bool isFirst = holdsEntities;
-    readRecords([this, &isFirst] {
+    readRecords(scanned, [this, &isFirst] {
         if (isFirst)
             m_entitySections.push_back(static_cast<uint32_t>(m_records.position()));
         isFirst = false;

@@ -5,6 +5,7 @@
 #include "prepare/foldednames.h"
 #include "prepare/preparereport.h"
 
+#include <functional>
 #include <vector>
 
 namespace prep {
@@ -35,8 +36,11 @@ struct DxfBlock {
 /// kept as views of them.
 class DxfDrawing {
 public:
+    /// Called while a drawing is looked through, with the bytes that lie behind and all of them.
+    using Scanned = std::function<void(qint64 bytes, qint64 whole)>;
+
     /// Looks for layers and blocks, wherever their sections stand.
-    explicit DxfDrawing(std::string_view bytes);
+    explicit DxfDrawing(std::string_view bytes, const Scanned& scanned = {});
 
     /// Hands all entities to `take`, in their order: take(records) is called with each of them as
     /// the current record.
@@ -58,12 +62,13 @@ public:
     const DxfPairCursor& cursor() const { return m_records.cursor(); }
 
 private:
-    void readSection();
+    bool nextRecord(const Scanned& scanned);
+    void readSection(const Scanned& scanned);
     void readLayer();
     void readBlock();
-    void passSection(bool holdsEntities);
+    void passSection(bool holdsEntities, const Scanned& scanned);
     template <typename Take>
-    void readRecords(Take take);
+    void readRecords(const Scanned& scanned, Take take);
 
     std::string_view m_bytes;
     DxfRecords m_records;

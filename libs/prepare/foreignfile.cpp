@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 namespace prep {
 
@@ -59,6 +60,15 @@ QString complaintOf(const QByteArray& errors)
     return lines.isEmpty() ? QString() : lines.last().simplified();
 }
 
+/// How far ogr2ogr is, from what it has written so far: "0...10...20", for example.
+std::optional<int> percentOf(const QByteArray& output)
+{
+    static const QRegularExpression progress(
+        QStringLiteral("^0(?:\\.+(\\d+))*\\.*(?: - done\\.)?\\s*$"));
+    const QRegularExpressionMatch match = progress.match(QString::fromLatin1(output));
+    return match.hasMatch() ? std::optional(match.captured(1).toInt()) : std::nullopt;
+}
+
 bool matchesAny(const QStringList& patterns, const QString& name)
 {
     return std::any_of(patterns.begin(), patterns.end(), [&name](const QString& pattern) {
@@ -69,11 +79,7 @@ bool matchesAny(const QStringList& patterns, const QString& name)
     });
 }
 
-struct Layer {
-    QString name;
-    QStringList columns;
-    bool hasObjects = true; ///< with places
-};
+using Layer = ForeignLayer;
 
 /// The layers that ogrinfo lists.
 QVector<Layer> layersOf(const QByteArray& listing)
@@ -151,30 +157,30 @@ int columnCountOf(const QString& mifFileName)
 
 class ForeignConversion {
 public:
-    ForeignConversion(const PrepareOptions& options, const QTemporaryDir& folder,
-        const std::function<bool()>& isCancelled)
+    ForeignConversion(
+        const PrepareOptions& options, const QTemporaryDir& folder, const ForeignWatcher& watcher)
         : m_options(options)
         , m_hasFolder(folder.isValid())
         , m_folder(folder.path())
-        , m_isCancelled(isCancelled)
+        , m_watcher(watcher)
         , m_ogr2ogr(findProgram("ogr2ogr"))
         , m_ogrinfo(findProgram("ogrinfo"))
     {
     }
 
+    QVector<Layer> list(const QString& fileName)
+    {
+        link(fileName);
+        return layers();
+    }
+
     ForeignPair run(const QString& fileName)
     {
-        if (!QFileInfo(fileName).isFile())
-            fail(QStringLiteral("файл не открывается"));
-        if (!m_hasFolder || !m_folder.mkdir(QStringLiteral("in")))
-            fail(QStringLiteral("не удаётся создать временную папку"));
-        const QString source = linkInto(m_folder.filePath(QStringLiteral("in")), fileName);
-        const QVector<Layer> layers = layersOf(runProgram(m_ogrinfo,
-            { QStringLiteral("-ro"), QStringLiteral("-so"), QStringLiteral("-al"),
-                QStringLiteral("-nomd"), source }));
-        const Layer layer = chooseLayer(layers, m_options);
+        link(fileName);
+        const QVector<Layer> all = layers();
+        const Layer layer = chooseLayer(all, m_options);
         ForeignPair pair{ {}, {}, leftOptions(layer) };
-        pair.mifFileName = convert(source, layer, layers.size() > 1);
+        pair.mifFileName = convert(m_source, layer, all.size() > 1);
         // A column that the program left out would move those behind it.
         if (pair.options.nameColumn && columnCountOf(pair.mifFileName) != layer.columns.size())
             fail(QStringLiteral("программа ogr2ogr перевела не все столбцы; --name-field с этим "
@@ -183,6 +189,22 @@ public:
     }
 
 private:
+    void link(const QString& fileName)
+    {
+        if (!QFileInfo(fileName).isFile())
+            fail(QStringLiteral("файл не открывается"));
+        if (!m_hasFolder || !m_folder.mkdir(QStringLiteral("in")))
+            fail(QStringLiteral("не удаётся создать временную папку"));
+        m_source = linkInto(m_folder.filePath(QStringLiteral("in")), fileName);
+    }
+
+    QVector<Layer> layers() const
+    {
+        return layersOf(runProgram(m_ogrinfo,
+            { QStringLiteral("-ro"), QStringLiteral("-so"), QStringLiteral("-al"),
+                QStringLiteral("-nomd"), m_source }));
+    }
+
     static QString findProgram(const char* name)
     {
         QString program = QStandardPaths::findExecutable(QString::fromLatin1(name));
@@ -213,8 +235,8 @@ private:
         const QString target = m_folder.filePath(QStringLiteral("out"));
         QStringList arguments{ QStringLiteral("-f"), QStringLiteral("MapInfo File"),
             QStringLiteral("-dsco"), QStringLiteral("FORMAT=MIF"), QStringLiteral("-dim"),
-            QStringLiteral("XY"), QStringLiteral("-nln"), QStringLiteral("objects"),
-            QStringLiteral("-mapFieldType"),
+            QStringLiteral("XY"), QStringLiteral("-progress"), QStringLiteral("-nln"),
+            QStringLiteral("objects"), QStringLiteral("-mapFieldType"),
             QStringLiteral("IntegerList=String,Integer64List=String,RealList=String,"
                            "StringList=String,Binary=String") };
         // A MIF file without a column is none for the program.
@@ -253,14 +275,20 @@ private:
         const QString name = QFileInfo(program).fileName();
         if (!process.waitForStarted())
             fail(QStringLiteral("программа %1 не запускается").arg(name));
+        QByteArray output;
         while (!process.waitForFinished(glance) && process.state() != QProcess::NotRunning) {
-            if (m_isCancelled())
+            output += process.readAllStandardOutput();
+            const auto percent = percentOf(output);
+            if (percent && m_watcher.converted)
+                m_watcher.converted(*percent);
+            if (m_watcher.isCancelled())
                 process.kill();
         }
-        QByteArray output = process.readAllStandardOutput();
+        output += process.readAllStandardOutput();
         if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
             return output;
-        QString complaint = complaintOf(process.readAllStandardError() + output);
+        const QByteArray said = percentOf(output) ? QByteArray() : output;
+        QString complaint = complaintOf(process.readAllStandardError() + said);
         complaint.remove(m_folder.filePath(QStringLiteral("in")) + QLatin1Char('/'));
         fail(QStringLiteral("программа %1 не прочитала файл: %2").arg(name, complaint));
     }
@@ -268,12 +296,42 @@ private:
     const PrepareOptions& m_options;
     bool m_hasFolder;
     QDir m_folder;
-    const std::function<bool()>& m_isCancelled;
+    QString m_source; ///< a link to the file
+    const ForeignWatcher& m_watcher;
     QString m_ogr2ogr;
     QString m_ogrinfo;
 };
 
 } // namespace
+
+QStringList foreignSuffixes()
+{
+    QStringList names;
+    for (const char* suffix : suffixes)
+        names.append(QLatin1String(suffix));
+    return names;
+}
+
+QString layerPattern(const QString& name)
+{
+    QString pattern;
+    for (const QChar letter : name) {
+        const bool isSign = QStringLiteral("*?[").contains(letter);
+        pattern += isSign ? QStringLiteral("[%1]").arg(letter) : QString(letter);
+    }
+    return pattern;
+}
+
+ForeignLayers listForeignLayers(
+    const QString& fileName, const QTemporaryDir& folder, const ForeignWatcher& watcher)
+{
+    try {
+        const PrepareOptions options;
+        return { ForeignConversion(options, folder, watcher).list(fileName), {} };
+    } catch (const Trouble& trouble) {
+        return { {}, trouble.text };
+    }
+}
 
 const Format* formatOfForeignFile(const QString& fileName)
 {
@@ -284,10 +342,10 @@ const Format* formatOfForeignFile(const QString& fileName)
 }
 
 ForeignPair convertForeignFile(const QString& fileName, const PrepareOptions& options,
-    const QTemporaryDir& folder, const std::function<bool()>& isCancelled)
+    const QTemporaryDir& folder, const ForeignWatcher& watcher)
 {
     try {
-        return ForeignConversion(options, folder, isCancelled).run(fileName);
+        return ForeignConversion(options, folder, watcher).run(fileName);
     } catch (const Trouble& trouble) {
         return { {}, trouble.text, {} };
     }

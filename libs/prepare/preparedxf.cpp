@@ -39,7 +39,7 @@ QByteArray codecOfAscii(const QByteArray& bytes, const DxfEncoding& declared)
 void flattenDxf(
     const SourceText& text, const PrepareOptions& options, QIODevice& out, PrepareReport& report)
 {
-    const DxfDrawing drawing(view(text.bytes));
+    const DxfDrawing drawing(view(text.bytes), report.scanned);
     report.notePassedOver(drawing.cursor());
     DxfWriter writer(out, text.codec->name(), report);
     ContourJoiner joiner(options.join.value_or(0), writer, report);

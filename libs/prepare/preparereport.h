@@ -133,6 +133,9 @@ public:
     const std::map<std::string, KindTally>& kinds() const { return m_kinds; }
 
     std::function<void()> entityWritten; ///< called for each entity in write(); may be empty
+    /// Called while a drawing is looked through, before anything of it is written, with the bytes
+    /// that lie behind and all of them; with all at the end. May be empty.
+    std::function<void(qint64 bytes, qint64 whole)> scanned;
     QString failure; ///< why nothing was written; empty when something was
     QByteArray encoding; ///< of the file that was written; a codec's name
     QByteArray sourceEncoding; ///< as told from the bytes, or as it was given

@@ -3,7 +3,7 @@
 #include "geometry/designation.h"
 
 #include <QHash>
-#include <QString>
+#include <QStringView>
 
 #include <algorithm>
 #include <vector>
@@ -11,12 +11,18 @@
 /// A designation for comparing with many others, ignoring case; from DefNames.
 struct DefName {
     uint hash;
-    const QString* text; ///< for a long one, the first that is the same
+    int size;
+    const QChar* data; ///< for a long one, of the first that is the same
+
+    QStringView text() const { return QStringView(data, size); }
 };
 
 inline bool operator==(const DefName& a, const DefName& b)
 {
-    return a.text == b.text || (a.hash == b.hash && sameDef(*a.text, *b.text));
+    // Case never changes the length.
+    if (a.size != b.size)
+        return false;
+    return a.data == b.data || (a.hash == b.hash && sameDef(a.text(), b.text()));
 }
 
 inline uint qHash(const DefName& name, uint seed = 0)
@@ -28,11 +34,11 @@ inline uint qHash(const DefName& name, uint seed = 0)
 /// objects; it is gone through once for all of them. Names point into what they were made of.
 class DefNames {
 public:
-    DefName nameOf(const QString& def);
+    DefName nameOf(QStringView def);
 
 private:
     QHash<const QChar*, DefName> m_ofData; ///< the long ones by where their characters are
-    QHash<DefName, const QString*> m_first;
+    QHash<DefName, const QChar*> m_first;
 };
 
 /// Calls `visit` with the range of those that have one name, for each name among the bearers; they

@@ -8,17 +8,41 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <numeric>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace {
 
+/// A character without its case. Most are ASCII, where no table has to be asked.
+uint caseFolded(uint character)
+{
+    if (character >= 0x80)
+        return QChar::toCaseFolded(character);
+    return character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : character;
+}
+
 /// What a designation is split into.
 struct SplitDef {
-    QString prefix;
+    QStringView prefix; ///< of the designation
     int number = -1;
 };
+
+SplitDef splitDef(const QString& def)
+{
+    const QChar lineFeed = QLatin1Char('\n');
+    const int end = def.endsWith(lineFeed) ? def.size() - 1 : def.size();
+    int start = end;
+    while (start > 0 && isDigit(def.at(start - 1)))
+        --start;
+
+    const bool hasNumber =
+        start < end && !def.leftRef(start).contains(lineFeed) && def.isValidUtf16();
+    if (!hasNumber)
+        return { def, -1 };
+    return { QStringView(def).left(start), def.midRef(start, end - start).toInt() };
+}
 
 /// What an object is sorted by, and where it stood.
 struct SortKey {
@@ -42,12 +66,8 @@ std::vector<SplitDef> splitDefs(const QVector<DefPolygon>& objects)
         const QString& def = objects.at(static_cast<int>(i)).def;
         const auto known =
             def.size() < longText ? first.constEnd() : first.constFind(def.constData());
-        if (known != first.constEnd()) {
-            split[i] = split[*known];
-            continue;
-        }
-        splitDef(def, split[i].prefix, split[i].number);
-        if (def.size() >= longText)
+        split[i] = known == first.constEnd() ? splitDef(def) : split[*known];
+        if (known == first.constEnd() && def.size() >= longText)
             first.insert(def.constData(), i);
     }
     return split;
@@ -61,10 +81,24 @@ struct PrefixBearer {
 
 /// The objects that share a prefix.
 struct PrefixGroup {
-    const QString* prefix;
+    size_t place; ///< of the prefix among the folded ones
+    size_t size; ///< of the prefix
     std::vector<PrefixBearer>::const_iterator begin;
     std::vector<PrefixBearer>::const_iterator end;
 };
+
+/// Puts the characters of a text behind others, each as QString::compare() takes it where it
+/// ignores case: a pair of surrogates tells with its second half which character it is.
+void appendFolded(std::u32string& folded, QStringView text)
+{
+    QChar before;
+    for (const QChar c : text) {
+        const bool isPair = c.isLowSurrogate() && before.isHighSurrogate();
+        const uint character = isPair ? QChar::surrogateToUcs4(before, c) : c.unicode();
+        folded.push_back(caseFolded(character));
+        before = c;
+    }
+}
 
 /// The keys of all objects. Thousands of them share a prefix as a rule: each prefix is compared
 /// with the others once, not whenever two objects are.
@@ -77,12 +111,17 @@ std::vector<SortKey> sortKeys(const QVector<DefPolygon>& objects)
     for (const SplitDef& def : split)
         bearers.push_back({ names.nameOf(def.prefix), bearers.size() });
     std::vector<PrefixGroup> groups;
+    std::u32string folded;
     forEachName(bearers, [&](auto begin, auto end) {
-        groups.push_back({ begin->name.text, begin, end });
+        const QStringView prefix = begin->name.text();
+        groups.push_back({ folded.size(), static_cast<size_t>(prefix.size()), begin, end });
+        appendFolded(folded, prefix);
     });
-    std::sort(groups.begin(), groups.end(), [](const PrefixGroup& a, const PrefixGroup& b) {
-        return QString::compare(*a.prefix, *b.prefix, Qt::CaseInsensitive) < 0;
-    });
+    const auto prefixOf = [&folded](const PrefixGroup& group) {
+        return std::u32string_view(folded).substr(group.place, group.size);
+    };
+    std::sort(groups.begin(), groups.end(),
+        [&](const PrefixGroup& a, const PrefixGroup& b) { return prefixOf(a) < prefixOf(b); });
 
     std::vector<SortKey> keys(split.size());
     int rank = 0;
@@ -98,21 +137,10 @@ std::vector<SortKey> sortKeys(const QVector<DefPolygon>& objects)
 
 void splitDef(const QString& def, QString& prefix, int& number)
 {
-    const QChar lineFeed = QLatin1Char('\n');
-    const int end = def.endsWith(lineFeed) ? def.size() - 1 : def.size();
-    int start = end;
-    while (start > 0 && isDigit(def.at(start - 1)))
-        --start;
-
-    const bool hasNumber =
-        start < end && !def.leftRef(start).contains(lineFeed) && def.isValidUtf16();
-    if (!hasNumber) {
-        prefix = def;
-        number = -1;
-        return;
-    }
-    number = def.midRef(start, end - start).toInt();
-    prefix = def.left(start);
+    const SplitDef split = splitDef(def);
+    const bool isWhole = split.prefix.size() == def.size();
+    prefix = isWhole ? def : def.left(static_cast<int>(split.prefix.size()));
+    number = split.number;
 }
 
 QString numberedDef(const QString& prefix, int number)
@@ -143,8 +171,8 @@ uint qHash(const DefKey& key, uint seed)
 {
     // Mixed at each step, so that no set of designations collides whatever the seed.
     uint hash = seed;
-    const QString& def = key.def;
-    for (int i = 0; i < def.size(); ++i) {
+    const QStringView def = key.def;
+    for (qsizetype i = 0; i < def.size(); ++i) {
         uint character = def.at(i).unicode();
         const bool isPair =
             def.at(i).isHighSurrogate() && i + 1 < def.size() && def.at(i + 1).isLowSurrogate();
@@ -152,7 +180,7 @@ uint qHash(const DefKey& key, uint seed)
             character = QChar::surrogateToUcs4(def.at(i), def.at(i + 1));
             ++i;
         }
-        hash = (hash ^ QChar::toCaseFolded(character)) * 0x9E3779B1U;
+        hash = (hash ^ caseFolded(character)) * 0x9E3779B1U;
         hash ^= hash >> 15;
     }
     return hash;

@@ -3,6 +3,7 @@
 #include "geometry/defpolygon.h"
 
 #include <QString>
+#include <QStringView>
 #include <QVector>
 
 /// Splits a designation into a text prefix and its trailing decimal number.
@@ -20,14 +21,14 @@ QString numberedDef(const QString& prefix, int number);
 void sortObjects(QVector<DefPolygon>& objects);
 
 /// Whether two designations are the same, ignoring case.
-inline bool sameDef(const QString& a, const QString& b)
+inline bool sameDef(QStringView a, QStringView b)
 {
-    return QString::compare(a, b, Qt::CaseInsensitive) == 0;
+    return a.compare(b, Qt::CaseInsensitive) == 0;
 }
 
 /// A designation as a hash key that ignores case in the same way as sameDef.
 struct DefKey {
-    QString def;
+    QStringView def;
 };
 
 inline bool operator==(const DefKey& a, const DefKey& b)

@@ -2,6 +2,7 @@
 #include "samples.h"
 #include "support/tempfiles.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -151,9 +152,105 @@ private slots:
         QVERIFY(run.status != 0);
     }
 
+    void convertingProgram_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QByteArray>("told");
+        QTest::addColumn<QString>("shown");
+        const QString converts = QStringLiteral("a\\.shp: переводит программа ogr2ogr");
+        const QString elapsed = QStringLiteral(", прошло \\d+ с");
+        const QString prepare = QStringLiteral("prepare a.shp -o b.mif");
+        QTest::newRow("nothing told") << prepare << QByteArray() << converts + elapsed;
+        QTest::newRow("start") << prepare << QByteArray("0.")
+                               << converts + QStringLiteral(" \\(0 %\\)") + elapsed;
+        QTest::newRow("share") << prepare << QByteArray("0...10...20..")
+                               << converts + QStringLiteral(" \\(20 %\\)") + elapsed;
+        QTest::newRow("convert") << QStringLiteral("convert a.shp --prepare -o b.xml")
+                                 << QByteArray("0...10")
+                                 << converts + QStringLiteral(" \\(10 %\\)") + elapsed;
+    }
+
+    void convertingProgram()
+    {
+        QFETCH(QString, command);
+        QFETCH(QByteArray, told);
+        QFETCH(QString, shown);
+        installStandIns(told);
+        Pipe gate(m_folder->path(QStringLiteral("gate")));
+        QProcess process;
+        start(process, command, m_folder->path(QStringLiteral("bin")));
+        const QRegularExpression expected(shown);
+        QVERIFY2(!waitForShown(process,
+                     [&expected](const QByteArray& text) {
+                         return QString::fromUtf8(text).contains(expected);
+                     })
+                      .isEmpty(),
+            qUtf8Printable(shown));
+        gate.write("\n");
+        const CommandRun run = waitFor(process);
+        QCOMPARE(run.status, 0);
+        QVERIFY2(run.out.contains("\r\033[K"), run.out.constData());
+        // What another program is at is told no longer than that.
+        QVERIFY2(
+            !run.out.mid(run.out.lastIndexOf('\033')).contains("переводит"), run.out.constData());
+    }
+
+    void quietConvertingProgram()
+    {
+        installStandIns("0...10");
+        Pipe gate(m_folder->path(QStringLiteral("gate")));
+        QProcess process;
+        start(process, QStringLiteral("prepare a.shp -q -o b.mif"),
+            m_folder->path(QStringLiteral("bin")));
+        QTest::qWait(longerThanASecond);
+        gate.write("\n");
+        const CommandRun run = waitFor(process);
+        QCOMPARE(run.out, QByteArray());
+        QCOMPARE(run.status, 0);
+    }
+
+    /// Here it waits for somebody to take the result.
+    void neitherReadingNorWriting()
+    {
+        m_folder->write(QStringLiteral("a.dxf"), drawingOfManyLines());
+        const QString out = m_folder->path(QStringLiteral("out"));
+        QCOMPARE(mkfifo(QFile::encodeName(out).constData(), S_IRUSR | S_IWUSR), 0);
+        QProcess process;
+        start(process, QStringLiteral("prepare a.dxf -o out"));
+        static const QRegularExpression waits(
+            QStringLiteral("прочитано: 0\\.6 МБ, прошло [1-9]\\d* с"));
+        const QByteArray shown = waitForShown(process,
+            [](const QByteArray& text) { return QString::fromUtf8(text).contains(waits); });
+        QVERIFY(!shown.isEmpty());
+        const CommandRun reader = runShell(QStringLiteral("cat out | tail -n 1"), path());
+        QCOMPARE(reader.out, QByteArray("EOF\n"));
+        QCOMPARE(waitFor(process).status, 0);
+    }
+
+    /// Nothing holds the command up while it looks through a drawing. It is let run for moments
+    /// only, so that more than the second passes for which it waits, and every moment is told.
+    void drawingBeforeItsEntities()
+    {
+        constexpr int size = 16 << 20;
+        const QByteArray layer = "0\nLAYER\n2\na\n";
+        m_folder->write(QStringLiteral("a.dxf"),
+            headerSection() + "0\nSECTION\n2\nTABLES\n" + layer.repeated(size / layer.size())
+                + "0\nENDSEC\n"
+                + drawing("0\nLINE\n10\n0\n20\n0\n11\n5\n21\n5\n").mid(headerSection().size()));
+        QProcess process;
+        startSlowed(process, QStringLiteral("prepare a.dxf -o b.dxf"));
+        static const QRegularExpression looked(
+            QStringLiteral("a\\.dxf: просмотрено (?!0\\.0)[0-9.]+ МБ из 16\\.0 МБ \\(\\d+ %\\)"));
+        const QByteArray shown = waitForShown(process,
+            [](const QByteArray& text) { return QString::fromUtf8(text).contains(looked); });
+        QVERIFY(!shown.isEmpty());
+        m_folder->write(QStringLiteral("faster"), {});
+        QCOMPARE(waitFor(process).status, 0);
+        QVERIFY(contentOf(m_folder->path(QStringLiteral("b.dxf"))).contains("LINE"));
+    }
+
     void nothingIntoAPipe()
     {
-        constexpr int longerThanASecond = 1500;
         Pipe input(m_folder->path(QStringLiteral("in")));
         QProcess process;
         process.setWorkingDirectory(path());
@@ -168,17 +265,62 @@ private slots:
     }
 
 private:
+    static constexpr int longerThanASecond = 1500; // ms
+
     QString path() const { return m_folder->path(QStringLiteral(".")); }
 
-    void start(QProcess& process, const QString& command) const
+    /// Programs that stand for ogrinfo and for ogr2ogr, which says this and then waits until the
+    /// pipe "gate" is written to.
+    void installStandIns(const QByteArray& told) const
+    {
+        m_folder->write(QStringLiteral("a.shp"), "shape");
+        install(QStringLiteral("ogrinfo"), "printf 'Layer name: a\\na: String (0.0)\\n'\n");
+        install(QStringLiteral("ogr2ogr"),
+            "printf '" + told
+                + "'\nread line <gate\n"
+                  "for last; do target=$before; before=$last; done\n"
+                  "mkdir \"$target\"\n"
+                  "printf 'Version 300\\nCharset \"Neutral\"\\nDelimiter \",\"\\nColumns 1\\n"
+                  "  a Char(9)\\nData\\nLine 0 0 1 1\\n' >\"$target/objects.mif\"\n"
+                  "echo '\"x\"' >\"$target/objects.mid\"\n");
+    }
+
+    void install(const QString& name, const QByteArray& body) const
+    {
+        QDir(path()).mkdir(QStringLiteral("bin"));
+        const QString program =
+            m_folder->write(QStringLiteral("bin/") + name, "#!/bin/sh\n" + body);
+        QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    void start(QProcess& process, const QString& command, const QString& programs = {}) const
+    {
+        startInTerminal(process, commandPath() + QLatin1Char(' ') + command, programs);
+    }
+
+    /// Starts a command that runs for a hundredth of a second in each fifth of one, until there is
+    /// a file "faster".
+    void startSlowed(QProcess& process, const QString& command) const
+    {
+        startInTerminal(process,
+            QStringLiteral("%1 %2 & while [ ! -e faster ]; do kill -STOP $!; sleep 0.2; "
+                           "kill -CONT $!; sleep 0.01; done; wait $!")
+                .arg(commandPath(), command));
+    }
+
+    void startInTerminal(
+        QProcess& process, const QString& script, const QString& programs = {}) const
     {
         process.setWorkingDirectory(path());
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+        if (!programs.isEmpty()) {
+            environment.insert(QStringLiteral("PATH"),
+                programs + QLatin1Char(':') + environment.value(QStringLiteral("PATH")));
+        }
         process.setProcessEnvironment(environment);
         startProgram(process, QStringLiteral("script"),
-            { QStringLiteral("-qec"), commandPath() + QLatin1Char(' ') + command,
-                QStringLiteral("/dev/null") });
+            { QStringLiteral("-qec"), script, QStringLiteral("/dev/null") });
     }
 
     /// What a terminal shows until the text is there.

@@ -15,6 +15,7 @@ endfunction()
 expect(bin/importgeometry)
 expect(bin/importgeometry-host)
 expect(include/importgeometry/importgeometryinterface.h)
+expect(${LIBDIR}/importgeometry/importgeometry-plan.so)
 expect(${LIBDIR}/qt5/plugins/importgeometry/libimportgeometry.so)
 expect(share/applications/importgeometry-host.desktop)
 expect(share/bash-completion/completions/importgeometry)
@@ -32,8 +33,8 @@ expect(${ZSH_DIR}/_importgeometry)
 file(GLOB_RECURSE installed RELATIVE "${PREFIX}" "${PREFIX}/*")
 list(FILTER installed EXCLUDE REGEX "^share/doc/importgeometry/")
 list(LENGTH installed count)
-if(NOT count EQUAL 13)
-    message(SEND_ERROR "${count} files besides the pages, not 13: ${installed}")
+if(NOT count EQUAL 14)
+    message(SEND_ERROR "${count} files besides the pages, not 14: ${installed}")
 endif()
 
 # The desktop entry names what is installed.
@@ -68,3 +69,11 @@ execute_process(
 if(NOT output MATCHES "${PREFIX}/${LIBDIR}/qt5/plugins/importgeometry/libimportgeometry.so")
     message(SEND_ERROR "the installed program took another plug-in:\n${output}")
 endif()
+
+# The installed command finds the library that draws.
+execute_process(
+    COMMAND ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 "${PREFIX}/bin/importgeometry" plan --quiet
+        --encoding Windows-1251 "${PREFIX}/share/doc/importgeometry/samples/parcels.mif"
+        --output "${PREFIX}/plan.svg"
+    COMMAND_ERROR_IS_FATAL ANY)
+expect(plan.svg)

@@ -131,7 +131,7 @@ private slots:
     void layersAndTitles()
     {
         const QString svg = svgOf({ polygon("У<1>", { ring(0, 0, 10) }) });
-        for (const char* id : { "frame", "objects", "points", "legend", "names" }) {
+        for (const char* id : { "frame", "objects", "points", "grid", "legend", "names" }) {
             QCOMPARE(countOf(svg,
                          qPrintable(QStringLiteral("<g id=\"%1\" inkscape:groupmode=\"layer\" "
                                                    "inkscape:label=\"")
@@ -203,9 +203,9 @@ private slots:
         const double scale = (dotOf(svg, "point-1-2").x() - nought.x()) / 100;
         const auto number = [](double value) { return QString::number(value, 'f', 2); };
         const QString arm = QStringLiteral("M%1 %2L%3 %2");
-        const QString frame = layer(svg, "frame");
-        QVERIFY(frame.contains(
-            arm.arg(number(nought.x() - 4), number(nought.y()), number(nought.x() + 4))));
+        QVERIFY(layer(svg, "grid")
+                    .contains(arm.arg(
+                        number(nought.x() - 4), number(nought.y()), number(nought.x() + 4))));
         const auto bar =
             QRegularExpression(QStringLiteral("<path d=\"M([0-9.]+) [0-9.]+L[0-9.]+ "
                                               "[0-9.]+L([0-9.]+) [^>]*>\n<text [^>]*>([0-9]+) м<"))
@@ -242,10 +242,10 @@ private slots:
         const QFontMetricsF metrics(planFont(false));
         int crosses = 0;
         for (int size = 100; size < 200; size += 5) {
-            const QString frame =
-                layer(svgOf({ polygon("A", { ring(2200000, 400000, size) }) }), "frame");
+            const QString grid =
+                layer(svgOf({ polygon("A", { ring(2200000, 400000, size) }) }), "grid");
             QVector<QRectF> numbers;
-            for (auto each = text.globalMatch(frame); each.hasNext();) {
+            for (auto each = text.globalMatch(grid); each.hasNext();) {
                 const auto number = each.next();
                 // Digits reach from the base line to the height of capitals.
                 const QPointF start(number.captured(1).toDouble(), number.captured(2).toDouble());
@@ -253,7 +253,7 @@ private slots:
                     QSizeF(metrics.horizontalAdvance(number.captured(3)), metrics.capHeight())));
             }
             QVERIFY(numbers.size() > 4);
-            for (auto each = stroke.globalMatch(frame); each.hasNext(); ++crosses) {
+            for (auto each = stroke.globalMatch(grid); each.hasNext(); ++crosses) {
                 const auto line = each.next();
                 const QRectF box(QPointF(line.captured(1).toDouble(), line.captured(2).toDouble()),
                     QPointF(line.captured(3).toDouble(), line.captured(4).toDouble()));
@@ -263,6 +263,58 @@ private slots:
             }
         }
         QVERIFY(crosses > 100);
+    }
+
+    /// Numbers of the grid and names stand on a ground of their own, over the objects.
+    void textsAreReadOverObjects()
+    {
+        // Lines so dense that the picture is full of them.
+        QVector<DefPoint> hatch;
+        for (int i = 0; i < 2000; ++i)
+            hatch.append({ {}, i % 2 == 0 ? -900.0 : 900.0, i * 0.9 - 900 });
+        const QString svg = svgOf({ polygon("Имя", { hatch }) });
+        QVERIFY(svg.indexOf(QStringLiteral("<g id=\"objects\""))
+            < svg.indexOf(QStringLiteral("<g id=\"grid\"")));
+        const QRegularExpression onGround(
+            QStringLiteral("<path d=\"M([0-9.]+) ([0-9.]+)L([0-9.]+) [0-9.]+L[0-9.]+ ([0-9.]+)L"
+                           "[^>]* fill=\"#ffffff\" fill-opacity=\"[0-9.]+\"/>\n"
+                           "<text x=\"([0-9.]+)\" y=\"([0-9.]+)\"([^>]*)>([^<]*)</text>"));
+        const auto check = [&](const char* name) {
+            const QString texts = layer(svg, name);
+            int count = 0;
+            for (auto each = onGround.globalMatch(texts); each.hasNext(); ++count) {
+                const auto match = each.next();
+                const auto value = [&](int part) { return match.captured(part).toDouble(); };
+                const QFontMetricsF metrics(
+                    planFont(match.captured(7).contains(QLatin1String("bold"))));
+                const QRectF ground(QPointF(value(1), value(2)), QPointF(value(3), value(4)));
+                const QRectF letters(value(5), value(6) - metrics.capHeight(),
+                    metrics.horizontalAdvance(match.captured(8)), metrics.capHeight());
+                if (!ground.contains(letters))
+                    return -1;
+            }
+            return count == countOf(texts, "</text>") ? count : -1;
+        };
+        QVERIFY(check("grid") > 5);
+        QVERIFY(check("names") > 0);
+    }
+
+    /// No number of the grid stands under the arrow to the north.
+    void arrowHasItsPlace()
+    {
+        for (int size = 100; size < 200; size += 5) {
+            const QString grid = layer(
+                svgOf({ polygon("A", { ring(400000, 2200000, size) }) }, { true, true }), "grid");
+            const QRegularExpression text(
+                QStringLiteral("<text x=\"([0-9.]+)\" y=\"60.00\"[^>]*>([0-9]+)</text>"));
+            const double arrow = pageWidth - PlanView::margin - 34;
+            for (auto each = text.globalMatch(grid); each.hasNext();) {
+                const auto number = each.next();
+                const double right = number.captured(1).toDouble()
+                    + QFontMetricsF(planFont(false)).horizontalAdvance(number.captured(2));
+                QVERIFY2(right < arrow, qPrintable(number.captured()));
+            }
+        }
     }
 
     void namesStayInsideTheFrame()

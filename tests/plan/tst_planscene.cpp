@@ -1,3 +1,4 @@
+#include "plan/plancanvas.h"
 #include "plan/planscene.h"
 
 #include <QImage>
@@ -29,7 +30,7 @@ QImage painted(PlanScene& scene, const PlanSelection& selection = {})
 {
     QImage image(400, 400, QImage::Format_RGB32);
     QPainter painter(&image);
-    scene.paint(painter, {}, Qt::white, Qt::blue, selection);
+    scene.paint(painter, {}, Qt::blue, selection);
     return image;
 }
 
@@ -74,6 +75,7 @@ private slots:
     void bearsAllNumbers_data();
     void bearsAllNumbers();
     void bearsZoom();
+    void drawsWhatThePageShows();
 };
 
 void TestPlanScene::clipsRings()
@@ -298,6 +300,40 @@ void TestPlanScene::bearsZoom()
         scene.view.show(QRectF(10, 10, 380, 340), { 468215, 2213600 }, scale);
         QVERIFY(!painted(scene).isNull());
     }
+}
+
+void TestPlanScene::drawsWhatThePageShows()
+{
+    // Two of one name, a hole, a line, and a point that stands at two places.
+    QVector<DefPolygon> objects{ { QStringLiteral("а"), { ring(0, 0, 100), ring(20, 20, 30) } },
+        { QStringLiteral("А"), { ring(150, 0, 60, QStringLiteral("п1")) } },
+        { QStringLiteral("б"), { { { {}, 0, 130 }, { {}, 90, 140 }, { {}, 200, 130 } } } } };
+    objects[1].contours[0][2].def = QStringLiteral("п1");
+    const PlanAxes axes{ false, true };
+    const QSize size(700, 600);
+    QImage page(size, QImage::Format_RGB32);
+    {
+        QPainter painter(&page);
+        PainterCanvas canvas(painter);
+        PlanPainter(objects, axes).paint(canvas, size, {});
+    }
+    PlanScene scene(objects, axes);
+    QBitArray duplicates(3);
+    duplicates.setBit(0);
+    duplicates.setBit(1);
+    scene.setDuplicates(duplicates);
+    while (scene.findConflicts(100)) { }
+    const double margin = PlanView::margin;
+    scene.view.fit(QRectF(QPointF(), QSizeF(size)).adjusted(margin, margin, -margin, -margin));
+    QImage window(size, QImage::Format_RGB32);
+    {
+        QPainter painter(&window);
+        scene.paint(painter, {}, Qt::blue, {});
+    }
+    // Around the frame the page has its title and its legend.
+    const QRect inside = scene.view.frame().toRect().adjusted(2, 2, -2, -2);
+    QVERIFY(has(page, scene.view.toPicture({ {}, 180, 60 }), PlanColors().red));
+    QVERIFY(window.copy(inside) == page.copy(inside));
 }
 
 QTEST_MAIN(TestPlanScene)
