@@ -73,6 +73,15 @@ QVector<DefPoint> oneNotANumber(int count)
     return result;
 }
 
+/// A crowd, and many at infinity, which are no place's neighbours and not each other's either.
+QVector<DefPoint> crowdAtInfinity(int count)
+{
+    return points(count, [](int i) {
+        return i % 8 == 0 ? QPointF(i * 1e-9, 5)
+                          : QPointF(std::numeric_limits<double>::infinity(), 5);
+    });
+}
+
 /// Neighbours in the order are far apart, so that none of the others merge.
 QVector<DefPoint> crowdedRows(int count)
 {
@@ -197,7 +206,8 @@ QVector<HostilePlaces> hostileArranged()
 {
     return { { "harmless", harmless }, { "colliding cells", colliding },
         { "crowded cells", crowdedCells }, { "crowded rows", crowdedRows }, { "ties", tieLattice },
-        { "squares underflow", underflowing }, { "one not a number", oneNotANumber } };
+        { "crowd at infinity", crowdAtInfinity }, { "squares underflow", underflowing },
+        { "one not a number", oneNotANumber } };
 }
 
 QVector<HostileLabels> hostileSorted()

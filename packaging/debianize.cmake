@@ -15,7 +15,8 @@ file(GLOB packed "${root}/share/man/man1/*.1")
 list(APPEND packed "${doc}/changelog" "${doc}/changelog.Debian")
 execute_process(COMMAND gzip --best --no-name --force ${packed} COMMAND_ERROR_IS_FATAL ANY)
 
-file(GLOB binaries "${root}/bin/*" "${root}/lib/*/qt5/plugins/importgeometry/*.so")
+file(GLOB binaries "${root}/bin/*" "${root}/lib/*/importgeometry/*.so"
+    "${root}/lib/*/qt5/plugins/importgeometry/*.so")
 execute_process(
     COMMAND strip --strip-unneeded --remove-section=.comment --remove-section=.note ${binaries}
     COMMAND_ERROR_IS_FATAL ANY)

@@ -21,7 +21,9 @@ mapfile -t generators < <(cmake --build "$build" --target help |
 cmake --build "$build" --parallel "$jobs" --target "${generators[@]}" >/dev/null
 units=("${files[@]}")
 if [ "$unity" = ON ]; then
-    mapfile -t units < <(find "$build" -name 'unity_*.cxx' -printf '%s %p\n' | sort -rn | cut -d' ' -f2)
+    # The units, and sources with definitions of their own, which are in none.
+    mapfile -t units < <(sed -n 's/^ *"file": "\(.*\)".*/\1/p' "$build/compile_commands.json" |
+        grep --invert-match '_autogen/')
 fi
 
 # Units include sources, which hide what others of them have at their top; within a source the

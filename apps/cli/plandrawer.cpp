@@ -8,6 +8,9 @@ namespace {
 const PlanDrawer* loadPlanDrawer()
 {
     const QDir program(QCoreApplication::applicationDirPath());
+    // A program that has been removed has no folder: what is in the current one is not its own.
+    if (program.isRelative())
+        return nullptr;
     for (const char* folder : { ".", "../" INSTALLED_DRAWER }) {
         const QString file = QDir(program.filePath(QString::fromUtf8(folder)))
                                  .absoluteFilePath(QStringLiteral(DRAWER_FILE));

@@ -8,7 +8,6 @@
 
 #include <vector>
 
-class PainterCanvas;
 class PlanDrawing;
 class QPainter;
 

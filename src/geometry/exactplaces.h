@@ -12,11 +12,11 @@
 ///
 /// Where points crowd, most questions are about the place of one of them, and nothing can be nearer
 /// than that. Points very close to an axis are left out: squared, their distances from others may
-/// vanish.
+/// vanish. So are those at infinity, which have no place of their own.
 class ExactPlaces {
 public:
     ExactPlaces() = default;
-    /// Of `count` points, no two of which stand at one place.
+    /// Of `count` points, no two of which stand at one finite place.
     ExactPlaces(const DefPoint* points, int count);
 
     /// The index of the point at (x, y), or -1 where there is none or it is not known.
@@ -50,7 +50,8 @@ private:
     static bool isKnown(double x, double y)
     {
         constexpr double nearAxis = 1e-100;
-        return std::abs(x) > nearAxis && std::abs(y) > nearAxis;
+        return std::abs(x) > nearAxis && std::abs(y) > nearAxis && std::isfinite(x)
+            && std::isfinite(y);
     }
     static bool isAt(const DefPoint& point, double x, double y)
     {

@@ -125,8 +125,7 @@ bool MifImport::scanObjects(ObjectHandler handle)
     while (!in.atEnd()) {
         line = in.readLine();
         tokenize(1);
-        const MifObjectKind* const kind =
-            tokens.empty() ? nullptr : mifObjectKind(tokens.front());
+        const MifObjectKind* const kind = tokens.empty() ? nullptr : mifObjectKind(tokens.front());
         if (!kind)
             continue;
         tokenize();

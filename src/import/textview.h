@@ -101,5 +101,5 @@ private:
     const void* m_data = nullptr;
     size_t m_sizeAndKind = asciiBit; ///< twice the size, in bytes or characters, and the bit
 };
-static_assert(sizeof(TextView) == 16);
+static_assert(sizeof(TextView) == 2 * sizeof(void*));
 Q_DECLARE_TYPEINFO(TextView, Q_PRIMITIVE_TYPE);
