@@ -3,6 +3,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <utility>
 
 CatalogueRows::CatalogueRows(const DefPolygon& object)
 {
@@ -51,11 +52,11 @@ QString catalogueCell(
     return table.others.at(object).points.value(row - place.contour).value(column);
 }
 
-CatalogueText::CatalogueText(const FormTable& table, int object, const QStringList& titles)
-    : m_table(table)
+CatalogueText::CatalogueText(FormTable table, int object, QStringList titles)
+    : m_table(std::move(table))
     , m_object(object)
-    , m_titles(titles)
-    , m_rows(object < 0 ? DefPolygon() : table.objects.at(object))
+    , m_titles(std::move(titles))
+    , m_rows(object < 0 ? DefPolygon() : m_table.objects.at(object))
 {
 }
 

@@ -37,7 +37,7 @@ QString catalogueCell(
 class CatalogueText {
 public:
     /// The titles are those of the columns.
-    CatalogueText(const FormTable& table, int object, const QStringList& titles);
+    CatalogueText(FormTable table, int object, QStringList titles);
 
     int rowCount() const { return m_rows.count(); }
     /// The rows below the titles, cells parted by tabs. Nothing of use once `cancelled`.

@@ -49,7 +49,7 @@ QString GuideWindow::findGuide()
     // A build folder lies in the tree.
     constexpr int mostSteps = 4;
     for (int step = 0; step < mostSteps; ++step) {
-        const QString page = folder.filePath(QStringLiteral("docs/") + QLatin1String(guideName));
+        QString page = folder.filePath(QStringLiteral("docs/") + QLatin1String(guideName));
         if (QFileInfo(page).isFile())
             return page;
         if (!folder.cdUp())

@@ -113,9 +113,31 @@ void PainterCanvas::drawFast(const QVector<QPolygonF>& lines, const QVector<QPol
 void PainterCanvas::drawDot(
     const QPointF& place, double radius, const QColor& color, const QString&, const QString&)
 {
+    if (m_isFast)
+        return stampDot(place, radius, color);
     m_painter.setPen(Qt::NoPen);
     m_painter.setBrush(color);
     m_painter.drawEllipse(place, radius, radius);
+}
+
+void PainterCanvas::stampDot(const QPointF& place, double radius, const QColor& color)
+{
+    if (m_stamp.isNull() || m_stampRadius != radius || m_stampColor != color) {
+        m_stampRadius = radius;
+        m_stampColor = color;
+        const double ratio = m_painter.device()->devicePixelRatioF();
+        const int side = static_cast<int>(std::ceil((2 * radius + 1) * ratio));
+        m_stamp = QImage(side, side, QImage::Format_ARGB32_Premultiplied);
+        m_stamp.setDevicePixelRatio(ratio);
+        m_stamp.fill(Qt::transparent);
+        QPainter painter(&m_stamp);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(color);
+        painter.drawEllipse(QPointF(side, side) / (2 * ratio), radius, radius);
+    }
+    const double half = m_stamp.width() / (2 * m_stamp.devicePixelRatio());
+    m_painter.drawImage((place - QPointF(half, half)).toPoint(), m_stamp);
 }
 
 void PainterCanvas::drawText(

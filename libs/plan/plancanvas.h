@@ -2,6 +2,7 @@
 
 #include <QColor>
 #include <QFont>
+#include <QImage>
 #include <QPolygonF>
 #include <QVector>
 #include <QXmlStreamWriter>
@@ -30,7 +31,8 @@ public:
 class PainterCanvas : public PlanCanvas {
 public:
     explicit PainterCanvas(QPainter& painter, const QColor& paper = Qt::white);
-    /// Whether contours are drawn fast: without smooth edges, and small ones without their area.
+    /// Whether all is drawn fast: contours without smooth edges, and small ones without their area;
+    /// dots at whole pixels.
     void setFast(bool fast);
     void beginGroup(const QString&, const QString&, bool) override { }
     void endGroup() override { }
@@ -45,8 +47,13 @@ private:
     void drawFast(const QVector<QPolygonF>& lines, const QVector<QPolygonF>& areas,
         const QColor& line, const QColor& area);
 
+    void stampDot(const QPointF& place, double radius, const QColor& color);
+
     QPainter& m_painter;
     bool m_isFast = false;
+    QImage m_stamp; ///< of the dots that are drawn fast
+    double m_stampRadius = 0;
+    QColor m_stampColor;
 };
 
 /// Writes an SVG document as it draws.

@@ -4,9 +4,11 @@
 #include "plan/planindex.h"
 #include "plan/planplaces.h"
 
-PlanDrawing::PlanDrawing(PlanCanvas& canvas, const QSizeF& size, const PlanColors& colors)
+#include <utility>
+
+PlanDrawing::PlanDrawing(PlanCanvas& canvas, const QSizeF& size, PlanColors colors)
     : m_canvas(canvas)
-    , m_colors(colors)
+    , m_colors(std::move(colors))
     , m_dots{ PlanSpace(size), PlanSpace(size) }
 {
 }

@@ -9,7 +9,7 @@ struct PlanOutline;
 class PlanDrawing {
 public:
     /// `canvas` must outlive the drawing; `size` is that of the picture.
-    PlanDrawing(PlanCanvas& canvas, const QSizeF& size, const PlanColors& colors);
+    PlanDrawing(PlanCanvas& canvas, const QSizeF& size, PlanColors colors);
 
     /// Whether something red was drawn.
     bool hasRed() const { return m_hasRed; }

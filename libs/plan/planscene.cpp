@@ -114,7 +114,9 @@ void PlanScene::paint(QPainter& painter, const PlanColors& colors, const QColor&
     drawSelection(painter, chosen, selection);
     if (m_size <= mostDots)
         drawPoints(drawing);
+    canvas.setFast(m_size > crowded);
     drawConflicts(drawing);
+    canvas.setFast(false);
     frame.drawGrid(m_axes.isNorthUp);
     nameObjects(drawing);
     drawing.drawNames(view.frame(), space);

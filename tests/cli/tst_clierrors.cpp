@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -68,6 +69,17 @@ private slots:
             "check --rekursive-rekursive-rekursive-rekursive-rekursive-rekursive-rek .", 2,
             "importgeometry: неизвестный параметр "
             "«--rekursive-rekursive-rekursive-rekursive-rekursive-rekursive-rek»");
+    }
+
+    /// What comes through a pipe is kept in a file, which finds no room here.
+    void noRoomForStandardInput()
+    {
+        const CommandRun run = shell(QStringLiteral("head -c 100000 /dev/zero | { ulimit -f 1; "
+                                                    "$CLI convert - --format mif -o out.xml; }"));
+        QCOMPARE(
+            run.errorLines(), words({ "importgeometry: стандартный ввод: не удаётся прочитать" }));
+        QCOMPARE(run.status, 1);
+        QCOMPARE(written(), QStringList());
     }
 
     void unreadableInput()
@@ -216,7 +228,54 @@ private slots:
         QCOMPARE(report.value(QStringLiteral("incomplete")).toArray(), QJsonArray{ incomplete });
     }
 
+    /// A name that turns the direction of writing would do so wherever the answer is shown.
+    void namesInAnAnswer()
+    {
+        const QString name = QStringLiteral("a\u202Eb.dxf");
+        m_folder->write(name, drawing(oneLine));
+        const CommandRun run =
+            runCommand(words({ "prepare", "--json", "-o", "out.dxf" }) + QStringList(name),
+                m_folder->path(QString()));
+        QCOMPARE(run.status, 0);
+        QVERIFY2(run.out.contains("\"a\\u202eb.dxf\""), run.out);
+        const QJsonObject answer = QJsonDocument::fromJson(run.out).array().first().toObject();
+        QCOMPARE(answer.value(QStringLiteral("file")).toString(), name);
+    }
+
     // Signals
+
+    /// The other program ends, too, and nothing of its work is left.
+    void interruptOfAnotherProgram()
+    {
+        m_folder->write(QStringLiteral("a.shp"), "shape");
+        QVERIFY(QDir(m_folder->path(QString())).mkdir(QStringLiteral("bin")));
+        QVERIFY(QDir(m_folder->path(QString())).mkdir(QStringLiteral("temporary")));
+        const CommandRun made = shell(QStringLiteral(
+            "printf '#!/bin/sh\\necho \"Layer name: a\"\\n' >bin/ogrinfo; "
+            "printf '#!/bin/sh\\necho $$ >\"%s/started\"; exec sleep 600\\n' \"$PWD\" "
+            ">bin/ogr2ogr; chmod +x bin/*"));
+        QCOMPARE(made.status, 0);
+        QProcess process;
+        process.setWorkingDirectory(m_folder->path(QString()));
+        startProgram(process, QStringLiteral("sh"),
+            { QStringLiteral("-c"),
+                QStringLiteral("PATH=\"$PWD/bin:$PATH\" TMPDIR=\"$PWD/temporary\" exec \"%1\" "
+                               "prepare a.shp -o out.mif")
+                    .arg(commandPath()) });
+        const QString started = m_folder->path(QStringLiteral("started"));
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(started).size() > 0, 60000);
+        kill(static_cast<pid_t>(process.processId()), SIGTERM);
+        const CommandRun run = waitFor(process);
+        QCOMPARE(run.errorLines(), words({ "importgeometry: прервано" }));
+        QCOMPARE(run.status, -1);
+        QCOMPARE(written(), QStringList());
+        QCOMPARE(QDir(m_folder->path(QStringLiteral("temporary")))
+                     .entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+            QStringList());
+        const pid_t other = contentOf(started).trimmed().toInt();
+        QVERIFY(other > 0);
+        QTRY_COMPARE_WITH_TIMEOUT(kill(other, 0), -1, 60000);
+    }
 
     /// Whoever starts a program with nohup wants it to go on.
     void signalThatIsIgnored()

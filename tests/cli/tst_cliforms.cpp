@@ -128,6 +128,41 @@ private slots:
         QCOMPARE(prepared.out, shell(QStringLiteral("$CLI convert ") + files).out);
     }
 
+    void orientation_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<bool>("northUpIsUsual");
+        QTest::addColumn<bool>("asIsIsUsual");
+        QTest::newRow("northing first")
+            << QByteArray("468214 2213661 468247 2213670") << true << false;
+        QTest::newRow("easting first")
+            << QByteArray("2213661 468214 2213670 468247") << true << true;
+        // Who asks for the north has the northing first.
+        QTest::newRow("untold") << QByteArray("0 0 5 9") << false << true;
+    }
+
+    void orientation()
+    {
+        QFETCH(QByteArray, line);
+        const TempFiles folder;
+        folder.write(QStringLiteral("a.mif"), mifHeader() + "Line " + line + '\n');
+        folder.write(QStringLiteral("a.mid"), "1\n");
+        const auto plan = [&folder](const char* options) {
+            return runCommand(
+                words({ "plan", "-q", "a.mif", "-o", "-", "--to", "svg" }) + words({ options }),
+                folder.path(QString()));
+        };
+        const QByteArray usual = plan("--quiet").out;
+        QVERIFY(usual.startsWith("<?xml"));
+        QTEST(plan("--north-up").out == usual, "northUpIsUsual");
+        QTEST(plan("--as-is").out == usual, "asIsIsUsual");
+        const CommandRun both = runCommand(
+            words({ "plan", "a.mif", "-o", "a.svg", "--north-up", "--as-is" }), folder.path({}));
+        QCOMPARE(both.status, 2);
+        QCOMPARE(both.errorLines().first(),
+            QStringLiteral("importgeometry: --north-up и --as-is вместе не указывают"));
+    }
+
     void resultsOfOneName_data()
     {
         QTest::addColumn<QString>("command");

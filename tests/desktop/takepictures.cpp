@@ -2,6 +2,7 @@
 // [dark]`. The scale is that of QT_SCALE_FACTOR. `importgeometry-pictures --terminal FILE` draws
 // the text of its standard input as a terminal shows it.
 
+#include "foreigndialog.h"
 #include "mainwindow.h"
 #include "planwidget.h"
 #include "windowdriver.h"
@@ -105,6 +106,11 @@ void takeMore(MainWindow& window)
         dialog.reject();
     });
     trigger("formSettings");
+    ForeignDialog foreign(QStringLiteral("межевание.gpkg"),
+        { { QStringLiteral("Участки"),
+            { QStringLiteral("Кадастровый номер"), QStringLiteral("Площадь") } } });
+    foreign.show();
+    take(foreign, "foreign");
     window.findChild<QDockWidget*>(QStringLiteral("messagesDock"))->raise();
     take(window, "messages");
 }

@@ -211,7 +211,7 @@ void TestHandover::cancelsPrinting()
 
 void TestHandover::copiesLongCatalogue()
 {
-    constexpr int vertices = 120000;
+    constexpr int vertices = 60000;
     m_window->document().reset(longLine(vertices), {});
     trigger("copy");
     const QMimeData* copied = QApplication::clipboard()->mimeData();
@@ -237,7 +237,7 @@ void TestHandover::copiesChosenRows()
 
 void TestHandover::cancelledCopyLeavesClipboard()
 {
-    m_window->document().reset(longLine(1000000), {});
+    m_window->document().reset(longLine(500000), {});
     QApplication::clipboard()->setText(QStringLiteral("прежнее"));
     // The end of the program ends the wait, as its cancellation does.
     QTimer::singleShot(0, this, [this] {

@@ -28,7 +28,7 @@ FAULTS = [
          ("64 * std::numeric_limits<double>::epsilon() / 2", "0"),
          ("epsilon() / 8", "epsilon() * 1e6"),
          ("site->x * site->x + site->y * site->y)", "site->x * site->x + site->y)"),
-         ("if (!(radius > leastRadius && radius < mostRadius))\n            return;\n", "")),
+         ("if (!(radius > shortestLength && radius < longestLength))\n            return;\n", "")),
     *_of("src/geometry/conflicts.cpp", "tst_conflicts tst_defpolygontablemodel tst_defmaptablemodel",
          ("if (count < 2)", "if (count < 3)"),
          ("point.x - minX, maxX - point.x) > DefPoint", "point.x - minX, maxX - point.x) >= DefPoint"),

@@ -72,6 +72,7 @@ private slots:
     void findsObjects();
     void findsVertices();
     void drawsSpecks();
+    void drawsCrowd();
     void bearsAllNumbers_data();
     void bearsAllNumbers();
     void bearsZoom();
@@ -256,6 +257,35 @@ void TestPlanScene::drawsSpecks()
     QVERIFY(has(image, scene.view.toPicture({ {}, 5000, 5000 }), PlanColors().line));
     scene.view.show(QRectF(10, 10, 380, 340), { 5000.5, 5000.5 }, 50);
     QVERIFY(has(painted(scene), scene.view.toPicture({ {}, 5000, 5000 }), PlanColors().line));
+}
+
+void TestPlanScene::drawsCrowd()
+{
+    // Squares of about seven pixels, too many for shapes of their own; one has a point at two
+    // places, and one is as large as all of them.
+    QVector<DefPolygon> objects;
+    for (int i = 0; i < 1600; ++i)
+        objects.append({ QString::number(i), { ring(i % 40 * 100, i / 40 * 100, 90) } });
+    objects[820].contours[0][0].def = QStringLiteral("1");
+    objects[820].contours[0][2].def = QStringLiteral("1");
+    objects.append({ QStringLiteral("всё"), { ring(-100, -100, 4200) } });
+    PlanScene scene(objects, {});
+    QBitArray duplicates(objects.size());
+    duplicates.setBit(41);
+    scene.setDuplicates(duplicates);
+    while (scene.findConflicts(1000)) { }
+    scene.view.fit(QRectF(10, 10, 380, 340));
+    const QImage image = painted(scene);
+    const auto colorAt = [&](double x, double y, const QColor& color) {
+        return has(image, scene.view.toPicture({ {}, x, y }), color);
+    };
+    const PlanColors colors;
+    QVERIFY(colorAt(3000, 3045, colors.line)); // a small square
+    QVERIFY(colorAt(-100, 2000, colors.line)); // the large one
+    QVERIFY(colorAt(100, 145, colors.red)); // a duplicate
+    QVERIFY(colorAt(2000, 2000, colors.red)); // the conflict
+    QVERIFY(colorAt(2090, 2090, colors.red));
+    QVERIFY(!colorAt(3000, 1045, colors.red));
 }
 
 void TestPlanScene::bearsAllNumbers_data()
