@@ -99,9 +99,25 @@ QVector<DefPoint> onCircle(int count)
     });
 }
 
+QVector<DefPoint> onSlope(int count)
+{
+    return points(count, [](int i) { return QPointF(i * 0.05, i * -0.05); });
+}
+
 QPointF nearOrigin(int index)
 {
     return QPointF(index * 1e-9, 0);
+}
+
+/// So near that the distances to points on a circle differ by less than their rounding.
+QPointF nextToOrigin(int index)
+{
+    return QPointF((index + 1) * 1e-18, 0);
+}
+
+QPointF acrossSlope(int index)
+{
+    return QPointF(1e5 + index * 0.01, 1e5);
 }
 
 QPointF atOrigin(int)
@@ -154,6 +170,15 @@ QVector<DefPoint> closingIn(int count)
     return points(count, [=](int i) { return QPointF(i % 2 ? i - count : count - i, 0); });
 }
 
+/// Every second pair steps back a little.
+QVector<DefPoint> closingInUnsteadily(int count)
+{
+    return points(count, [=](int i) {
+        const double x = count - i + (i % 4 < 2 ? 0 : 1.5);
+        return QPointF(i % 2 ? -x : x, 1000);
+    });
+}
+
 QVector<DefPoint> underflowingColumn(int count)
 {
     return points(count, [](int i) { return QPointF(0, (i * 7919 % 10007) * 1e-170); });
@@ -179,7 +204,8 @@ QVector<HostileLabels> hostileSorted()
 {
     return { { "harmless", harmless, anywhere }, { "squares underflow", underflowing, atOrigin },
         { "far queries in x", harmless, farRight }, { "far queries in y", harmless, farAbove },
-        { "one not a number", oneNotANumber, anywhere }, { "circle", onCircle, nearOrigin } };
+        { "one not a number", oneNotANumber, anywhere }, { "circle", onCircle, nearOrigin },
+        { "circle, within rounding", onCircle, nextToOrigin }, { "slope", onSlope, acrossSlope } };
 }
 
 QVector<HostileLabels> hostileUnsorted()
@@ -188,5 +214,6 @@ QVector<HostileLabels> hostileUnsorted()
         { "rising column", risingColumn, anywhere }, { "falling column", fallingColumn, anywhere },
         { "two columns", twoColumns, anywhere }, { "falling x", falling, anywhere },
         { "squares underflow", underflowingColumn, atOrigin },
-        { "one not a number", oneNotANumber, anywhere }, { "closing in", closingIn, nearOrigin } };
+        { "one not a number", oneNotANumber, anywhere }, { "closing in", closingIn, nearOrigin },
+        { "closing in unsteadily", closingInUnsteadily, nearOrigin } };
 }

@@ -37,7 +37,7 @@ for name in filter(None, sys.stdin.read().split("\0")):
             for line in file["lines"]:
                 runs[path][line["line_number"]] += line["count"]
 
-for folder in ("src", "libs", "apps"):
+for folder in ("src", "libs", "apps/cli", "apps/host"):
     files = {path: lines for path, lines in runs.items()
              if path.startswith(folder + "/") and "_autogen" not in path}
     total = sum(len(lines) for lines in files.values())

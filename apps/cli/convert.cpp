@@ -83,12 +83,6 @@ ResultOptions readResultOptions(const QCommandLineParser& parser)
     return options;
 }
 
-QString targetIn(const QString& folder, const ImportTask& task)
-{
-    return QDir(placeIn(folder, task.subfolder))
-        .filePath(QFileInfo(task.fileName()).completeBaseName() + QStringLiteral(".xml"));
-}
-
 QStringList readTargets(const QCommandLineParser& parser, const QVector<ImportTask>& tasks)
 {
     const QString output = parser.value(QStringLiteral("output"));
@@ -105,10 +99,10 @@ QStringList readTargets(const QCommandLineParser& parser, const QVector<ImportTa
     if (folder.isEmpty())
         return { output.isEmpty() ? standardOutput : output };
 
-    QStringList targets;
+    QVector<ResultInFolder> results;
     for (const ImportTask& task : tasks)
-        targets.append(targetIn(folder, task));
-    return targets;
+        results.append({ task.fileName(), task.subfolder, QStringLiteral("xml") });
+    return targetsIn(folder, results);
 }
 
 /// What the command line asks for.

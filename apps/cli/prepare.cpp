@@ -44,42 +44,47 @@ QList<QCommandLineOption> prepareInputOptions()
     + inputFileOptions();
 }
 
-QString targetOf(
-    const PrepareTask& task, const QString& subfolder, const QCommandLineParser& parser)
+QStringList readCopyTargets(const QCommandLineParser& parser, const QVector<InputFile>& files)
 {
-    QString output = parser.value(QStringLiteral("output"));
+    const QString output = parser.value(QStringLiteral("output"));
     const QString folder = parser.value(QStringLiteral("out-dir"));
+    if (parser.isSet(QStringLiteral("output")) && files.size() > 1)
+        throw Failure{ WrongUsage, QStringLiteral("для нескольких файлов укажите --out-dir") };
     if (output.isEmpty() == folder.isEmpty())
         throw Failure{ WrongUsage, QStringLiteral("укажите -o ФАЙЛ или --out-dir ПАПКА") };
-    if (output.isEmpty()) {
-        return QDir(placeIn(folder, subfolder))
-            .filePath(QFileInfo(task.fileName).completeBaseName() + QLatin1Char('.')
-                + task.format->suffix);
-    }
-    if (task.isForeign && formatOfFile(output) != task.format)
+    if (!output.isEmpty())
+        return { output };
+    QVector<ResultInFolder> results;
+    for (const InputFile& file : files)
+        results.append({ file.name, file.subfolder, file.format->suffix });
+    return targetsIn(folder, results);
+}
+
+/// Refuses targets that cannot hold what becomes of the file.
+void checkKind(const PrepareTask& task, const QCommandLineParser& parser)
+{
+    if (task.isForeign && parser.isSet(QStringLiteral("output"))
+        && formatOfFile(task.target) != task.format)
         throw Failure{ WrongUsage,
             QStringLiteral("%1: из этого файла получается MIF; укажите -o ФАЙЛ.mif")
                 .arg(task.fileName) };
-    return output;
+    if (task.target == standardOutput && (task.isMif() || parser.isSet(QStringLiteral("json"))))
+        throw Failure{ WrongUsage,
+            QStringLiteral("на стандартный вывод можно записать только один DXF, без --json") };
 }
 
 QVector<PrepareTask> readTasks(const QCommandLineParser& parser)
 {
     const QVector<InputFile> files = readInputFiles(parser, prep::formatOfForeignFile);
-    if (files.size() > 1 && parser.isSet(QStringLiteral("output")))
-        throw Failure{ WrongUsage, QStringLiteral("для нескольких файлов укажите --out-dir") };
+    const QStringList targets = readCopyTargets(parser, files);
     QVector<PrepareTask> tasks;
     QVector<TargetClaim> claims;
-    for (const InputFile& file : files) {
+    for (int i = 0; i < files.size(); ++i) {
+        const InputFile& file = files.at(i);
         const bool isForeign =
             !parser.isSet(QStringLiteral("format")) && prep::formatOfForeignFile(file.name);
-        PrepareTask task{ file.name, file.format, isForeign, {} };
-        task.target = targetOf(task, file.subfolder, parser);
-        if (task.target == standardOutput
-            && (task.isMif() || parser.isSet(QStringLiteral("json")))) {
-            throw Failure{ WrongUsage,
-                QStringLiteral("на стандартный вывод можно записать только один DXF, без --json") };
-        }
+        const PrepareTask task{ file.name, file.format, isForeign, targets.at(i) };
+        checkKind(task, parser);
         tasks.append(task);
         claims.append(task.claim());
     }

@@ -21,13 +21,39 @@ QSet<QString> sourcesOf(const QVector<TargetClaim>& claims)
     return sources;
 }
 
-} // namespace
-
+/// The place below `folder` for the result of a file of this subfolder (see InputFile).
 QString placeIn(const QString& folder, const QString& subfolder)
 {
     return subfolder.isEmpty() || subfolder == QLatin1String(".")
         ? folder
         : QDir(folder).filePath(subfolder);
+}
+
+} // namespace
+
+QStringList targetsIn(const QString& folder, const QVector<ResultInFolder>& results)
+{
+    const auto target = [&folder](const ResultInFolder& result, const QString& name) {
+        return QDir(placeIn(folder, result.subfolder))
+            .filePath(name + QLatin1Char('.') + result.suffix);
+    };
+    QStringList targets;
+    QStringList longTargets;
+    QHash<QString, int> uses;
+    QHash<QString, int> longUses;
+    for (const ResultInFolder& result : results) {
+        const QFileInfo file(result.fileName);
+        targets.append(target(result, file.completeBaseName()));
+        longTargets.append(target(result, file.fileName()));
+        ++uses[targets.constLast()];
+        ++longUses[longTargets.constLast()];
+    }
+    for (int i = 0; i < targets.size(); ++i) {
+        const QString& longTarget = longTargets.at(i);
+        if (uses.value(targets.at(i)) > 1 && longUses.value(longTarget) == 1)
+            targets[i] = longTarget;
+    }
+    return targets;
 }
 
 void makeFoldersOf(const QStringList& targets)
@@ -44,9 +70,13 @@ void checkTargets(const QVector<TargetClaim>& claims)
         for (const QString& target : claim.targets) {
             QString& file = fileOfTarget[QDir::cleanPath(QFileInfo(target).absoluteFilePath())];
             if (!file.isEmpty()) {
+                const bool isOneFile = QFileInfo(file) == QFileInfo(claim.fileName);
                 throw Failure{ WrongUsage,
-                    QStringLiteral("файлы %1 и %2 дали бы один результат %3")
-                        .arg(file, claim.fileName, target) };
+                    QStringLiteral("файлы %1 и %2 дали бы один результат %3%4")
+                        .arg(file, claim.fileName, target,
+                            isOneFile
+                                ? QString()
+                                : QStringLiteral("; запишите их в разные папки (--out-dir)")) };
             }
             file = claim.fileName;
             if (sources.contains(QFileInfo(target).canonicalFilePath())) {

@@ -11,8 +11,16 @@ struct TargetClaim {
     QStringList targets;
 };
 
-/// The place below `folder` for the result of a file of this subfolder (see InputFile).
-QString placeIn(const QString& folder, const QString& subfolder);
+/// A file whose result goes into a folder.
+struct ResultInFolder {
+    QString fileName;
+    QString subfolder; ///< see InputFile
+    QString suffix; ///< of the result
+};
+
+/// Where the results go below `folder`: each under the name of its file, with the suffix in the
+/// place of the file's own; where two would be one, that stays, too (a.mif.xml and a.dxf.xml).
+QStringList targetsIn(const QString& folder, const QVector<ResultInFolder>& results);
 
 /// Makes the folders that these files are to be in.
 void makeFoldersOf(const QStringList& targets);

@@ -35,8 +35,8 @@ public:
                 addText(vertex.def);
                 addNumber(plainNumber(vertex.x));
                 addNumber(plainNumber(vertex.y));
-                addNumber(QByteArray::number(shape.area, 'f', 2));
-                addNumber(QByteArray::number(shape.perimeter, 'f', 2));
+                addNumber(measureText(shape.area));
+                addNumber(measureText(shape.perimeter));
                 endRow();
             }
         }

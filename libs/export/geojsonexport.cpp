@@ -25,6 +25,13 @@ QByteArray position(const QPointF& place)
     return '[' + plainNumber(place.x()) + ',' + plainNumber(place.y()) + ']';
 }
 
+/// What JSON has no number for is null.
+QByteArray measure(double value)
+{
+    const QByteArray text = measureText(value);
+    return text.isEmpty() ? QByteArrayLiteral("null") : text;
+}
+
 class GeoJsonWriter {
 public:
     explicit GeoJsonWriter(QIODevice& out)
@@ -37,8 +44,8 @@ public:
         m_out.write(m_isFirst ? "\n" : ",\n");
         m_isFirst = false;
         m_out.write(R"({"type":"Feature","properties":{"designation":)" + quoted(object.def)
-            + R"(,"area":)" + QByteArray::number(shape.area, 'f', 2) + R"(,"perimeter":)"
-            + QByteArray::number(shape.perimeter, 'f', 2) + R"(},"geometry":)");
+            + R"(,"area":)" + measure(shape.area) + R"(,"perimeter":)" + measure(shape.perimeter)
+            + R"(},"geometry":)");
         if (shape.contours.isEmpty())
             m_out.write("null");
         else if (shape.isArea)

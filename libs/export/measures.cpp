@@ -66,12 +66,15 @@ public:
         , m_order(rings.size())
         , m_partOf(rings.size())
     {
-        for (const Places& ring : rings)
+        QVector<double> sizes;
+        for (const Places& ring : rings) {
             m_boxes.append(boxOf(ring));
+            const double size = std::abs(signedTwiceArea(ring));
+            sizes.append(std::isnan(size) ? 0 : size);
+        }
         std::iota(m_order.begin(), m_order.end(), 0);
-        std::stable_sort(m_order.begin(), m_order.end(), [&rings](int a, int b) {
-            return std::abs(signedTwiceArea(rings.at(a))) > std::abs(signedTwiceArea(rings.at(b)));
-        });
+        std::stable_sort(m_order.begin(), m_order.end(),
+            [&sizes](int a, int b) { return sizes.at(a) > sizes.at(b); });
     }
 
     QVector<AreaPart> parts()
@@ -122,6 +125,11 @@ private:
 };
 
 } // namespace
+
+QByteArray measureText(double measure)
+{
+    return std::isfinite(measure) ? QByteArray::number(measure, 'f', 2) : QByteArray();
+}
 
 double signedTwiceArea(const Places& ring)
 {

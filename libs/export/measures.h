@@ -2,6 +2,7 @@
 
 #include "geometry/defpolygon.h"
 
+#include <QByteArray>
 #include <QVector>
 
 /// A contour as a ring or a line: places that are numbers, a ring without its closing vertex.
@@ -24,6 +25,9 @@ struct ObjectShape {
     /// `enclosesArea`: the contours do. `swapped`: x and y change places.
     ObjectShape(const DefPolygon& object, bool enclosesArea, bool swapped);
 };
+
+/// An area or a length with two decimals; empty when the coordinates were too large for it.
+QByteArray measureText(double measure);
 
 /// Twice the area of a ring; positive when it runs counter-clockwise.
 double signedTwiceArea(const Places& ring);

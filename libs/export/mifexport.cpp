@@ -99,8 +99,7 @@ qint64 writeMif(QIODevice& mif, QIODevice& mid, const QVector<DefPolygon>& objec
         def.replace(QLatin1Char('\n'), QLatin1Char(' ')).remove(QLatin1Char('\r'));
         unknown += codec->canEncode(def) ? 0 : 1;
         mid.write('"' + codec->fromUnicode(def).replace('"', "\"\"") + "\","
-            + QByteArray::number(shape.area, 'f', 2) + ','
-            + QByteArray::number(shape.perimeter, 'f', 2) + '\n');
+            + measureText(shape.area) + ',' + measureText(shape.perimeter) + '\n');
         if (options.objectWritten)
             options.objectWritten();
     }

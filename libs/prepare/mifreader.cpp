@@ -3,6 +3,8 @@
 #include "prepare/plainnumber.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string>
 
 namespace prep {
 
@@ -35,6 +37,21 @@ constexpr struct {
     { "COLLECTION", MifKind::Collection },
 };
 
+bool isAscii(char c)
+{
+    return static_cast<unsigned char>(c) < 0x80;
+}
+
+/// Whether the readers may take a header line for the one in front of the data: there are blanks
+/// beside those of ASCII, and carriage returns are none.
+bool mayBeData(std::string_view line)
+{
+    std::string plain;
+    std::copy_if(line.begin(), line.end(), std::back_inserter(plain),
+        [](char c) { return isAscii(c) && c != '\r'; });
+    return isSameWord(trimmed(plain), "DATA");
+}
+
 std::string_view firstWord(std::string_view line)
 {
     return line.substr(0, line.find_first_of(space));
@@ -64,8 +81,12 @@ std::string_view takeClause(std::string_view& clauses)
 {
     while (!clauses.empty()) {
         const std::string_view line = takeLine(clauses);
-        const bool isClause = !line.empty()
-            && ((line[0] >= 'A' && line[0] <= 'Z') || (line[0] >= 'a' && line[0] <= 'z'));
+        const std::string_view first = firstWord(line);
+        // Other words may be those of an object to the readers, once they are decoded and without
+        // the carriage returns in them.
+        const bool isClause = !line.empty() && line.find('\r') == std::string_view::npos
+            && ((line[0] >= 'A' && line[0] <= 'Z') || (line[0] >= 'a' && line[0] <= 'z'))
+            && std::all_of(first.begin(), first.end(), isAscii);
         if (isClause)
             return line;
     }
@@ -126,7 +147,8 @@ bool MifReader::readHeader(std::vector<std::string_view>& lines)
         const std::string_view text = line();
         if (isSameWord(text, "DATA"))
             return true;
-        lines.push_back(text);
+        if (!mayBeData(text))
+            lines.push_back(text);
     }
     return false;
 }
@@ -262,8 +284,10 @@ bool MifReader::readRegion(MifObject& object)
 bool MifReader::readText(MifObject& object, size_t start)
 {
     // The text is in quotes; words in it must not be taken for objects.
-    const size_t open = m_bytes.find('"', m_position);
-    const size_t close = open == std::string_view::npos ? open : m_bytes.find('"', open + 1);
+    const size_t open = m_bytes.find_first_not_of(space, m_position);
+    if (open == std::string_view::npos || m_bytes[open] != '"')
+        return false;
+    const size_t close = m_bytes.find('"', open + 1);
     if (close == std::string_view::npos)
         return false;
     m_position = close + 1;

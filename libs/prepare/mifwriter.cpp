@@ -227,6 +227,23 @@ void MifWriter::put(std::string_view text)
     m_mif.append(text.data(), static_cast<int>(text.size()));
 }
 
+/// Writes the line ends between the quotes as the format has them: the readers look for objects at
+/// the start of each line.
+void MifWriter::putText(std::string_view text)
+{
+    const size_t open = text.find('"');
+    put(text.substr(0, open));
+    text.remove_prefix(open);
+    for (size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+        const std::string_view line = text.substr(0, end);
+        put(line.substr(0, line.find_last_not_of('\r') + 1));
+        m_mif.append("\\n");
+        flush(bufferSize);
+        text.remove_prefix(end + 1);
+    }
+    put(text);
+}
+
 /// Writes so many vertices, one a line.
 void MifWriter::vertices(VertexCursor& cursor, size_t count)
 {
@@ -294,7 +311,7 @@ void MifWriter::write(const MifObject& object)
         ++m_report.contours;
         break;
     case MifKind::Text:
-        put(object.text);
+        putText(object.text);
         m_mif.append("\n    ");
         corners(object);
         m_mif.append('\n');

@@ -47,6 +47,7 @@ private:
     void vertices(VertexCursor& cursor, size_t count);
     void corners(const MifObject& object);
     void put(std::string_view text);
+    void putText(std::string_view text);
     double moved(double coordinate, size_t axis) const;
     bool staysFinite(const MifObject& object) const;
     void flush(int limit);

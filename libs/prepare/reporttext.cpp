@@ -96,15 +96,15 @@ QJsonObject reportJson(const PrepareReport& report, const QString& fileName, con
     json.insert(QStringLiteral("contours"), report.contours);
     json.insert(QStringLiteral("points"), report.points);
     json.insert(QStringLiteral("labels"), report.labels);
-    QJsonObject kinds;
+    QJsonObject tallies;
     for (const auto& [kind, tally] : report.kinds()) {
-        kinds.insert(QString::fromStdString(kind),
+        tallies.insert(QString::fromStdString(kind),
             QJsonObject{ { QStringLiteral("kept"), tally.kept },
                 { QStringLiteral("changed"), tally.changed },
                 { QStringLiteral("leftOut"), tally.leftOut },
                 { QStringLiteral("lost"), tally.lost } });
     }
-    json.insert(QStringLiteral("kinds"), kinds);
+    json.insert(QStringLiteral("kinds"), tallies);
     QJsonArray blocks;
     for (auto block = report.blocks.begin(); block != report.blocks.end(); ++block) {
         blocks.append(QJsonObject{ { QStringLiteral("name"), block.key() },

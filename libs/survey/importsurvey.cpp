@@ -31,14 +31,14 @@ void explainEmptyResult(FileSurvey& survey)
         survey.causes.append({ Cause::NothingInside, survey.fileName, 0, {}, 0, survey.fileName });
         return;
     }
-    QStringList kinds;
+    QStringList counts;
     for (const auto& [name, kind] : survey.kinds) {
-        if (kinds.size() < listedFindings)
-            kinds.append(
+        if (counts.size() < listedFindings)
+            counts.append(
                 QStringLiteral("%1 - %2").arg(QString::fromStdString(name)).arg(kind.count));
     }
     survey.causes.append({ Cause::NoObjects, survey.fileName, 0,
-        QStringLiteral("в нём только ") + kinds.join(QLatin1String(", ")), 0, survey.fileName });
+        QStringLiteral("в нём только ") + counts.join(QLatin1String(", ")), 0, survey.fileName });
 }
 
 /// A catalogue lists the northing before the easting.

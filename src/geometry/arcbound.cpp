@@ -9,8 +9,8 @@ namespace {
 /// of the lengths that they are computed from.
 constexpr double rounding = 64 * std::numeric_limits<double>::epsilon() / 2;
 /// Between these lengths their squares lose nothing to overflow or underflow.
-constexpr double shortest = 1e-140;
-constexpr double longest = 1e140;
+constexpr double shortestLength = 1e-140;
+constexpr double longestLength = 1e140;
 /// How much farther away than the sites lie apart a centre is taken for sites along a line.
 constexpr double sideways = 1000;
 /// Directions are told apart up to nearly a right angle from their middle.
@@ -58,12 +58,12 @@ ArcBound::Vector ArcBound::centreBeside(const Site& a, const Site& b)
 
 void ArcBound::fit(const Vector& centre, const Site* begin, const Site* end, double extent)
 {
-    double least = longest;
+    double least = longestLength;
     double greatest = 0;
     for (const Site* site = begin; site != end; ++site) {
         const Vector way{ site->x - centre.x, site->y - centre.y };
         const double radius = std::sqrt(dot(way, way));
-        if (!(radius > shortest && radius < longest))
+        if (!(radius > shortestLength && radius < longestLength))
             return;
         least = std::min(least, radius);
         greatest = std::max(greatest, radius);
@@ -128,7 +128,7 @@ double ArcBound::leastDistance(double x, double y) const
         return m_leastSquare;
     const Vector way = wayTo(x, y);
     const double length = std::sqrt(dot(way, way));
-    if (!(length < longest))
+    if (!(length < longestLength))
         return std::numeric_limits<double>::quiet_NaN();
     // How far the way leads towards a site, at most.
     const bool isBetween = m_isAround || (cross(m_first, way) >= 0 && cross(way, m_last) >= 0);

@@ -50,7 +50,7 @@ void PointCatalogue::arrange()
     m_ordered = m_arranged;
     if (m_cells.add(m_points, m_arranged))
         return;
-    m_tree = PlaceTree(m_points.constData(), m_arranged);
+    m_exact = ExactPlaces(m_points.constData(), m_arranged);
     m_cells.startAt(m_arranged);
 }
 
@@ -65,8 +65,14 @@ const DefPoint* PointCatalogue::findCoincident(double x, double y)
     if (!std::isfinite(x) || !std::isfinite(y))
         return nullptr;
 
+    const int exact = m_exact.find(m_points.constData(), x, y);
+    if (exact >= 0)
+        return &m_points.at(exact);
+
     Sides nearest{ x, y };
-    if (!m_tree.isEmpty()) {
+    if (!m_exact.isEmpty()) {
+        if (m_tree.isEmpty())
+            m_tree = PlaceTree(m_points.constData(), m_arranged);
         const PlaceTree::Nearest arranged =
             m_tree.findSorted(m_points.constData(), m_arranged, x, y, nearest.distance);
         for (const int index : { arranged.left, arranged.right }) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "geometry/defpoint.h"
+#include "geometry/exactplaces.h"
 #include "geometry/placetree.h"
 #include "geometry/pointcells.h"
 #include "geometry/pointorder.h"
@@ -13,7 +14,8 @@
 /// Its answers are those of a search for the nearest point in a vector that is kept sorted, to the
 /// last tie (see NearestIndex); but a search and an insertion cost the same whatever the number
 /// and the layout of the points. Points are kept in the order in which they came and found through
-/// a hash of square cells; arranged points that would crowd a cell are found through a k-d tree.
+/// a hash of square cells; arranged points that would crowd a cell are found through a k-d tree,
+/// or through a hash of their places where one stands exactly there.
 /// Which of two points at equal distances stands next to the place in the order of all is looked
 /// up in sorted runs, which are filled when that is first asked. A point with a coordinate that is
 /// not a number is never found and disturbs no other's order.
@@ -38,9 +40,19 @@ public:
     /// until the next change of the catalogue.
     const DefPoint* findCoincident(double x, double y);
     /// Has the memory fetched that findCoincident() will look at first; a moment later
-    /// expectPoint() does so with the points that are there. Neither changes an answer.
-    void expect(double x, double y) const { m_cells.expect(x, y); }
-    void expectPoint(double x, double y) const { m_cells.expectPoint(m_points.constData(), x, y); }
+    /// expectPoint(), given what came of it, does so with the points that are there. Neither
+    /// changes an answer.
+    size_t expect(double x, double y) const
+    {
+        return m_exact.isEmpty() ? m_cells.expect(x, y) : m_exact.expect(x, y);
+    }
+    void expectPoint(size_t expected) const
+    {
+        if (m_exact.isEmpty())
+            m_cells.expectPoint(m_points.constData(), expected);
+        else
+            m_exact.expectPoint(m_points.constData(), expected);
+    }
     /// Adds a point that later searches find. To be called on an arranged catalogue.
     void insert(DefPoint point);
 
@@ -51,7 +63,8 @@ private:
 
     QVector<DefPoint> m_points;
     int m_arranged = 0; ///< so many points at the front are sorted and merged
-    PlaceTree m_tree; ///< the arranged points, where they would crowd a cell
+    ExactPlaces m_exact; ///< the arranged points, where they would crowd a cell
+    PlaceTree m_tree; ///< the same ones, when a place is asked for where none of them stands
     PointCells m_cells; ///< the other points
     SortedRuns m_order; ///< the points that are not arranged; completed when a tie asks for it
     int m_ordered = 0; ///< so many points at the front are arranged or in m_order

@@ -1,7 +1,5 @@
 #include "geometry/pointcells.h"
 
-#include <QRandomGenerator>
-
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -25,15 +23,11 @@ constexpr size_t leastSlots = 1024;
 /// number to the next.
 constexpr double cellLimit = 9007199254740992.0;
 
-constexpr quint64 lowHalf = 0xFFFFFFFFU;
-
 } // namespace
 
 PointCells::PointCells()
 {
     startAt(0);
-    QRandomGenerator::system()->fillRange(m_key.data(), static_cast<qsizetype>(m_key.size()));
-    m_key.back() |= 1;
 }
 
 void PointCells::startAt(int index)
@@ -77,16 +71,6 @@ quint64 PointCells::cellCoordinate(double value, double cellsPerUnit)
     return bits;
 }
 
-quint64 PointCells::hashOf(quint64 cellX, quint64 cellY) const
-{
-    // Sums of products of keyed halves: whatever two cells a file holds, few keys let them collide.
-    const quint64 forX = ((cellX + m_key[0]) & lowHalf) * (((cellX >> 32) + m_key[1]) & lowHalf);
-    const quint64 forY = ((cellY + m_key[2]) & lowHalf) * (((cellY >> 32) + m_key[3]) & lowHalf);
-    const quint64 sum = forX + forY;
-    const quint64 hash = (sum ^ (sum >> 32)) * m_key[4];
-    return hash ^ (hash >> 32);
-}
-
 size_t PointCells::slotOf(quint64 hash) const
 {
     const quint32 tag = tagOf(hash);
@@ -103,7 +87,7 @@ int PointCells::link(const QVector<DefPoint>& points, int index)
     if (!std::isfinite(point.x) || !std::isfinite(point.y))
         return 0;
     const quint64 hash =
-        hashOf(cellCoordinate(point.x, m_cellsPerUnit), cellCoordinate(point.y, m_cellsPerUnit));
+        m_hash(cellCoordinate(point.x, m_cellsPerUnit), cellCoordinate(point.y, m_cellsPerUnit));
     Slot& slot = m_slots[slotOf(hash)];
     m_usedSlots += slot.head < 0 ? 1 : 0;
     slot.tag = tagOf(hash) & 0xFFFFFF;

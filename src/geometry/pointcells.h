@@ -1,6 +1,7 @@
 #pragma once
 
 #include "geometry/defpoint.h"
+#include "geometry/placehash.h"
 
 #include <QVector>
 
@@ -27,18 +28,19 @@ public:
     /// places. False, and nothing is held for sure, when too many share one of the smallest cells.
     bool add(const QVector<DefPoint>& points, int end);
 
-    /// Has the memory fetched where the cell of a place is looked up, and with expectPoint() that
-    /// of its first point among `points`.
-    void expect(double x, double y) const
-    {
-        if (!m_slots.empty())
-            __builtin_prefetch(&m_slots[firstSlot(x, y)]);
-    }
-    void expectPoint(const DefPoint* points, double x, double y) const
+    /// Has the memory fetched where the cell of a place is looked up; with what it gives,
+    /// expectPoint() does so with the first point of the cell among `points`.
+    size_t expect(double x, double y) const
     {
         if (m_slots.empty())
-            return;
-        const int head = m_slots[firstSlot(x, y)].head;
+            return 0;
+        const size_t slot = firstSlot(x, y);
+        __builtin_prefetch(&m_slots[slot]);
+        return slot;
+    }
+    void expectPoint(const DefPoint* points, size_t slot) const
+    {
+        const int head = slot < m_slots.size() ? m_slots[slot].head : -1;
         if (head >= 0)
             __builtin_prefetch(points + head);
     }
@@ -52,7 +54,7 @@ public:
         const CellSpan rows(y, m_cellsPerUnit);
         for (const quint64 cellX : CellSpan(x, m_cellsPerUnit)) {
             for (const quint64 cellY : rows)
-                visitChain(m_slots[slotOf(hashOf(cellX, cellY))], visit);
+                visitChain(m_slots[slotOf(m_hash(cellX, cellY))], visit);
         }
     }
 
@@ -93,7 +95,6 @@ private:
     }
 
     static quint64 cellCoordinate(double value, double cellsPerUnit);
-    quint64 hashOf(quint64 cellX, quint64 cellY) const;
     /// The part of a hash that tells cells in the same neighbourhood of the table apart; two that
     /// share it only share their chain.
     static quint32 tagOf(quint64 hash) { return static_cast<quint32>(hash >> 40); }
@@ -101,7 +102,7 @@ private:
     {
         const quint64 cellX = cellCoordinate(x, m_cellsPerUnit);
         const quint64 cellY = cellCoordinate(y, m_cellsPerUnit);
-        return static_cast<size_t>(hashOf(cellX, cellY)) & (m_slots.size() - 1);
+        return static_cast<size_t>(m_hash(cellX, cellY)) & (m_slots.size() - 1);
     }
     size_t slotOf(quint64 hash) const;
     bool isHalfFull() const { return m_usedSlots * 2 >= m_slots.size(); }
@@ -110,7 +111,7 @@ private:
     int link(const QVector<DefPoint>& points, int index);
     void relink(const QVector<DefPoint>& points, size_t slotCount);
 
-    std::array<quint64, 5> m_key;
+    PlaceHash m_hash;
     double m_cellsPerUnit;
     std::vector<Slot> m_slots; ///< open addressing; the size is a power of two
     size_t m_usedSlots = 0;

@@ -22,25 +22,22 @@ bool isHigh(char c)
 /// where there is none.
 const char* findSpecial(const char* begin, const char* end)
 {
-    constexpr quint64 ones = 0x0101010101010101ULL;
-    constexpr quint64 highBits = ones * 0x80;
-    constexpr quint64 carriageReturns = ones * '\r';
-    const auto isSpecial = [end](const char* it) {
-        return isHigh(*it) || (*it == '\r' && (it + 1 == end || it[1] != '\n'));
-    };
+    // Nothing ends the inner loop early, so that many bytes are looked at in one step.
+    constexpr int stretch = 32;
+    constexpr uchar highBit = 0x80;
     const char* it = begin;
-    for (; end - it >= 8; it += 8) {
-        quint64 word;
-        std::memcpy(&word, it, sizeof word);
-        // Marks the bytes that are carriage returns; where one is high, the mark does not matter.
-        const quint64 returns = ((word ^ carriageReturns) - ones) & ~(word ^ carriageReturns);
-        if (((word | returns) & highBits) == 0)
-            continue;
-        const char* const found =
-            std::find_if(it, it + 8, [&](const char& c) { return isSpecial(&c); });
-        if (found != it + 8)
-            return found;
+    for (; end - it > stretch; it += stretch) {
+        uchar found = 0;
+        for (int i = 0; i < stretch; ++i) {
+            const bool isAlone = (it[i] == '\r') & (it[i + 1] != '\n');
+            found = static_cast<uchar>(found | (static_cast<uchar>(it[i]) & highBit) | isAlone);
+        }
+        if (found != 0)
+            break;
     }
+    const auto isSpecial = [end](const char* byte) {
+        return isHigh(*byte) || (*byte == '\r' && (byte + 1 == end || byte[1] != '\n'));
+    };
     while (it != end && !isSpecial(it))
         ++it;
     return it;

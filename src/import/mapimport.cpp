@@ -2,14 +2,9 @@
 
 #include "geometry/designation.h"
 
-#include <QPointF>
-
 #include <utility>
 
 namespace {
-
-/// So many vertices are named at once.
-constexpr int mostUnnamed = 16;
 
 /// The observer of imports that were given no other.
 ImportObserver messagesOnly;
@@ -108,8 +103,8 @@ void MapImport::appendVert(double x, double y, bool closing)
     contour.append(std::move(vertex));
     if (closing)
         return;
-    points.expect(x, y);
-    if (++m_unnamed == mostUnnamed)
+    m_expected[m_unnamed++] = points.expect(x, y);
+    if (m_unnamed == mostUnnamed)
         nameVertices();
 }
 
@@ -119,15 +114,10 @@ void MapImport::nameVertices()
         return;
     DefPoint* const end = map->last().contours.last().end();
     DefPoint* const begin = end - m_unnamed;
-    const auto placeOf = [this](const DefPoint& vertex) {
-        const QPointF place(vertex.x, vertex.y);
-        return swapXY ? place.transposed() : place;
-    };
-    for (const DefPoint* vertex = begin; vertex != end; ++vertex)
-        points.expectPoint(placeOf(*vertex).x(), placeOf(*vertex).y());
+    for (size_t i = 0; i < m_unnamed; ++i)
+        points.expectPoint(m_expected[i]);
     for (DefPoint* vertex = begin; vertex != end; ++vertex) {
-        const QPointF place = placeOf(*vertex);
-        vertex->def = vertexDef(place.x(), place.y());
+        vertex->def = swapXY ? vertexDef(vertex->y, vertex->x) : vertexDef(vertex->x, vertex->y);
         --m_unnamed;
     }
 }
@@ -138,7 +128,7 @@ void MapImport::dropUnnamed()
     if (m_unnamed == 0)
         return;
     QVector<DefPoint>& contour = map->last().contours.last();
-    contour.resize(contour.size() - std::exchange(m_unnamed, 0));
+    contour.resize(contour.size() - static_cast<int>(std::exchange(m_unnamed, 0)));
 }
 
 void MapImport::setLastPolygonDef(const QString& def)

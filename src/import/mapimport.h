@@ -11,6 +11,8 @@
 #include <QTextCodec>
 #include <QVector>
 
+#include <array>
+
 /// The base of the file readers: files, passes, and the operations that build objects.
 ///
 /// An importer serves one run of importMap():
@@ -88,7 +90,11 @@ private:
     QString vertexDef(double x, double y);
     void dropUnnamed();
 
-    int m_unnamed = 0; ///< so many vertices at the end of the last contour have no names yet
+    /// So many vertices are named at once.
+    static constexpr size_t mostUnnamed = 16;
+
+    size_t m_unnamed = 0; ///< so many vertices at the end of the last contour have no names yet
+    std::array<size_t, mostUnnamed> m_expected{}; ///< what the catalogue has fetched for them
     QLatin1String m_entity;
     int m_entityLine = 0;
 };

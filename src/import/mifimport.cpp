@@ -24,7 +24,7 @@ bool MifImport::readTokenizeMifLine(bool split)
     return !line.isEmpty();
 }
 
-void MifImport::tokenize(int maxTokens)
+void MifImport::tokenize(size_t maxTokens)
 {
     tokens.clear();
     line.visit([&](auto it, auto end) {
@@ -34,19 +34,19 @@ void MifImport::tokenize(int maxTokens)
             if (it == end)
                 return;
             const auto tokenEnd = std::find_if(it, end, isSpace);
-            tokens.append(TextView::between(it, tokenEnd));
+            tokens.push_back(TextView::between(it, tokenEnd));
             it = tokenEnd;
         }
     });
 }
 
-double MifImport::tokenToDouble(int index, bool* ok) const
+double MifImport::tokenToDouble(size_t index, bool* ok) const
 {
     *ok = false;
     return index < tokens.size() ? toDouble(tokens.at(index), ok) : 0;
 }
 
-int MifImport::tokenToInt(int index, bool* ok) const
+int MifImport::tokenToInt(size_t index, bool* ok) const
 {
     *ok = false;
     return index < tokens.size() ? toInt(tokens.at(index), ok) : 0;
@@ -64,7 +64,7 @@ bool MifImport::readCount(int least, int* count)
 
 bool MifImport::isHeaderLine(QLatin1String keyword) const
 {
-    return tokens.size() == 2 && isMifKeyword(tokens.first(), keyword);
+    return tokens.size() == 2 && isMifKeyword(tokens.front(), keyword);
 }
 
 bool MifImport::checkMifFile()
@@ -126,7 +126,7 @@ bool MifImport::scanObjects(ObjectHandler handle)
         line = in.readLine();
         tokenize(1);
         const MifObjectKind* const kind =
-            tokens.isEmpty() ? nullptr : mifObjectKind(tokens.first());
+            tokens.empty() ? nullptr : mifObjectKind(tokens.front());
         if (!kind)
             continue;
         tokenize();
@@ -215,7 +215,7 @@ bool MifImport::readPoint()
 bool MifImport::readLine()
 {
     double coordinates[4];
-    for (int i = 0; i < 4; ++i) {
+    for (size_t i = 0; i < 4; ++i) {
         bool ok = false;
         coordinates[i] = tokenToDouble(i + 1, &ok);
         if (!ok)

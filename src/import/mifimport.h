@@ -3,7 +3,7 @@
 #include "import/mapimport.h"
 #include "import/midfile.h"
 
-#include <QVarLengthArray>
+#include <vector>
 
 struct MifObjectKind;
 
@@ -42,12 +42,12 @@ protected:
     bool readVert(bool closing);
 
     TextView line; ///< the last MIF line read, trimmed
-    QVarLengthArray<TextView, 8> tokens; ///< the first ones of `line`, parted by white space
+    std::vector<TextView> tokens; ///< the first ones of `line`, parted by white space
     MidFile mid; ///< the rows of the objects; not open when no designations are wanted
 
 private:
     /// A LINE has the most tokens that are looked at: the keyword and four coordinates.
-    static constexpr int mostTokens = 5;
+    static constexpr size_t mostTokens = 5;
 
     /// What a pass does with an object of the given kind that starts on the current line.
     using ObjectHandler = bool (MifImport::*)(const MifObjectKind& kind);
@@ -60,9 +60,9 @@ private:
     bool isMultiple() const;
     bool nameObject();
     bool failAtMidRow(FailureKind kind);
-    void tokenize(int maxTokens = mostTokens);
+    void tokenize(size_t maxTokens = mostTokens);
     bool isHeaderLine(QLatin1String keyword) const;
-    double tokenToDouble(int index, bool* ok) const;
-    int tokenToInt(int index, bool* ok) const;
+    double tokenToDouble(size_t index, bool* ok) const;
+    int tokenToInt(size_t index, bool* ok) const;
     bool readCount(int least, int* count);
 };

@@ -3,6 +3,20 @@
 #include <algorithm>
 #include <iterator>
 
+namespace {
+
+/// Whether the size of a token and its first letter are those of a keyword, as far as they tell.
+bool mayBe(TextView token, QLatin1String keyword)
+{
+    if (!token.isAscii())
+        return true;
+    constexpr char caseBit = 'a' ^ 'A';
+    return token.size() == keyword.size()
+        && (*token.ascii() | caseBit) == (*keyword.data() | caseBit);
+}
+
+} // namespace
+
 bool isMifKeyword(TextView token, QLatin1String keyword)
 {
     return token.isAscii() ? token.equalsIgnoringCase(keyword)
@@ -27,8 +41,7 @@ const MifObjectKind* mifObjectKind(TextView token)
     };
     const auto found =
         std::find_if(std::begin(kinds), std::end(kinds), [token](const MifObjectKind& kind) {
-            const bool mayBe = !token.isAscii() || token.size() == kind.name.size();
-            return mayBe && isMifKeyword(token, kind.name);
+            return mayBe(token, kind.name) && isMifKeyword(token, kind.name);
         });
     return found == std::end(kinds) ? nullptr : found;
 }

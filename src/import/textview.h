@@ -14,20 +14,19 @@ public:
     constexpr TextView() = default;
     constexpr TextView(const char* ascii, qsizetype size)
         : m_data(ascii)
-        , m_size(size)
+        , m_sizeAndKind(static_cast<size_t>(size) * 2 + asciiBit)
     {
     }
     TextView(QStringView characters)
         : m_data(characters.data())
-        , m_size(characters.size())
-        , m_isAscii(false)
+        , m_sizeAndKind(static_cast<size_t>(characters.size()) * 2)
     {
     }
 
     constexpr bool isNull() const { return !m_data; }
-    constexpr bool isEmpty() const { return m_size == 0; }
-    constexpr qsizetype size() const { return m_size; }
-    constexpr bool isAscii() const { return m_isAscii; }
+    constexpr bool isEmpty() const { return size() == 0; }
+    constexpr qsizetype size() const { return static_cast<qsizetype>(m_sizeAndKind / 2); }
+    constexpr bool isAscii() const { return (m_sizeAndKind & asciiBit) != 0; }
     const void* data() const { return m_data; }
     /// The bytes of an ASCII text.
     const char* ascii() const { return static_cast<const char*>(m_data); }
@@ -38,8 +37,8 @@ public:
     template <typename Function>
     auto visit(Function&& function) const
     {
-        return m_isAscii ? function(ascii(), ascii() + m_size)
-                         : function(characters(), characters() + m_size);
+        return isAscii() ? function(ascii(), ascii() + size())
+                         : function(characters(), characters() + size());
     }
 
     /// The part between two of the pointers that visit() hands out.
@@ -55,9 +54,9 @@ public:
     /// The text as a string; null for a null one.
     QString toString() const
     {
-        return m_isAscii
-            ? QString::fromLatin1(ascii(), static_cast<int>(m_size))
-            : QString(reinterpret_cast<const QChar*>(m_data), static_cast<int>(m_size));
+        return isAscii()
+            ? QString::fromLatin1(ascii(), static_cast<int>(size()))
+            : QString(reinterpret_cast<const QChar*>(m_data), static_cast<int>(size()));
     }
 
     /// The text without white space around it, as QString::trimmed gives it.
@@ -78,26 +77,29 @@ public:
     /// Whether the text is this ASCII one.
     friend bool operator==(TextView text, QLatin1String ascii)
     {
-        if (text.m_size != ascii.size())
+        if (text.size() != ascii.size())
             return false;
-        if (text.m_isAscii)
-            return std::memcmp(text.m_data, ascii.data(), static_cast<size_t>(ascii.size())) == 0;
-        return QStringView(text.characters(), text.m_size) == ascii;
+        if (text.isAscii())
+            return std::memcmp(text.m_data, ascii.data(), static_cast<size_t>(text.size())) == 0;
+        return QStringView(text.characters(), text.size()) == ascii;
     }
     friend bool operator!=(TextView text, QLatin1String ascii) { return !(text == ascii); }
 
     /// Whether the text is this ASCII one, ignoring case.
     bool equalsIgnoringCase(QLatin1String other) const
     {
-        if (!m_isAscii)
-            return QStringView(characters(), m_size).compare(other, Qt::CaseInsensitive) == 0;
-        return m_size == other.size()
-            && qstrnicmp(ascii(), other.data(), static_cast<uint>(m_size)) == 0;
+        if (!isAscii())
+            return QStringView(characters(), size()).compare(other, Qt::CaseInsensitive) == 0;
+        return size() == other.size()
+            && qstrnicmp(ascii(), other.data(), static_cast<uint>(size())) == 0;
     }
 
 private:
+    static constexpr size_t asciiBit = 1;
+
+    // Two words, which are handed over in registers.
     const void* m_data = nullptr;
-    qsizetype m_size = 0; ///< in bytes or characters
-    bool m_isAscii = true;
+    size_t m_sizeAndKind = asciiBit; ///< twice the size, in bytes or characters, and the bit
 };
+static_assert(sizeof(TextView) == 16);
 Q_DECLARE_TYPEINFO(TextView, Q_PRIMITIVE_TYPE);

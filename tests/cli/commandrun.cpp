@@ -60,6 +60,18 @@ CommandRun runShell(const QString& script, const QString& folder)
     return waitFor(process);
 }
 
+void waitForOpening(const QProcess& process)
+{
+    const QString place = QStringLiteral("/proc/%1/wchan").arg(process.processId());
+    const bool seen = QTest::qWaitFor(
+        [&place] {
+            QFile file(place);
+            return file.open(QIODevice::ReadOnly) && file.readAll() == "wait_for_partner";
+        },
+        3000);
+    Q_UNUSED(seen)
+}
+
 bool canOpenTerminal()
 {
     return runShell(QStringLiteral("script -qec true /dev/null"), QDir::currentPath()).status == 0;

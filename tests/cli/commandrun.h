@@ -33,6 +33,9 @@ CommandRun runCommand(const QStringList& arguments, const QString& folder);
 /// Runs a line of shell in `folder`; $CLI is the command.
 CommandRun runShell(const QString& script, const QString& folder);
 
+/// Waits until a process sleeps in the opening of a pipe, as far as the system tells.
+void waitForOpening(const QProcess& process);
+
 /// Whether a program can be run on a terminal of its own here.
 bool canOpenTerminal();
 

@@ -43,19 +43,6 @@ public:
     }
 };
 
-/// Waits until a process sleeps in the opening of a pipe, as far as the system tells.
-void waitForOpening(const QProcess& process)
-{
-    const QString place = QStringLiteral("/proc/%1/wchan").arg(process.processId());
-    const bool seen = QTest::qWaitFor(
-        [&place] {
-            QFile file(place);
-            return file.open(QIODevice::ReadOnly) && file.readAll() == "wait_for_partner";
-        },
-        3000);
-    Q_UNUSED(seen)
-}
-
 } // namespace
 
 class TestCliFaults : public QObject {

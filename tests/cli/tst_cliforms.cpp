@@ -1,6 +1,8 @@
 #include "commandrun.h"
+#include "samples.h"
 #include "support/tempfiles.h"
 
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -126,7 +128,105 @@ private slots:
         QCOMPARE(prepared.out, shell(QStringLiteral("$CLI convert ") + files).out);
     }
 
+    void orientation_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<bool>("northUpIsUsual");
+        QTest::addColumn<bool>("asIsIsUsual");
+        QTest::newRow("northing first")
+            << QByteArray("468214 2213661 468247 2213670") << true << false;
+        QTest::newRow("easting first")
+            << QByteArray("2213661 468214 2213670 468247") << true << true;
+        // Who asks for the north has the northing first.
+        QTest::newRow("untold") << QByteArray("0 0 5 9") << false << true;
+    }
+
+    void orientation()
+    {
+        QFETCH(QByteArray, line);
+        const TempFiles folder;
+        folder.write(QStringLiteral("a.mif"), mifHeader() + "Line " + line + '\n');
+        folder.write(QStringLiteral("a.mid"), "1\n");
+        const auto plan = [&folder](const char* options) {
+            return runCommand(
+                words({ "plan", "-q", "a.mif", "-o", "-", "--to", "svg" }) + words({ options }),
+                folder.path(QString()));
+        };
+        const QByteArray usual = plan("--quiet").out;
+        QVERIFY(usual.startsWith("<?xml"));
+        QTEST(plan("--north-up").out == usual, "northUpIsUsual");
+        QTEST(plan("--as-is").out == usual, "asIsIsUsual");
+        const CommandRun both = runCommand(
+            words({ "plan", "a.mif", "-o", "a.svg", "--north-up", "--as-is" }), folder.path({}));
+        QCOMPARE(both.status, 2);
+        QCOMPARE(both.errorLines().first(),
+            QStringLiteral("importgeometry: --north-up и --as-is вместе не указывают"));
+    }
+
+    void resultsOfOneName_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("files");
+        QTest::newRow("folder") << QStringLiteral("convert in")
+                                << QStringLiteral("a.dxf.xml\na.mif.xml\nb.xml\n");
+        QTest::newRow("subfolders")
+            << QStringLiteral("convert --recursive in")
+            << QStringLiteral("a.dxf.xml\na.mif.xml\nb.xml\nbelow/a.xml\nbelow/b.xml\n");
+        QTest::newRow("side by side") << QStringLiteral("convert -j 2 in/a.dxf in/a.mif")
+                                      << QStringLiteral("a.dxf.xml\na.mif.xml\n");
+        QTest::newRow("one format")
+            << QStringLiteral("convert --format mif in") << QStringLiteral("a.xml\n");
+        QTest::newRow("copies") << QStringLiteral("prepare in")
+                                << QStringLiteral("a.dxf\na.mid\na.mif\nb.dxf\n");
+        QTest::newRow("copies of one name") << QStringLiteral("prepare in/b.dxf in/below/b.DXF")
+                                            << QStringLiteral("b.DXF.dxf\nb.dxf.dxf\n");
+    }
+
+    void resultsOfOneName()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, files);
+        const TempFiles folder;
+        QVERIFY(QDir(folder.path(QString())).mkpath(QStringLiteral("in/below")));
+        writeDrawings(folder);
+        const CommandRun run = runShell(
+            QStringLiteral("$CLI %1 --out-dir out && cd out && find * -type f | LC_ALL=C sort")
+                .arg(command),
+            folder.path(QString()));
+        QCOMPARE(run.status, 0);
+        QCOMPARE(QString::fromUtf8(run.out), files);
+        if (files.contains(QLatin1String("a.dxf.xml")))
+            QVERIFY2(run.err.contains(QStringLiteral("in/a.dxf: записано в out/a.dxf.xml")),
+                qPrintable(run.err));
+    }
+
+    /// Nothing in the names tells these results from one another.
+    void resultsOfOneNameRefused()
+    {
+        const TempFiles folder;
+        QVERIFY(QDir(folder.path(QString())).mkpath(QStringLiteral("in/below")));
+        writeDrawings(folder);
+        const CommandRun run =
+            runShell(QStringLiteral("$CLI convert in/a.dxf in/below/a.dxf --out-dir out"),
+                folder.path(QString()));
+        QCOMPARE(run.status, 2);
+        QCOMPARE(run.errorLines().first(),
+            QStringLiteral("importgeometry: файлы in/a.dxf и in/below/a.dxf дали бы один результат "
+                           "out/a.xml; запишите их в разные папки (--out-dir)"));
+        QVERIFY(!QDir(folder.path(QStringLiteral("out"))).exists());
+    }
+
 private:
+    static void writeDrawings(const TempFiles& folder)
+    {
+        const QByteArray lines =
+            drawing("0\nLINE\n10\n468210\n20\n2213660\n11\n468215\n21\n2213665\n");
+        for (const char* name : { "in/a.dxf", "in/b.dxf", "in/below/a.dxf", "in/below/b.DXF" })
+            folder.write(QLatin1String(name), lines);
+        folder.write(QStringLiteral("in/a.mif"), mifHeader() + "Line 0 0 5 5\n");
+        folder.write(QStringLiteral("in/a.mid"), "1\n");
+    }
+
     CommandRun shell(const QString& script) const
     {
         return runShell(script, m_folder.path(QStringLiteral(".")));

@@ -136,6 +136,38 @@ private slots:
             QStringLiteral("\"У; \"\"1\"\"\",6900.00,760.00\n\"Л\",0.00,5.00\n\"\",0.00,0.00\n"));
     }
 
+    /// Such measures are no numbers in any of the formats; neither do they disturb the others.
+    void hugeMeasures()
+    {
+        const DefPolygon huge{ QStringLiteral("H"),
+            { { { {}, -1e308, -1e308 }, { {}, 1e308, -1e308 }, { {}, 1e308, 1e308 },
+                  { {}, -1e308, 1e308 } },
+                ring(0, 0, 1) } };
+        const auto writeHuge = [&huge](auto write) {
+            QBuffer out;
+            out.open(QIODevice::WriteOnly);
+            write(out, QVector<DefPolygon>{ huge }, QVector<Shape>{ Shape::Area });
+            return out.data();
+        };
+        const QByteArray json =
+            writeHuge([](QIODevice& out, const auto& objects, const auto& shapes) {
+                writeGeoJson(out, objects, shapes, {});
+            });
+        QVERIFY(!QJsonDocument::fromJson(json).isNull());
+        QVERIFY(json.contains(R"("area":null,"perimeter":null)"));
+        const QByteArray csv =
+            writeHuge([](QIODevice& out, const auto& objects, const auto& shapes) {
+                writeCsv(out, objects, shapes, {});
+            });
+        QVERIFY(csv.contains("H,2,1,1,0,0,,\r\n"));
+        QBuffer mid;
+        mid.open(QIODevice::WriteOnly);
+        writeHuge([&mid](QIODevice& out, const auto& objects, const auto& shapes) {
+            writeMif(out, mid, objects, shapes, {});
+        });
+        QCOMPARE(mid.data(), QByteArray("\"H\",,\n"));
+    }
+
     void readBack_data()
     {
         QTest::addColumn<QString>("name");

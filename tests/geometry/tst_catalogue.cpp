@@ -302,6 +302,9 @@ void TestCatalogue::likeTheSortedVector_data()
     row("crowded cells", { crowded, rows, 9000, 6000 });
     row("crowded smallest cells",
         { lattice(1.0 / 65536, 900), sometimes({ 5 }, 2, always(0)), 9000, 6000 });
+    row("crowded, close to an axis and on it",
+        { lattice(1.0 / 65536, 900),
+            sometimes({ 1e-99, -1e-101, 1e-120, 1e-170, -0.0 }, 2, always(0)), 9000, 4000, 3 });
     row("on the borders of cells", { lattice(1.0 / 32, 40, -0.5), lattice(1.0 / 64, 80), 0, 9000 });
     row("crowded cells at random", { anywhere(0, 0.25), anywhere(0, 0.25), 5000, 5000 });
     row("crowded cells and far points",

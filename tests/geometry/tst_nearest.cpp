@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <limits>
 
@@ -24,6 +25,10 @@ private slots:
     void likeTheSearch_data();
     void likeTheSearch();
     void manyInAColumn();
+    void arcsLikeTheSearch_data();
+    void arcsLikeTheSearch();
+    void manyOnACircle();
+    void manyClosingIn();
     void manyAtOneDistance_data();
     void manyAtOneDistance();
     void knowsSorted_data();
@@ -34,6 +39,7 @@ namespace {
 
 using Points = QVector<DefPoint>;
 using Coordinate = std::function<double(Random&)>;
+using Place = std::function<QPointF(Random&)>;
 
 int indexOf(const Points& points, const DefPoint* point)
 {
@@ -74,9 +80,18 @@ void putInOrder(Points& points, int order)
     }
 }
 
+constexpr double fullTurn = 6.283185307179586;
+
+QPointF onCircle(double turns, double radius, const QPointF& centre = {})
+{
+    const double angle = turns * fullTurn;
+    return centre + QPointF(std::cos(angle), std::sin(angle)) * radius;
+}
+
 } // namespace
 
 Q_DECLARE_METATYPE(Coordinate)
+Q_DECLARE_METATYPE(Place)
 
 void TestNearest::finds_data()
 {
@@ -287,6 +302,121 @@ void TestNearest::manyInAColumn()
         const QPointF query(i % 2 ? 7.25 : 6.75, i + 0.25);
         QCOMPARE(indexOf(sorted.points(), sorted.find(query)), i);
         QCOMPARE(indexOf(any.points(), any.find(query)), i);
+    }
+}
+
+void TestNearest::arcsLikeTheSearch_data()
+{
+    QTest::addColumn<Place>("label");
+    QTest::addColumn<Place>("query");
+
+    const auto circle = [](double radius, double thickness, const QPointF& centre) -> Place {
+        return [=](Random& r) {
+            return onCircle(r.between(0, 1), radius * (1 + thickness * r.between(0, 1)), centre);
+        };
+    };
+    const auto near = [](double distance, const QPointF& centre) -> Place {
+        return [=](Random& r) {
+            return onCircle(r.between(0, 1), distance * r.between(0, 1), centre);
+        };
+    };
+    const auto onLine = [](double slope) -> Place {
+        return [=](Random& r) {
+            const double x = r.below(1 << 16) / 64.0;
+            return QPointF(x, x * slope);
+        };
+    };
+    const QPointF city(503218.25, 6172301.5);
+    for (const double distance :
+        { 0.0, 1e-170, 1e-17, 1e-15, 1e-12, 1e-6, 1e-3, 0.5, 0.999, 2.0, 1e4, 1e9, 1e17, 1e160 }) {
+        QTest::addRow("a circle, queries within %g", distance)
+            << circle(1, 0, {}) << near(distance, {});
+    }
+    for (const double distance : { 0.0, 1e-9, 1e-3, 10.0, 300.0 }) {
+        QTest::addRow("a circle far from the origin, queries within %g", distance)
+            << circle(250, 0, city) << near(distance, city);
+    }
+    QTest::newRow("a ring") << circle(250, 0.01, {}) << near(3, {});
+    QTest::newRow("a disc") << circle(250, -1, {}) << near(300, {});
+    QTest::newRow("circles inside each other")
+        << Place([](Random& r) { return onCircle(r.below(1 << 12) / 4096.0, 1 + r.below(3)); })
+        << near(2, {});
+    QTest::newRow("a small circle beside a large one") << Place([](Random& r) {
+        return r.oneIn(2) ? onCircle(r.between(0, 1), 1e-6, { 1000, 1 })
+                          : onCircle(r.between(0, 1), 1000);
+    }) << near(1e-3, { 1, 1 });
+    QTest::newRow("a circle of hardly any size") << circle(1e-150, 0, {}) << near(1e-155, {});
+    QTest::newRow("a circle of hardly finite size") << circle(1e150, 0, {}) << near(1e140, {});
+    QTest::newRow("a few places of a circle")
+        << Place([](Random& r) { return onCircle(r.below(12) / 12.0, 5); }) << near(1e-3, {});
+    for (const double distance : { 1.0, 1e3, 1e6, 1e8, 1e11, 1e15, 1e18 }) {
+        QTest::addRow("a line at an angle, queries at %g", distance)
+            << onLine(-1) << near(500, { distance, distance });
+    }
+    QTest::newRow("a line, queries on both sides") << onLine(0.5) << Place([](Random& r) {
+        const double side = r.oneIn(2) ? 1e4 : -1e4;
+        return QPointF(-side + r.between(0, 1), 2 * side);
+    });
+    QTest::newRow("a parabola") << Place([](Random& r) {
+        const double x = r.between(-1, 1);
+        return QPointF(x, x * x);
+    }) << near(1e-3, { 0, 0.5 });
+}
+
+void TestNearest::arcsLikeTheSearch()
+{
+    QFETCH(Place, label);
+    QFETCH(Place, query);
+    Random random(31);
+    QVector<QPointF> places;
+    for (int i = 0; i < 2000; ++i)
+        places.append(label(random));
+    const Points unsorted = pointsAt(places);
+    Points points = unsorted;
+    sortPoints(points);
+    const NearestIndex sorted(points);
+    const SequenceIndex any(unsorted);
+    QVector<QPointF> queries;
+    for (int i = 0; i < 250; ++i) {
+        queries.append(query(random));
+        queries.append(random.pick(queries)); // again, now that its answer may be known
+        const QPointF& asked = queries.at(queries.size() - 1 - i % 2);
+        QCOMPARE(
+            indexOf(sorted.points(), sorted.find(asked)), literal::findNearestPoint(points, asked));
+        QCOMPARE(
+            indexOf(any.points(), any.find(asked)), literal::findNearestPoint(unsorted, asked));
+    }
+}
+
+/// The label towards which an object lies from the centre is the nearest one.
+void TestNearest::manyOnACircle()
+{
+    constexpr int count = 50000;
+    Points points;
+    for (int i = 0; i < count; ++i) {
+        const QPointF place = onCircle(double(i) / count, 1000);
+        points.append(DefPoint{ QString::number(i), place.x(), place.y() });
+    }
+    sortPoints(points);
+    const NearestIndex index(points);
+    for (int i = 0; i < count; ++i) {
+        const QPointF query = onCircle(double(i) / count, i % 2 ? 1e-3 : 1);
+        QCOMPARE(index.find(query)->def, QString::number(i));
+        QVERIFY(index.find(QPointF(0, 0)));
+    }
+}
+
+/// The last of the labels stands nearest, and none before it ends the search.
+void TestNearest::manyClosingIn()
+{
+    constexpr int count = 50000;
+    Points points;
+    for (int i = 0; i < count; ++i)
+        points.append(DefPoint{ QString(), double(i % 2 ? i - count : count - i), 0 });
+    const SequenceIndex any(points);
+    for (int i = 0; i < count; ++i) {
+        const QPointF query(i % 2 ? -1e-9 * i : 1e-9 * i, 0);
+        QCOMPARE(indexOf(any.points(), any.find(query)), count - 1);
     }
 }
 

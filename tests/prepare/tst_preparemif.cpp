@@ -73,6 +73,7 @@ ImportOutcome import(const PreparedPair& pair)
     ImportOptions options = prefixed();
     options.searchPointDefs = true;
     options.searchObjectDefs = true;
+    options.encoding = pair.report.encoding;
     files.write(QStringLiteral("a.mid"), pair.mid);
     return importFiles<MifImport>(options, files.write(QStringLiteral("a.mif"), pair.mif));
 }
@@ -159,6 +160,12 @@ void TestPrepareMif::headers_data()
     QTest::newRow("charset with a control character") << QByteArray(
         "Version 300\nCharset \"Neu\ftral\"\nDelimiter \",\"\nColumns 1\n  a Char(9)\n"
         "Data\n") << one("mif-header");
+    QTest::newRow("data with a blank that is not ASCII") << QByteArray(
+        "Version 300\nCharset \"Neutral\"\nDelimiter \",\"\nData\xA0\nLine 5 5 6 6\n"
+        "Columns 1\n  a Char(9)\nData\n") << QStringList();
+    QTest::newRow("data with a carriage return in it") << QByteArray(
+        "Version 300\nCharset \"Neutral\"\nDelimiter \",\"\nDa\rta\nLine 5 5 6 6\n"
+        "Columns 1\n  a Char(9)\nData\n") << QStringList();
     QTest::newRow("semicolon") << QByteArray(
         "Version 300\nCharset \"Neutral\"\nDelimiter \";\"\nColumns 1\n  a Char(9)\nDATA\n")
                                << QStringList();
@@ -207,6 +214,17 @@ void TestPrepareMif::lines_data()
         "Region 2\n  3\n0 0\n1 1\n0 0\n  3\n2 2\n3 3\n2 2\n");
     row("blank line between vertices", "Pline 2\n0 0\n\n1 1\n", "Pline 2\n0 0\n1 1\n");
     row("two vertices on a line", "Pline 3\n0 0 1 1\n2 2\n", "Pline 3\n0 0\n1 1\n2 2\n");
+    // A no-break space parts words, too.
+    row("a clause that reads as an object",
+        "Pline 2\n0 0\n1 1\n    Pen (1,2,0)\nLine\xA0 5 5 6 6\n",
+        "Pline 2\n0 0\n1 1\n    Pen (1,2,0)\n");
+    row("a clause with a carriage return in it",
+        "Pline 2\n0 0\n1 1\n    Pen (1,2,0)\r\nLi\rne 5 5 6 6\n",
+        "Pline 2\n0 0\n1 1\n    Pen (1,2,0)\n");
+    row("a text of several lines", "Text \"a\nLine 0 0 1 1\r\nb\"\n 0 0 1 1\n",
+        "Text \"a\\nLine 0 0 1 1\\nb\"\n    0 0 1 1\n");
+    row("a text that is missing", "Text\n 0 0 1 1\nNone\nText\n\"a\" 0 0 1 1\n",
+        "None\nText\n\"a\"\n    0 0 1 1\n");
     row("multiple with one section", "Pline Multiple 1\n  2\n0 0\n1 1\n", "Pline 2\n0 0\n1 1\n");
 }
 
