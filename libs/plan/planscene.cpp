@@ -17,7 +17,7 @@ constexpr double detail = 1; ///< shorter steps are not seen
 constexpr double speckSize = 3; ///< smaller objects have no shape
 constexpr double namedSize = 14; ///< smaller objects have no room for a name
 constexpr int mostNames = 300; ///< of objects, and of points
-constexpr int crowded = 5000; ///< more places than these are drawn without smooth edges
+constexpr int crowded = 4000; ///< more places than these are drawn without smooth edges
 constexpr int mostDots = 1200;
 constexpr double chosenWidth = 2.5;
 
