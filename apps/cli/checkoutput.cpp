@@ -1,32 +1,15 @@
 #include "checkoutput.h"
 
-#include "console.h"
 #include "survey/causes.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 
 namespace {
-
-/// The text of a document; what would steer a terminal is escaped, as controls below the space are
-/// in all JSON.
-QByteArray toText(const QJsonObject& report, QJsonDocument::JsonFormat format)
-{
-    const QString text = QString::fromUtf8(QJsonDocument(report).toJson(format));
-    QString escaped;
-    for (const QChar c : text) {
-        if (c != QLatin1Char('\n') && !c.isSurrogate() && isDeceptive(c.unicode()))
-            escaped += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
-        else
-            escaped += c;
-    }
-    return escaped.trimmed().toUtf8();
-}
 
 /// The text of a report as an element of an array.
 QByteArray asElement(const QJsonObject& report)
 {
-    QByteArray text = "    " + toText(report, QJsonDocument::Indented);
+    QByteArray text = "    " + jsonText(QJsonDocument(report), QJsonDocument::Indented).trimmed();
     return text.replace("\n", "\n    ");
 }
 
@@ -46,7 +29,7 @@ constexpr struct {
 CheckOutput::CheckOutput(CheckForm form, int total)
     : m_form(form)
     , m_total(total)
-    , m_out(QStringLiteral("-"))
+    , m_out(standardOutput)
 {
 }
 
@@ -66,7 +49,7 @@ void CheckOutput::add(const QJsonObject& report, const QString& text)
         write(asElement(report));
         break;
     case CheckForm::JsonLines:
-        write(toText(report, QJsonDocument::Compact) + '\n');
+        write(jsonText(QJsonDocument(report), QJsonDocument::Compact) + '\n');
         break;
     case CheckForm::Summary:
         count(report);

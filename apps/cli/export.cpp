@@ -67,7 +67,7 @@ ExportTask readExportTask(const QCommandLineParser& parser)
     task.tasks = readImportTasks(parser);
     task.telling = readTelling(parser);
     task.target = parser.isSet(QStringLiteral("output")) ? parser.value(QStringLiteral("output"))
-                                                         : QStringLiteral("-");
+                                                         : standardOutput;
     task.format = readExportFormat(parser, task.target);
     const QString locale = parser.value(QStringLiteral("locale"));
     if (locale != QLatin1String("c") && locale != QLatin1String("ru")) {

@@ -52,7 +52,7 @@ public:
 
 void printOut(const QString& text)
 {
-    OutputFile out(QStringLiteral("-"));
+    OutputFile out(standardOutput);
     out.write(text.toLocal8Bit());
     out.commit();
 }

@@ -78,25 +78,10 @@ std::unique_ptr<QFileDevice> openOutput(const QString& fileName, bool replaced)
         auto file = std::make_unique<QSaveFile>(fileName);
         return file->open(mode) ? std::move(file) : nullptr;
     }
-    const bool isStandard = fileName == QLatin1String("-");
+    const bool isStandard = fileName == standardOutput;
     auto file = std::make_unique<QFile>(fileName);
     return (isStandard ? file->open(STDOUT_FILENO, mode) : file->open(mode)) ? std::move(file)
                                                                              : nullptr;
-}
-
-/// The text of a document; what would steer a terminal is escaped, as controls below the space are
-/// in all JSON.
-QByteArray textOf(const QJsonArray& answers)
-{
-    const QString text = QString::fromUtf8(QJsonDocument(answers).toJson());
-    QString escaped;
-    for (const QChar c : text) {
-        if (c != QLatin1Char('\n') && !c.isSurrogate() && isDeceptive(c.unicode()))
-            escaped += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
-        else
-            escaped += c;
-    }
-    return escaped.toUtf8();
 }
 
 } // namespace
@@ -119,7 +104,7 @@ OutputFile::OutputFile(const QString& fileName)
 
 void OutputFile::checkPlace(const QString& fileName)
 {
-    const int error = fileName == QLatin1String("-") ? 0 : placeError(fileName);
+    const int error = fileName == standardOutput ? 0 : placeError(fileName);
     if (error != 0)
         failToOpen(fileName, error);
 }
@@ -128,15 +113,15 @@ OutputFile::~OutputFile() = default;
 
 QString OutputFile::shownName(const QString& fileName)
 {
-    return fileName == QLatin1String("-") ? QStringLiteral("стандартный вывод")
-                                          : QDir::toNativeSeparators(fileName);
+    return fileName == standardOutput ? QStringLiteral("стандартный вывод")
+                                      : QDir::toNativeSeparators(fileName);
 }
 
 bool OutputFile::appearsAtEnd(const QString& fileName)
 {
     // A device or a named pipe must be written to, not be replaced by a file.
     const QFileInfo info(fileName);
-    return fileName != QLatin1String("-") && (!info.exists() || info.isFile() || info.isDir());
+    return fileName != standardOutput && (!info.exists() || info.isFile() || info.isDir());
 }
 
 qint64 OutputFile::bytesWritten()
@@ -154,7 +139,7 @@ void OutputFile::commit()
             m_error = errno != 0 ? errno : EIO;
     }
     // Whoever read the answer has had enough of it: nothing to tell.
-    if (m_error == EPIPE && m_fileName == QLatin1String("-"))
+    if (m_error == EPIPE && m_fileName == standardOutput)
         throw Failure{ Failed, QString() };
     if (m_error != 0)
         fail(m_fileName, QStringLiteral("ошибка записи"), m_error);
@@ -195,9 +180,22 @@ void OutputFile::writeThrough(const char* data, qint64 size)
     totalWritten += size;
 }
 
+QByteArray jsonText(const QJsonDocument& document, QJsonDocument::JsonFormat format)
+{
+    const QString text = QString::fromUtf8(document.toJson(format));
+    QString escaped;
+    for (const QChar c : text) {
+        if (c != QLatin1Char('\n') && !c.isSurrogate() && isDeceptive(c.unicode()))
+            escaped += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+        else
+            escaped += c;
+    }
+    return escaped.toUtf8();
+}
+
 void writeJson(const QJsonArray& answers)
 {
-    OutputFile out(QStringLiteral("-"));
-    out.write(textOf(answers));
+    OutputFile out(standardOutput);
+    out.write(jsonText(QJsonDocument(answers), QJsonDocument::Indented));
     out.commit();
 }

@@ -3,6 +3,7 @@
 #include "interrupt.h"
 
 #include <QIODevice>
+#include <QJsonDocument>
 
 #include <memory>
 #include <optional>
@@ -56,6 +57,10 @@ private:
     QByteArray m_buffer;
     int m_error = 0; ///< errno of the first write that failed
 };
+
+/// The text of a document; what would steer a terminal is escaped, as controls below the space are
+/// in all JSON.
+QByteArray jsonText(const QJsonDocument& document, QJsonDocument::JsonFormat format);
 
 /// Writes a command's answer to standard output.
 void writeJson(const QJsonArray& answers);

@@ -60,7 +60,7 @@ PlanFormat readPlanFormat(const QCommandLineParser& parser, const QString& targe
 {
     const QString to = parser.value(QStringLiteral("to")).toLower();
     const QString suffix = to.isEmpty() ? QFileInfo(target).suffix().toLower() : to;
-    if (target == QLatin1String("-") && to.isEmpty())
+    if (target == standardOutput && to.isEmpty())
         return PlanFormat::Svg;
     if (suffix == QLatin1String("svg"))
         return PlanFormat::Svg;

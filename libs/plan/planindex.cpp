@@ -93,6 +93,13 @@ public:
             append(m_skipped);
     }
 
+    /// Keeps the room of the places for those of the next contour.
+    void startContour()
+    {
+        polygon.resize(0);
+        m_hasSkipped = false;
+    }
+
     QPolygonF polygon;
 
 private:
@@ -252,31 +259,18 @@ int PlanIndex::appendSteps(
     int object, const PlanView& view, double detail, std::vector<QLineF>& steps) const
 {
     int places = 0;
+    Thinned thinned(detail);
     for (const QVector<DefPoint>& contour : m_objects.at(object).contours) {
-        QPointF last;
-        QPointF skipped;
-        bool hasLast = false;
-        bool hasSkipped = false;
         for (const DefPoint& vertex : contour) {
-            if (!isPlace(vertex))
-                continue;
-            const QPointF place = view.toPicture(vertex);
-            hasSkipped = hasLast && std::abs(place.x() - last.x()) < detail
-                && std::abs(place.y() - last.y()) < detail;
-            if (hasSkipped) {
-                skipped = place;
-                continue;
-            }
-            if (hasLast)
-                steps.emplace_back(last, place);
-            last = place;
-            hasLast = true;
-            ++places;
+            if (isPlace(vertex))
+                thinned.add(view.toPicture(vertex));
         }
-        // The last place stays, so that closed contours close.
-        if (hasSkipped)
-            steps.emplace_back(last, skipped);
-        places += hasSkipped ? 1 : 0;
+        thinned.finish();
+        const QPolygonF& polygon = thinned.polygon;
+        for (int i = 1; i < polygon.size(); ++i)
+            steps.emplace_back(polygon.at(i - 1), polygon.at(i));
+        places += polygon.size();
+        thinned.startContour();
     }
     return places;
 }
