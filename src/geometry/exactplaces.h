@@ -30,19 +30,21 @@ public:
         return m_slots[slot];
     }
 
-    /// Has the memory fetched that find() will look at first, and with what it gives that of the
-    /// point that is there.
+    /// Has the memory fetched that find() will look at first, and with what it gives for `count`
+    /// places that of the points that are there.
     size_t expect(double x, double y) const
     {
         const size_t slot = firstSlot(x, y);
         __builtin_prefetch(&m_slots[slot]);
         return slot;
     }
-    void expectPoint(const DefPoint* points, size_t slot) const
+    void expectPoints(const DefPoint* points, const size_t* expected, size_t count) const
     {
-        const int index = slot < m_slots.size() ? m_slots[slot] : -1;
-        if (index >= 0)
-            __builtin_prefetch(points + index);
+        for (size_t i = 0; i < count; ++i) {
+            const int index = expected[i] < m_slots.size() ? m_slots[expected[i]] : -1;
+            if (index >= 0)
+                __builtin_prefetch(points + index);
+        }
     }
     bool isEmpty() const { return m_slots.empty(); }
 

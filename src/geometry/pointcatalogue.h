@@ -39,19 +39,21 @@ public:
     /// The point nearest to (x, y) if it coincides with that place, else null. The pointer holds
     /// until the next change of the catalogue.
     const DefPoint* findCoincident(double x, double y);
+    /// So many places can be expected at once.
+    static constexpr size_t mostExpected = PointCells::mostExpected;
     /// Has the memory fetched that findCoincident() will look at first; a moment later
-    /// expectPoint(), given what came of it, does so with the points that are there. Neither
-    /// changes an answer.
+    /// expectPoints(), given what came of it for `count` places, does so with the points that are
+    /// there. Neither changes an answer.
     size_t expect(double x, double y) const
     {
         return m_exact.isEmpty() ? m_cells.expect(x, y) : m_exact.expect(x, y);
     }
-    void expectPoint(size_t expected) const
+    void expectPoints(const size_t* expected, size_t count) const
     {
         if (m_exact.isEmpty())
-            m_cells.expectPoint(m_points.constData(), expected);
+            m_cells.expectPoints(m_points.constData(), expected, count);
         else
-            m_exact.expectPoint(m_points.constData(), expected);
+            m_exact.expectPoints(m_points.constData(), expected, count);
     }
     /// Adds a point that later searches find. To be called on an arranged catalogue.
     void insert(DefPoint point);

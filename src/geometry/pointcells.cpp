@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace {
 
@@ -14,14 +13,13 @@ constexpr double refinement = 2;
 static_assert(2 * PointCells::reach * smallestCells < 1, "a search touches two cells at most");
 /// So many points may share a cell before cells are refined.
 constexpr int crowd = 8;
+/// Of so many points of a cell the memory is fetched ahead.
+constexpr int mostFetched = 3;
 /// More points than this in one of the smallest cells are better served by a tree.
 constexpr int crowdInSmallest = 32;
 /// What Slot::length can hold.
 constexpr int mostCounted = 255;
 constexpr size_t leastSlots = 1024;
-/// From here on cells would be finer than the numbers themselves, and no search reaches from one
-/// number to the next.
-constexpr double cellLimit = 9007199254740992.0;
 
 } // namespace
 
@@ -42,8 +40,8 @@ void PointCells::startAt(int index)
 
 bool PointCells::add(const QVector<DefPoint>& points, int end)
 {
-    m_next.resize(static_cast<size_t>(end - m_first), -1);
     while (m_end < end) {
+        m_next.push_back(-1);
         if (isHalfFull())
             relink(points, std::max(m_slots.size() * 2, leastSlots));
         const int length = link(points, m_end);
@@ -58,17 +56,23 @@ bool PointCells::add(const QVector<DefPoint>& points, int end)
     return true;
 }
 
-quint64 PointCells::cellCoordinate(double value, double cellsPerUnit)
+void PointCells::expectPoints(const DefPoint* points, const size_t* expected, size_t count) const
 {
-    const double scaled = value * cellsPerUnit;
-    if (std::abs(scaled) < cellLimit) {
-        const auto truncated = static_cast<qint64>(scaled);
-        return static_cast<quint64>(
-            static_cast<double>(truncated) > scaled ? truncated - 1 : truncated);
+    std::array<int, mostExpected> indices{};
+    for (size_t i = 0; i < count; ++i)
+        indices[i] = expected[i] < m_slots.size() ? m_slots[expected[i]].head : -1;
+    // One step for all places at a time: each waits for the one before.
+    for (int step = 0; step < mostFetched; ++step) {
+        for (size_t i = 0; i < count; ++i) {
+            int& index = indices[i];
+            if (step > 0 && index >= 0)
+                index = next(index);
+            if (index < 0)
+                continue;
+            __builtin_prefetch(points + index);
+            __builtin_prefetch(&next(index));
+        }
     }
-    quint64 bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
 }
 
 size_t PointCells::slotOf(quint64 hash) const
@@ -86,8 +90,7 @@ int PointCells::link(const QVector<DefPoint>& points, int index)
     const DefPoint& point = points.at(index);
     if (!std::isfinite(point.x) || !std::isfinite(point.y))
         return 0;
-    const quint64 hash =
-        m_hash(cellCoordinate(point.x, m_cellsPerUnit), cellCoordinate(point.y, m_cellsPerUnit));
+    const quint64 hash = cellHash(point.x, point.y);
     Slot& slot = m_slots[slotOf(hash)];
     m_usedSlots += slot.head < 0 ? 1 : 0;
     slot.tag = tagOf(hash) & 0xFFFFFF;

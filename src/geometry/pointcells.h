@@ -6,7 +6,9 @@
 #include <QVector>
 
 #include <array>
+#include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <vector>
 
 /// A hash of square cells that gives the points near a place.
@@ -28,8 +30,10 @@ public:
     /// places. False, and nothing is held for sure, when too many share one of the smallest cells.
     bool add(const QVector<DefPoint>& points, int end);
 
-    /// Has the memory fetched where the cell of a place is looked up; with what it gives,
-    /// expectPoint() does so with the first point of the cell among `points`.
+    /// So many places can be expected at once.
+    static constexpr size_t mostExpected = 16;
+    /// Has the memory fetched where the cell of a place is looked up. With what it gives for
+    /// `count` places, expectPoints() does so with the first few points of their cells.
     size_t expect(double x, double y) const
     {
         if (m_slots.empty())
@@ -38,12 +42,7 @@ public:
         __builtin_prefetch(&m_slots[slot]);
         return slot;
     }
-    void expectPoint(const DefPoint* points, size_t slot) const
-    {
-        const int head = slot < m_slots.size() ? m_slots[slot].head : -1;
-        if (head >= 0)
-            __builtin_prefetch(points + head);
-    }
+    void expectPoints(const DefPoint* points, const size_t* expected, size_t count) const;
 
     /// Calls `visit` with the index of each point within reach of (x, y), and with some others.
     template <typename Visit>
@@ -71,9 +70,22 @@ private:
     class CellSpan {
     public:
         CellSpan(double value, double cellsPerUnit)
-            : m_cells{ cellCoordinate(value - reach, cellsPerUnit),
-                cellCoordinate(value + reach, cellsPerUnit) }
         {
+            // Most places are so far from the borders of their cell that no rounding matters.
+            constexpr double roundingLimit = 1LL << 40;
+            constexpr double rounding = 1.0 / 1024;
+            const double scaled = value * cellsPerUnit;
+            if (std::abs(scaled) < roundingLimit) {
+                const qint64 cell = floorOf(scaled);
+                const double offset = scaled - static_cast<double>(cell);
+                const double margin = reach * cellsPerUnit + rounding;
+                if (offset > margin && offset < 1 - margin) {
+                    m_cells.fill(static_cast<quint64>(cell));
+                    return;
+                }
+            }
+            m_cells = { cellCoordinate(value - reach, cellsPerUnit),
+                cellCoordinate(value + reach, cellsPerUnit) };
         }
         const quint64* begin() const { return m_cells.data(); }
         const quint64* end() const { return begin() + (m_cells.front() == m_cells.back() ? 1 : 2); }
@@ -94,20 +106,38 @@ private:
             visit(i);
     }
 
-    static quint64 cellCoordinate(double value, double cellsPerUnit);
+    static qint64 floorOf(double value)
+    {
+        const auto truncated = static_cast<qint64>(value);
+        return static_cast<double>(truncated) > value ? truncated - 1 : truncated;
+    }
+    static quint64 cellCoordinate(double value, double cellsPerUnit)
+    {
+        // From here on cells would be finer than the numbers themselves, and no search reaches from
+        // one number to the next.
+        constexpr double cellLimit = 9007199254740992.0;
+        const double scaled = value * cellsPerUnit;
+        if (std::abs(scaled) < cellLimit)
+            return static_cast<quint64>(floorOf(scaled));
+        quint64 bits;
+        std::memcpy(&bits, &value, sizeof bits);
+        return bits;
+    }
+    quint64 cellHash(double x, double y) const
+    {
+        return m_hash(cellCoordinate(x, m_cellsPerUnit), cellCoordinate(y, m_cellsPerUnit));
+    }
     /// The part of a hash that tells cells in the same neighbourhood of the table apart; two that
     /// share it only share their chain.
     static quint32 tagOf(quint64 hash) { return static_cast<quint32>(hash >> 40); }
     size_t firstSlot(double x, double y) const
     {
-        const quint64 cellX = cellCoordinate(x, m_cellsPerUnit);
-        const quint64 cellY = cellCoordinate(y, m_cellsPerUnit);
-        return static_cast<size_t>(m_hash(cellX, cellY)) & (m_slots.size() - 1);
+        return static_cast<size_t>(cellHash(x, y)) & (m_slots.size() - 1);
     }
     size_t slotOf(quint64 hash) const;
     bool isHalfFull() const { return m_usedSlots * 2 >= m_slots.size(); }
     int& next(int index) { return m_next[static_cast<size_t>(index - m_first)]; }
-    int next(int index) const { return m_next[static_cast<size_t>(index - m_first)]; }
+    const int& next(int index) const { return m_next[static_cast<size_t>(index - m_first)]; }
     int link(const QVector<DefPoint>& points, int index);
     void relink(const QVector<DefPoint>& points, size_t slotCount);
 

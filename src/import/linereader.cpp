@@ -23,7 +23,7 @@ bool isHigh(char c)
 const char* findSpecial(const char* begin, const char* end)
 {
     // Nothing ends the inner loop early, so that many bytes are looked at in one step.
-    constexpr int stretch = 32;
+    constexpr int stretch = 64;
     constexpr uchar highBit = 0x80;
     const char* it = begin;
     for (; end - it > stretch; it += stretch) {
@@ -166,6 +166,25 @@ void LineReader::skipAnyLine()
     ++m_lineNum;
     takePiece();
     stashRest();
+}
+
+std::string_view LineReader::readBytes()
+{
+    if (!m_isSingleByte || m_rest.isEmpty() || !m_lines[m_line].isUntouched())
+        return {};
+    const char* const begin = m_rest.ascii();
+    const char* const lineFeed = findLineFeed(begin, begin + m_rest.size());
+    const TextView piece = withoutCarriageReturn(TextView::between(begin, lineFeed));
+    const auto size = static_cast<size_t>(piece.size());
+    if (std::memchr(begin, '\r', size))
+        return {};
+    ++m_lineNum;
+    const qsizetype taken = lineFeed + 1 - begin;
+    m_rest = TextView(lineFeed + 1, m_rest.size() - taken);
+    m_plainSize = std::max<qsizetype>(m_plainSize - taken, 0);
+    if (lineFeed == m_lastLineFeed)
+        stashRest();
+    return { begin, size };
 }
 
 /// Takes the bytes or characters up to the next line feed from the block, and the line feed too.

@@ -11,6 +11,7 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <string_view>
 
 /// Reads a text file line by line: the lines and ends that QTextStream::readLine() and atEnd()
 /// give, without a string per line. Owns the position in the file and the line number.
@@ -46,6 +47,11 @@ public:
         if (takePlainLine().isNull())
             skipAnyLine();
     }
+    /// Reads the next line like readLine(), but leaves its bytes as they are in the file: each is
+    /// the character that byteTable() gives. Null, and nothing is read, where that is not so, or
+    /// the line does not stand in one piece.
+    std::string_view readBytes();
+    const ByteTable& byteTable() const { return m_byteTable; }
     /// The place of the next line in the file, in bytes; -1 where lines are not found in bytes.
     qint64 position() const
     {

@@ -104,7 +104,7 @@ void MapImport::appendVert(double x, double y, bool closing)
     if (closing)
         return;
     m_expected[m_unnamed++] = points.expect(x, y);
-    if (m_unnamed == mostUnnamed)
+    if (m_unnamed == m_expected.size())
         nameVertices();
 }
 
@@ -114,8 +114,7 @@ void MapImport::nameVertices()
         return;
     DefPoint* const end = map->last().contours.last().end();
     DefPoint* const begin = end - m_unnamed;
-    for (size_t i = 0; i < m_unnamed; ++i)
-        points.expectPoint(m_expected[i]);
+    points.expectPoints(m_expected.data(), m_unnamed);
     for (DefPoint* vertex = begin; vertex != end; ++vertex) {
         vertex->def = swapXY ? vertexDef(vertex->y, vertex->x) : vertexDef(vertex->x, vertex->y);
         --m_unnamed;

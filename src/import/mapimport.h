@@ -90,11 +90,9 @@ private:
     QString vertexDef(double x, double y);
     void dropUnnamed();
 
-    /// So many vertices are named at once.
-    static constexpr size_t mostUnnamed = 16;
-
     size_t m_unnamed = 0; ///< so many vertices at the end of the last contour have no names yet
-    std::array<size_t, mostUnnamed> m_expected{}; ///< what the catalogue has fetched for them
+    /// What the catalogue has fetched for them; so many are named at once.
+    std::array<size_t, PointCatalogue::mostExpected> m_expected{};
     QLatin1String m_entity;
     int m_entityLine = 0;
 };

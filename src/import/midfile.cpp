@@ -3,55 +3,72 @@
 #include <QVarLengthArray>
 
 #include <algorithm>
+#include <string_view>
 
-static constexpr QChar space(QChar::Space);
+namespace {
+
+/// The first column of a row whose units `decode` turns into characters.
+template <typename Unit, typename Decode>
+QString firstColumn(const Unit* begin, const Unit* end, QChar delimiter, Decode decode)
+{
+    constexpr QChar space(QChar::Space);
+    QVarLengthArray<QChar, 128> column;
+    bool atStart = true;
+    bool inQuotes = false;
+    for (const Unit* it = begin; it != end; ++it) {
+        const QChar c = decode(*it);
+        if (c == space && atStart)
+            continue;
+        if (c == QLatin1Char('"')) {
+            if (inQuotes)
+                break;
+            inQuotes = true;
+            atStart = true;
+        } else if (c == delimiter && !inQuotes) {
+            break;
+        } else {
+            column.append(c);
+            atStart = false;
+        }
+    }
+    while (!column.isEmpty() && column.last() == space)
+        column.removeLast();
+    return column.isEmpty() ? QString() : QString(column.constData(), column.size());
+}
+
+} // namespace
 
 QString midFileName(const QString& mifFileName)
 {
     return mifFileName.chopped(std::min(mifFileName.size(), 1)) + QLatin1Char('d');
 }
 
-bool MidFile::readMidLine()
+bool MidFile::readMidRow(QString* def)
 {
-    line = m_in.readLine().trimmed();
-    return !line.isEmpty();
-}
-
-bool MidFile::readMidDef(QString* def)
-{
-    if (!isOpen())
-        return true;
-    if (!readMidLine())
+    // Of a row only the first column is wanted: the rest is not decoded where it need not be.
+    const std::string_view bytes = m_in.readBytes();
+    if (!bytes.data()) {
+        const TextView row = m_in.readLine().trimmed();
+        if (def && !row.isEmpty())
+            *def = extractDef(row);
+        return !row.isEmpty();
+    }
+    const auto decode = [this](char byte) { return m_in.byteTable().at(byte); };
+    const auto isSpace = [decode](char byte) { return decode(byte).isSpace(); };
+    const auto begin = std::find_if_not(bytes.begin(), bytes.end(), isSpace);
+    if (begin == bytes.end())
         return false;
-    if (def)
-        *def = extractDef(line);
+    if (def) {
+        const auto end = std::find_if_not(bytes.rbegin(), bytes.rend(), isSpace).base();
+        *def = firstColumn(begin, end, delimiter, decode);
+    }
     return true;
 }
 
 QString MidFile::extractDef(TextView row) const
 {
     return row.visit([this](auto begin, auto end) {
-        QVarLengthArray<QChar, 128> column;
-        bool atStart = true;
-        bool inQuotes = false;
-        for (auto it = begin; it != end; ++it) {
-            const QChar c(static_cast<char16_t>(*it));
-            if (c == space && atStart)
-                continue;
-            if (c == QLatin1Char('"')) {
-                if (inQuotes)
-                    break;
-                inQuotes = true;
-                atStart = true;
-            } else if (c == delimiter && !inQuotes) {
-                break;
-            } else {
-                column.append(c);
-                atStart = false;
-            }
-        }
-        while (!column.isEmpty() && column.last() == space)
-            column.removeLast();
-        return column.isEmpty() ? QString() : QString(column.constData(), column.size());
+        return firstColumn(
+            begin, end, delimiter, [](auto unit) { return QChar(static_cast<char16_t>(unit)); });
     });
 }

@@ -20,17 +20,18 @@ public:
     /// The number of rows read: the one-based number of the last row.
     int lineNum() const { return m_in.lineNum(); }
 
-    /// Reads a row into `line`. False when it is blank or missing.
-    bool readMidLine();
+    /// Reads a row. False when it is blank or missing.
+    bool readMidLine() { return readMidRow(nullptr); }
     /// Reads a row and stores its first column in `def` unless that is null; does nothing and
     /// returns true when there is no file. False when the row is blank or missing.
-    bool readMidDef(QString* def);
+    bool readMidDef(QString* def) { return !isOpen() || readMidRow(def); }
     /// The first column of a row, without quotes; null when it is empty.
     QString extractDef(TextView row) const;
 
     QChar delimiter = QLatin1Char(','); ///< between the columns
-    TextView line; ///< the last row read, trimmed
 
 private:
+    bool readMidRow(QString* def);
+
     LineReader m_in;
 };

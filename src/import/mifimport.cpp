@@ -10,6 +10,19 @@ namespace {
 /// A count is only a claim: room for more vertices than this is made as they come.
 constexpr int maxReserved = 64;
 
+/// Takes the first token off a text, parted by white space from the others; empty where there is
+/// none.
+TextView takeToken(TextView& text)
+{
+    return text.visit([&text](auto begin, auto end) {
+        const auto isSpace = [](auto unit) { return TextView::isSpace(unit); };
+        const auto token = std::find_if_not(begin, end, isSpace);
+        const auto tokenEnd = std::find_if(token, end, isSpace);
+        text = TextView::between(tokenEnd, end);
+        return TextView::between(token, tokenEnd);
+    });
+}
+
 } // namespace
 
 MifImport::~MifImport() = default;
@@ -24,20 +37,15 @@ bool MifImport::readTokenizeMifLine(bool split)
     return !line.isEmpty();
 }
 
-void MifImport::tokenize(size_t maxTokens)
+void MifImport::tokenize()
 {
     tokens.clear();
-    line.visit([&](auto it, auto end) {
-        const auto isSpace = [](auto unit) { return TextView::isSpace(unit); };
-        while (tokens.size() < maxTokens) {
-            it = std::find_if_not(it, end, isSpace);
-            if (it == end)
-                return;
-            const auto tokenEnd = std::find_if(it, end, isSpace);
-            tokens.push_back(TextView::between(it, tokenEnd));
-            it = tokenEnd;
-        }
-    });
+    TextView rest = line;
+    for (TextView token = takeToken(rest); !token.isEmpty(); token = takeToken(rest)) {
+        tokens.push_back(token);
+        if (tokens.size() == mostTokens)
+            return;
+    }
 }
 
 double MifImport::tokenToDouble(size_t index, bool* ok) const
@@ -124,11 +132,12 @@ bool MifImport::scanObjects(ObjectHandler handle)
     }
     while (!in.atEnd()) {
         line = in.readLine();
-        tokenize(1);
-        const MifObjectKind* const kind = tokens.empty() ? nullptr : mifObjectKind(tokens.front());
+        if (!mayStartObject(line))
+            continue;
+        m_behindKeyword = line;
+        const MifObjectKind* const kind = mifObjectKind(takeToken(m_behindKeyword));
         if (!kind)
             continue;
-        tokenize();
         startEntity(kind->name);
         if (kind->keyword == MifKeyword::Collection) {
             fail(FailureKind::Collection);
@@ -170,6 +179,7 @@ bool MifImport::loadPolygon(const MifObjectKind& kind)
             observer->objectBuilt(kind.name, closed, complete);
         return complete;
     };
+    tokenize();
     switch (kind.keyword) {
     case MifKeyword::Line:
         return load(&MifImport::readLine, FailureKind::Line, false);
@@ -201,12 +211,17 @@ bool MifImport::nameObject()
 
 bool MifImport::readPoint()
 {
-    bool okX = false;
-    bool okY = false;
-    const double x = tokenToDouble(1, &okX);
-    const double y = tokenToDouble(2, &okY);
-    if (!okX || !okY)
-        return false;
+    double x = 0;
+    double y = 0;
+    if (!toPlainPair(m_behindKeyword.trimmed(), &x, &y)) {
+        tokenize();
+        bool okX = false;
+        bool okY = false;
+        x = tokenToDouble(1, &okX);
+        y = tokenToDouble(2, &okY);
+        if (!okX || !okY)
+            return false;
+    }
     points.append(DefPoint{ QString(), x, y });
     return true;
 }

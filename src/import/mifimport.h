@@ -60,9 +60,11 @@ private:
     bool isMultiple() const;
     bool nameObject();
     bool failAtMidRow(FailureKind kind);
-    void tokenize(size_t maxTokens = mostTokens);
+    void tokenize();
     bool isHeaderLine(QLatin1String keyword) const;
     double tokenToDouble(size_t index, bool* ok) const;
     int tokenToInt(size_t index, bool* ok) const;
     bool readCount(int least, int* count);
+
+    TextView m_behindKeyword; ///< the rest of the line that starts an object
 };

@@ -21,5 +21,8 @@ struct MifObjectKind {
 /// Whether `token` in upper case equals the upper-case `keyword`.
 bool isMifKeyword(TextView token, QLatin1String keyword);
 
+/// False for most lines that start no object: those whose first two letters begin no keyword.
+bool mayStartObject(TextView line);
+
 /// The kind of the object that a line starts whose first token this is; null when it starts none.
 const MifObjectKind* mifObjectKind(TextView token);

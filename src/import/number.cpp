@@ -70,7 +70,16 @@ double toDouble(TextView text, bool* ok)
 
 int toInt(TextView text, bool* ok)
 {
-    return text.toString().toInt(ok);
+    // So few digits make an int, whatever they are.
+    constexpr qsizetype mostDigits = 9;
+    quint64 value = 0;
+    const bool isPlain = !text.isEmpty() && text.size() <= mostDigits
+        && text.visit([&](auto begin, auto end) { return scanDigits(begin, end, &value) == end; });
+    if (!isPlain)
+        return text.toString().toInt(ok);
+    if (ok)
+        *ok = true;
+    return static_cast<int>(value);
 }
 
 bool toPlainPair(TextView text, double* first, double* second)

@@ -306,6 +306,9 @@ void TestCatalogue::likeTheSortedVector_data()
         { lattice(1.0 / 65536, 900),
             sometimes({ 1e-99, -1e-101, 1e-120, 1e-170, -0.0 }, 2, always(0)), 9000, 4000, 3 });
     row("on the borders of cells", { lattice(1.0 / 32, 40, -0.5), lattice(1.0 / 64, 80), 0, 9000 });
+    row("on the borders of cells, far off",
+        { lattice(1.0 / 128, 60, 34359738368.0 - 0.25), lattice(1.0 / 128, 60, 70368744177664.0),
+            1000, 5000 });
     row("crowded cells at random", { anywhere(0, 0.25), anywhere(0, 0.25), 5000, 5000 });
     row("crowded cells and far points",
         { sometimes({ 1000, -1000 }, 3, crowded), sometimes({ 77 }, 3, rows), 6000, 5000 });

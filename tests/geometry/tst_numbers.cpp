@@ -59,8 +59,24 @@ bool inEachForm(const QString& text, Test test)
         && (!isAscii(text) || test(TextView(bytes.constData(), bytes.size())));
 }
 
+bool readsIntegerAlike(const QString& text)
+{
+    bool expectedOk = false;
+    const int expected = text.toInt(&expectedOk);
+    return inEachForm(text, [&](TextView form) {
+        bool ok = !expectedOk;
+        const int value = toInt(form, &ok);
+        if (ok == expectedOk && value == expected && toInt(form) == expected)
+            return true;
+        qWarning("'%s': %d %d, expected %d %d", qPrintable(text), value, ok, expected, expectedOk);
+        return false;
+    });
+}
+
 bool readsAlike(const QString& text)
 {
+    if (!readsIntegerAlike(text))
+        return false;
     bool expectedOk = false;
     const double expected = text.toDouble(&expectedOk);
     return inEachForm(text, [&](TextView form) {
@@ -260,6 +276,8 @@ void TestNumbers::readsLikeQString_data()
         QStringLiteral("-999999999999999"), QStringLiteral("99999999999999.9"),
         QStringLiteral("000000000000000"), QStringLiteral("0000000000000001"),
         QStringLiteral("1e400"), QStringLiteral("-1e400"), QStringLiteral("1e-400"),
+        QStringLiteral("999999999"), QStringLiteral("0999999999"), QStringLiteral("2147483647"),
+        QStringLiteral("2147483648"), QStringLiteral("-2147483648"), QStringLiteral("-2147483649"),
         QStringLiteral("nan"), QStringLiteral("NaN"), QStringLiteral("-nan"), QStringLiteral("inf"),
         QStringLiteral("-inf"), QStringLiteral("+inf"), QStringLiteral("INF"),
         QStringLiteral("infinity"), QStringLiteral(" 1"), QStringLiteral("1 "),

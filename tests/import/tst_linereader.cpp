@@ -84,6 +84,7 @@ private slots:
     void randomFiles();
     void tailsBehindABlock();
     void skippedLinesChangeNothing();
+    void bytesOfLines();
     void lastTwoLinesStayValid();
     void rewindsAndCountsOn();
     void reportsMissingFile();
@@ -227,6 +228,34 @@ void TestLineReader::skippedLinesChangeNothing()
             QCOMPARE(reader.lineNum(), line + 1);
         }
     }
+}
+
+/// Lines taken as bytes, among others that are not: each byte is a character.
+void TestLineReader::bytesOfLines()
+{
+    Random random(22);
+    int taken = 0;
+    for (int i = 0; i < 600; ++i) {
+        const QString name = write(randomText(random, random.below(50000)));
+        QTextCodec* const codec = QTextCodec::codecForName(
+            random.pick(QByteArrayList{ "windows-1251", "IBM866", "UTF-8", "ISO-2022-JP" }));
+        const Reading expected = readWithStream(name, codec);
+        LineReader reader;
+        QVERIFY(reader.open(name, codec));
+        for (int line = 0; line < expected.lines.size(); ++line) {
+            const std::string_view bytes =
+                random.below(2) ? reader.readBytes() : std::string_view();
+            QString text;
+            for (const char byte : bytes)
+                text += reader.byteTable().at(byte);
+            QCOMPARE(bytes.data() ? text : reader.readLine().toString(), expected.lines.at(line));
+            QCOMPARE(reader.atEnd(), expected.ends.at(line));
+            QCOMPARE(reader.lineNum(), line + 1);
+            taken += bytes.data() ? 1 : 0;
+        }
+        QVERIFY(!reader.readBytes().data());
+    }
+    QVERIFY(taken > 10000);
 }
 
 void TestLineReader::lastTwoLinesStayValid()

@@ -147,7 +147,8 @@ private:
         QStringLiteral("1e-300"), QStringLiteral("5e-324"), QStringLiteral(".5"),
         QStringLiteral("2.") };
     const QStringList m_delimiters{ QStringLiteral("\",\""), QStringLiteral("\",\""),
-        QStringLiteral("\";\""), QStringLiteral(";"), QStringLiteral("\"\"") };
+        QStringLiteral("\";\""), QStringLiteral(";"), QStringLiteral("\"\""),
+        QStringLiteral("\"н\"") };
     const QStringList m_names{ QString(), QStringLiteral("A"), QStringLiteral("н1"),
         QStringLiteral("50:12 ЗУ7"), QStringLiteral(" x "), QStringLiteral("B;C,D") };
     const QStringList m_rests{ QString(), QStringLiteral(",1"), QStringLiteral(";2"),
