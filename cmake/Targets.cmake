@@ -1,5 +1,12 @@
 # One function per kind of target, so that a new one is one line.
 
+# For the environment of tests that open Qt's offscreen platform. Only whole stacks, which cost time,
+# show the leak sanitizer that a leak is the platform's.
+string(JOIN ":" IMPORTGEOMETRY_PLATFORM_LEAKS
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.supp"
+    "print_suppressions=0"
+    "fast_unwind_on_malloc=0")
+
 # importgeometry_library(NAME SOURCES... LINK libraries...)
 function(importgeometry_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINK")
@@ -40,11 +47,7 @@ function(importgeometry_test name)
     endif()
     set(leaks "")
     if(arg_OFFSCREEN)
-        # Only whole stacks, which cost time, show that a leak is the platform's.
-        string(JOIN ":" leaks
-            "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.supp"
-            "print_suppressions=0"
-            "fast_unwind_on_malloc=0")
+        set(leaks "${IMPORTGEOMETRY_PLATFORM_LEAKS}")
     endif()
     set(counting "")
     if(IMPORTGEOMETRY_COVERAGE)

@@ -73,7 +73,8 @@ void MifSurvey::takeObjectLine(std::string_view line)
     size_t end = start;
     while (end < line.size() && line[end] > ' ')
         ++end;
-    const MifObjectKind* const kind = mifObjectKind(textView(line.substr(start, end - start)));
+    TextView word = textView(line.substr(start, end - start));
+    const MifObjectKind* const kind = takeObjectKind(word);
     if (!kind)
         return;
     ++m_survey.kinds[kind->name.data()].count;

@@ -26,6 +26,8 @@ public:
     bool isEmpty() const { return m_points.isEmpty(); }
     int size() const { return m_points.size(); }
 
+    /// Makes room for so many more points.
+    void makeRoom(int count) { m_points.reserve(m_points.size() + count); }
     /// Adds a point without regard to order; to be followed by arrange().
     void append(const DefPoint& point) { m_points.append(point); }
     /// Sorts the points and merges those that coincide.

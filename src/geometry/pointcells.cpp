@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -13,6 +14,8 @@ constexpr double refinement = 2;
 static_assert(2 * PointCells::reach * smallestCells < 1, "a search touches two cells at most");
 /// So many points may share a cell before cells are refined.
 constexpr int crowd = 8;
+/// Of evenly spread points so many share a cell.
+constexpr int usualInCell = 2;
 /// Of so many points of a cell the memory is fetched ahead.
 constexpr int mostFetched = 3;
 /// More points than this in one of the smallest cells are better served by a tree.
@@ -20,6 +23,23 @@ constexpr int crowdInSmallest = 32;
 /// What Slot::length can hold.
 constexpr int mostCounted = 255;
 constexpr size_t leastSlots = 1024;
+
+/// The smallest range that holds some finite numbers.
+class Range {
+public:
+    void include(double value)
+    {
+        if (!std::isfinite(value))
+            return;
+        m_least = std::min(m_least, value);
+        m_greatest = std::max(m_greatest, value);
+    }
+    double size() const { return m_least < m_greatest ? m_greatest - m_least : 0; }
+
+private:
+    double m_least = std::numeric_limits<double>::infinity();
+    double m_greatest = -std::numeric_limits<double>::infinity();
+};
 
 } // namespace
 
@@ -40,6 +60,8 @@ void PointCells::startAt(int index)
 
 bool PointCells::add(const QVector<DefPoint>& points, int end)
 {
+    if (m_end == m_first)
+        startWith(points, end);
     while (m_end < end) {
         m_next.push_back(-1);
         if (isHalfFull())
@@ -54,6 +76,30 @@ bool PointCells::add(const QVector<DefPoint>& points, int end)
         }
     }
     return true;
+}
+
+/// Chooses cells for points that come all at once, as if they were spread evenly: refining the
+/// cells and growing the table later means to look up each point again.
+void PointCells::startWith(const QVector<DefPoint>& points, int end)
+{
+    const int count = end - m_first;
+    size_t slotCount = leastSlots;
+    while (slotCount < static_cast<size_t>(count))
+        slotCount *= 2;
+    m_slots.assign(slotCount, Slot{ 0, 0, -1 });
+    m_next.reserve(static_cast<size_t>(count));
+
+    Range x;
+    Range y;
+    for (int i = m_first; i < end; ++i) {
+        x.include(points.at(i).x);
+        y.include(points.at(i).y);
+    }
+    const auto cellCount = [&] {
+        return (x.size() * m_cellsPerUnit + 1) * (y.size() * m_cellsPerUnit + 1);
+    };
+    while (m_cellsPerUnit < smallestCells && cellCount() * usualInCell < count)
+        m_cellsPerUnit *= refinement;
 }
 
 void PointCells::expectPoints(const DefPoint* points, const size_t* expected, size_t count) const

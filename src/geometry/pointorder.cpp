@@ -1,12 +1,14 @@
 #include "geometry/pointorder.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 void sortPoints(QVector<DefPoint>& points)
 {
-    const auto end = std::stable_partition(
-        points.begin(), points.end(), [](const DefPoint& point) { return !hasNan(point); });
+    auto end = points.end();
+    if (std::any_of(points.cbegin(), points.cend(), hasNan))
+        end = std::stable_partition(points.begin(), end, std::not_fn(hasNan));
     std::sort(points.begin(), end);
 }
 

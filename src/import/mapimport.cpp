@@ -2,9 +2,15 @@
 
 #include "geometry/designation.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
+
+/// A file has a point in so many bytes, more or less.
+constexpr qint64 bytesPerPoint = 32;
+/// Room for more points than this is made as they come.
+constexpr qint64 mostRoom = 1 << 20;
 
 /// The observer of imports that were given no other.
 ImportObserver messagesOnly;
@@ -63,7 +69,12 @@ bool MapImport::importMap()
 bool MapImport::openFile(ImportPass pass, const QString& fileName)
 {
     observer->passStarted(pass, fileName);
-    return in.open(fileName, codec) || failFile(FailureKind::FileNotOpened, fileName);
+    if (!in.open(fileName, codec))
+        return failFile(FailureKind::FileNotOpened, fileName);
+    // Memory that is not written to costs nothing; points that outgrow theirs have to be moved.
+    if (points.isEmpty())
+        points.makeRoom(static_cast<int>(std::min(in.size() / bytesPerPoint, mostRoom)));
+    return true;
 }
 
 void MapImport::resetInFileStream()

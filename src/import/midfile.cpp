@@ -7,19 +7,42 @@
 
 namespace {
 
+constexpr QChar space(QChar::Space);
+constexpr QChar quote(u'"');
+
+/// A text without spaces around it; null where nothing else is in it.
+template <typename Unit, typename Decode>
+QString withoutSpaces(const Unit* begin, const Unit* end, Decode decode)
+{
+    const auto isSpace = [decode](Unit unit) { return decode(unit) == space; };
+    while (begin != end && isSpace(*begin))
+        ++begin;
+    while (begin != end && isSpace(end[-1]))
+        --end;
+    if (begin == end)
+        return {};
+    QString text(static_cast<int>(end - begin), Qt::Uninitialized);
+    std::transform(begin, end, text.data(), decode);
+    return text;
+}
+
 /// The first column of a row whose units `decode` turns into characters.
 template <typename Unit, typename Decode>
 QString firstColumn(const Unit* begin, const Unit* end, QChar delimiter, Decode decode)
 {
-    constexpr QChar space(QChar::Space);
+    const auto isQuote = [decode](Unit unit) { return decode(unit) == quote; };
+    if (begin != end && isQuote(*begin))
+        return withoutSpaces(begin + 1, std::find_if(begin + 1, end, isQuote), decode);
+
+    // A quote further on is dropped, and what follows up to the next one is part of the column.
     QVarLengthArray<QChar, 128> column;
-    bool atStart = true;
     bool inQuotes = false;
+    bool atStart = true;
     for (const Unit* it = begin; it != end; ++it) {
         const QChar c = decode(*it);
         if (c == space && atStart)
             continue;
-        if (c == QLatin1Char('"')) {
+        if (c == quote) {
             if (inQuotes)
                 break;
             inQuotes = true;

@@ -10,17 +10,10 @@ namespace {
 /// A count is only a claim: room for more vertices than this is made as they come.
 constexpr int maxReserved = 64;
 
-/// Takes the first token off a text, parted by white space from the others; empty where there is
-/// none.
-TextView takeToken(TextView& text)
+/// Whether a line starts with a digit or a sign, as most do.
+bool startsNumber(TextView line)
 {
-    return text.visit([&text](auto begin, auto end) {
-        const auto isSpace = [](auto unit) { return TextView::isSpace(unit); };
-        const auto token = std::find_if_not(begin, end, isSpace);
-        const auto tokenEnd = std::find_if(token, end, isSpace);
-        text = TextView::between(tokenEnd, end);
-        return TextView::between(token, tokenEnd);
-    });
+    return line.isAscii() && !line.isEmpty() && *line.ascii() > ' ' && *line.ascii() <= '9';
 }
 
 } // namespace
@@ -132,10 +125,10 @@ bool MifImport::scanObjects(ObjectHandler handle)
     }
     while (!in.atEnd()) {
         line = in.readLine();
-        if (!mayStartObject(line))
+        if (startsNumber(line))
             continue;
         m_behindKeyword = line;
-        const MifObjectKind* const kind = mifObjectKind(takeToken(m_behindKeyword));
+        const MifObjectKind* const kind = takeObjectKind(m_behindKeyword);
         if (!kind)
             continue;
         startEntity(kind->name);

@@ -2,16 +2,17 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 
 namespace {
 
 constexpr char caseBit = 'a' ^ 'A';
 
 const MifObjectKind kinds[] = {
+    { QLatin1String("POINT"), MifKeyword::Point },
     { QLatin1String("REGION"), MifKeyword::Region },
     { QLatin1String("PLINE"), MifKeyword::Pline },
     { QLatin1String("LINE"), MifKeyword::Line },
-    { QLatin1String("POINT"), MifKeyword::Point },
     { QLatin1String("NONE"), MifKeyword::Skipped },
     { QLatin1String("ARC"), MifKeyword::Skipped },
     { QLatin1String("TEXT"), MifKeyword::Skipped },
@@ -22,47 +23,71 @@ const MifObjectKind kinds[] = {
     { QLatin1String("COLLECTION"), MifKeyword::Collection },
 };
 
-/// Whether the size of a token and its first letter are those of a keyword, as far as they tell.
-bool mayBe(TextView token, QLatin1String keyword)
+/// A bit for each letter, whatever its case; none for other characters.
+quint32 letterBit(char c)
 {
-    if (!token.isAscii())
-        return true;
-    return token.size() == keyword.size()
-        && (*token.ascii() | caseBit) == (*keyword.data() | caseBit);
+    const int place = (c & ~caseBit) - 'A';
+    return place >= 0 && place < 26 ? 1U << place : 0;
+}
+
+/// The first letters of all keywords: most lines start with another one, or with a digit.
+const quint32 initials = std::accumulate(std::begin(kinds), std::end(kinds), 0U,
+    [](quint32 bits, const MifObjectKind& kind) { return bits | letterBit(*kind.name.data()); });
+
+/// Whether a text starts with a keyword, in whatever case.
+inline bool startsWith(const char* begin, const char* end, QLatin1String keyword)
+{
+    const auto isSame = [](char capital, char c) { return (c & ~caseBit) == capital; };
+    return end - begin >= keyword.size() && isSame(*keyword.data(), *begin)
+        && std::equal(keyword.begin(), keyword.end(), begin, isSame);
 }
 
 } // namespace
+
+TextView takeToken(TextView& text)
+{
+    return text.visit([&text](auto begin, auto end) {
+        const auto isSpace = [](auto unit) { return TextView::isSpace(unit); };
+        const auto token = std::find_if_not(begin, end, isSpace);
+        const auto tokenEnd = std::find_if(token, end, isSpace);
+        text = TextView::between(tokenEnd, end);
+        return TextView::between(token, tokenEnd);
+    });
+}
 
 bool isMifKeyword(TextView token, QLatin1String keyword)
 {
     if (!token.isAscii())
         return token.toString().toUpper() == keyword;
-    const char* const begin = token.ascii();
-    return std::equal(begin, begin + token.size(), keyword.begin(), keyword.end(),
-        [](char a, char capital) { return (a & ~caseBit) == capital; });
+    return token.size() == keyword.size()
+        && startsWith(token.ascii(), token.ascii() + token.size(), keyword);
 }
 
-bool mayStartObject(TextView line)
+static const MifObjectKind* takeDecodedKind(TextView& line)
+{
+    const TextView token = takeToken(line);
+    const auto found = std::find_if(std::begin(kinds), std::end(kinds),
+        [token](const MifObjectKind& kind) { return isMifKeyword(token, kind.name); });
+    return found == std::end(kinds) ? nullptr : found;
+}
+
+const MifObjectKind* takeObjectKind(TextView& line)
 {
     if (!line.isAscii())
-        return true;
+        return takeDecodedKind(line);
+    const auto isSpace = [](char c) { return TextView::isSpace(c); };
     const char* const end = line.ascii() + line.size();
-    const char* const word =
-        std::find_if_not(line.ascii(), end, [](char c) { return TextView::isSpace(c); });
-    if (end - word < 2 || *word < 'A')
-        return false;
-    const char first = static_cast<char>(word[0] & ~caseBit);
-    const char second = static_cast<char>(word[1] & ~caseBit);
-    return std::any_of(std::begin(kinds), std::end(kinds), [=](const MifObjectKind& kind) {
-        return kind.name.data()[0] == first && kind.name.data()[1] == second;
-    });
-}
-
-const MifObjectKind* mifObjectKind(TextView token)
-{
-    const auto found =
-        std::find_if(std::begin(kinds), std::end(kinds), [token](const MifObjectKind& kind) {
-            return mayBe(token, kind.name) && isMifKeyword(token, kind.name);
-        });
-    return found == std::end(kinds) ? nullptr : found;
+    const char* const word = std::find_if_not(line.ascii(), end, isSpace);
+    if (word == end || (initials & letterBit(*word)) == 0)
+        return nullptr;
+    for (const MifObjectKind& kind : kinds) {
+        if (!startsWith(word, end, kind.name))
+            continue;
+        const char* const wordEnd = word + kind.name.size();
+        if (wordEnd != end && !isSpace(*wordEnd))
+            continue;
+        line = TextView::between(wordEnd, end);
+        return &kind;
+    }
+    return nullptr;
 }

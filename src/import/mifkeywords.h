@@ -18,11 +18,13 @@ struct MifObjectKind {
     MifKeyword keyword;
 };
 
+/// Takes the first token off a text, parted by white space from the others; empty where there is
+/// none.
+TextView takeToken(TextView& text);
+
 /// Whether `token` in upper case equals the upper-case `keyword`.
 bool isMifKeyword(TextView token, QLatin1String keyword);
 
-/// False for most lines that start no object: those whose first two letters begin no keyword.
-bool mayStartObject(TextView line);
-
-/// The kind of the object that a line starts whose first token this is; null when it starts none.
-const MifObjectKind* mifObjectKind(TextView token);
+/// The kind of the object that a line starts, whose first token tells it; null when it starts none.
+/// Where it starts one, `line` is then what stands behind that token.
+const MifObjectKind* takeObjectKind(TextView& line);

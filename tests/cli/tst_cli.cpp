@@ -54,6 +54,9 @@ private:
     QStringList m_copied;
 };
 
+/// Milliseconds until a large file must be at hand, with sanitizers and other work going on.
+constexpr int patience = 600000;
+
 /// Squares enough to keep the command writing for a while.
 template <typename Files>
 QString writeLargeMif(const Files& files)
@@ -106,7 +109,7 @@ bool waitUntilWriting(const QProcess& process, const Folder& folder, int count)
                 writing += isWritingIn(folder.path(), candidate) ? 1 : 0;
             return writing >= count;
         },
-        60000);
+        patience);
 }
 
 void sendSignal(const QString& process, int signal)
@@ -544,7 +547,7 @@ private slots:
             }
             return QString();
         };
-        QVERIFY(QTest::qWaitFor([&] { return !largeChild().isEmpty(); }, 60000));
+        QVERIFY(QTest::qWaitFor([&] { return !largeChild().isEmpty(); }, patience));
         sendSignal(largeChild(), SIGKILL);
         const CommandRun run = waitFor(process);
         QCOMPARE(run.status, 1);
