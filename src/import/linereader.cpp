@@ -18,23 +18,36 @@ bool isHigh(char c)
     return static_cast<signed char>(c) < 0;
 }
 
+/// Passes over stretches of bytes none of which has a mark. Nothing ends the inner loop early, so
+/// that many bytes are looked at in one step. The byte behind a stretch may be looked at, too.
+template <typename Mark>
+const char* skipStretches(const char* begin, const char* end, Mark mark)
+{
+    constexpr int stretch = 64;
+    const char* it = begin;
+    for (; end - it > stretch; it += stretch) {
+        uchar marks = 0;
+        for (int i = 0; i < stretch; ++i)
+            marks = static_cast<uchar>(marks | mark(it + i));
+        if (marks != 0)
+            break;
+    }
+    return it;
+}
+
 /// The first byte that is no ASCII, or a carriage return that is not before a line feed; `end`
 /// where there is none.
 const char* findSpecial(const char* begin, const char* end)
 {
-    // Nothing ends the inner loop early, so that many bytes are looked at in one step.
-    constexpr int stretch = 64;
     constexpr uchar highBit = 0x80;
-    const char* it = begin;
-    for (; end - it > stretch; it += stretch) {
-        uchar found = 0;
-        for (int i = 0; i < stretch; ++i) {
-            const bool isAlone = (it[i] == '\r') & (it[i + 1] != '\n');
-            found = static_cast<uchar>(found | (static_cast<uchar>(it[i]) & highBit) | isAlone);
-        }
-        if (found != 0)
-            break;
-    }
+    const auto high = [](const char* byte) { return static_cast<uchar>(*byte) & highBit; };
+    const auto highOrAlone = [high](const char* byte) {
+        const bool isAlone = (byte[0] == '\r') & (byte[1] != '\n');
+        return high(byte) | isAlone;
+    };
+    const bool hasReturns = std::memchr(begin, '\r', static_cast<size_t>(end - begin)) != nullptr;
+    const char* it =
+        hasReturns ? skipStretches(begin, end, highOrAlone) : skipStretches(begin, end, high);
     const auto isSpecial = [end](const char* byte) {
         return isHigh(*byte) || (*byte == '\r' && (byte + 1 == end || byte[1] != '\n'));
     };

@@ -10,7 +10,7 @@ namespace {
 /// A count is only a claim: room for more vertices than this is made as they come.
 constexpr int maxReserved = 64;
 
-/// Whether a line starts with a digit or a sign, as most do.
+/// Whether a line starts with a digit, a sign or the like, as most do.
 bool startsNumber(TextView line)
 {
     return line.isAscii() && !line.isEmpty() && *line.ascii() > ' ' && *line.ascii() <= '9';
@@ -45,12 +45,6 @@ double MifImport::tokenToDouble(size_t index, bool* ok) const
 {
     *ok = false;
     return index < tokens.size() ? toDouble(tokens.at(index), ok) : 0;
-}
-
-int MifImport::tokenToInt(size_t index, bool* ok) const
-{
-    *ok = false;
-    return index < tokens.size() ? toInt(tokens.at(index), ok) : 0;
 }
 
 bool MifImport::readCount(int least, int* count)
@@ -172,7 +166,6 @@ bool MifImport::loadPolygon(const MifObjectKind& kind)
             observer->objectBuilt(kind.name, closed, complete);
         return complete;
     };
-    tokenize();
     switch (kind.keyword) {
     case MifKeyword::Line:
         return load(&MifImport::readLine, FailureKind::Line, false);
@@ -188,7 +181,8 @@ bool MifImport::loadPolygon(const MifObjectKind& kind)
 
 bool MifImport::isMultiple() const
 {
-    return tokens.size() > 1 && isMifKeyword(tokens.at(1), QLatin1String("MULTIPLE"));
+    TextView rest = m_behindKeyword;
+    return isMifKeyword(takeToken(rest), QLatin1String("MULTIPLE"));
 }
 
 bool MifImport::nameObject()
@@ -221,6 +215,7 @@ bool MifImport::readPoint()
 
 bool MifImport::readLine()
 {
+    tokenize();
     double coordinates[4];
     for (size_t i = 0; i < 4; ++i) {
         bool ok = false;
@@ -239,7 +234,7 @@ bool MifImport::readPline()
 {
     appendEmptyPolygon();
     bool ok = false;
-    const int count = tokenToInt(1, &ok);
+    const int count = toInt(takeToken(m_behindKeyword), &ok);
     return ok && count >= 2 && readSub(count, false);
 }
 
@@ -247,7 +242,8 @@ bool MifImport::readPlineMultiple()
 {
     appendEmptyPolygon();
     bool ok = false;
-    const int sectionCount = tokenToInt(2, &ok);
+    takeToken(m_behindKeyword);
+    const int sectionCount = toInt(takeToken(m_behindKeyword), &ok);
     if (!ok || sectionCount < 2 || in.atEnd())
         return false;
     int sections = 0;
@@ -264,7 +260,7 @@ bool MifImport::readRegion()
 {
     appendEmptyPolygon();
     bool ok = false;
-    const int ringCount = tokenToInt(1, &ok);
+    const int ringCount = toInt(takeToken(m_behindKeyword), &ok);
     if (!ok)
         return false;
     if (in.atEnd() || ringCount < 1)

@@ -63,7 +63,6 @@ private:
     void tokenize();
     bool isHeaderLine(QLatin1String keyword) const;
     double tokenToDouble(size_t index, bool* ok) const;
-    int tokenToInt(size_t index, bool* ok) const;
     bool readCount(int least, int* count);
 
     TextView m_behindKeyword; ///< the rest of the line that starts an object

@@ -1,8 +1,8 @@
 #include "import/mifkeywords.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
-#include <numeric>
 
 namespace {
 
@@ -23,22 +23,40 @@ const MifObjectKind kinds[] = {
     { QLatin1String("COLLECTION"), MifKeyword::Collection },
 };
 
-/// A bit for each letter, whatever its case; none for other characters.
-quint32 letterBit(char c)
+/// Two letters as one number, whatever their case.
+quint16 pairOf(const char* letters)
 {
-    const int place = (c & ~caseBit) - 'A';
-    return place >= 0 && place < 26 ? 1U << place : 0;
+    const auto capital = [](char c) { return static_cast<uchar>(c & ~caseBit); };
+    return static_cast<quint16>(capital(letters[0]) << 8 | capital(letters[1]));
 }
 
-/// The first letters of all keywords: most lines start with another one, or with a digit.
-const quint32 initials = std::accumulate(std::begin(kinds), std::end(kinds), 0U,
-    [](quint32 bits, const MifObjectKind& kind) { return bits | letterBit(*kind.name.data()); });
+using Pairs = std::array<quint16, std::size(kinds)>;
+
+Pairs pairsOfKinds()
+{
+    Pairs pairs;
+    std::transform(std::begin(kinds), std::end(kinds), pairs.begin(),
+        [](const MifObjectKind& kind) { return pairOf(kind.name.data()); });
+    return pairs;
+}
+
+/// The first two letters of each keyword: most lines start with others.
+const Pairs firstPairs = pairsOfKinds();
+
+bool startsKeyword(const char* letters)
+{
+    const quint16 pair = pairOf(letters);
+    bool found = false;
+    for (const quint16 other : firstPairs)
+        found |= other == pair;
+    return found;
+}
 
 /// Whether a text starts with a keyword, in whatever case.
-inline bool startsWith(const char* begin, const char* end, QLatin1String keyword)
+bool startsWith(const char* begin, const char* end, QLatin1String keyword)
 {
     const auto isSame = [](char capital, char c) { return (c & ~caseBit) == capital; };
-    return end - begin >= keyword.size() && isSame(*keyword.data(), *begin)
+    return end - begin >= keyword.size()
         && std::equal(keyword.begin(), keyword.end(), begin, isSame);
 }
 
@@ -78,7 +96,7 @@ const MifObjectKind* takeObjectKind(TextView& line)
     const auto isSpace = [](char c) { return TextView::isSpace(c); };
     const char* const end = line.ascii() + line.size();
     const char* const word = std::find_if_not(line.ascii(), end, isSpace);
-    if (word == end || (initials & letterBit(*word)) == 0)
+    if (end - word < 2 || !startsKeyword(word))
         return nullptr;
     for (const MifObjectKind& kind : kinds) {
         if (!startsWith(word, end, kind.name))
