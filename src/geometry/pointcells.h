@@ -73,12 +73,12 @@ private:
         {
             // Most places are so far from the borders of their cell that no rounding matters.
             constexpr double roundingLimit = 1LL << 40;
-            constexpr double rounding = 1.0 / 1024;
+            constexpr double slack = 1.0 / 1024;
             const double scaled = value * cellsPerUnit;
             if (std::abs(scaled) < roundingLimit) {
                 const qint64 cell = floorOf(scaled);
                 const double offset = scaled - static_cast<double>(cell);
-                const double margin = reach * cellsPerUnit + rounding;
+                const double margin = reach * cellsPerUnit + slack;
                 if (offset > margin && offset < 1 - margin) {
                     m_cells.fill(static_cast<quint64>(cell));
                     return;

@@ -75,7 +75,7 @@ FAULTS = [
          ("reach = 0.0145", "reach = 0.0140"),
          ("offset > margin &&", "offset > 0 &&"),
          ("offset < 1 - margin", "offset < 1"),
-         ("reach * cellsPerUnit + rounding", "rounding")),
+         ("reach * cellsPerUnit + slack", "slack")),
     *_of("src/geometry/pointcells.cpp", "tst_catalogue tst_mifrandom",
          ("m_slots[position].tag != tag", "m_slots[position].tag == tag"),
          ("next(index) = slot.head;", "next(index) = -1;"),
