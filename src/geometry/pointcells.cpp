@@ -60,7 +60,7 @@ void PointCells::startAt(int index)
 
 bool PointCells::add(const QVector<DefPoint>& points, int end)
 {
-    if (m_end == m_first)
+    if (m_end == m_first && m_end < end)
         startWith(points, end);
     while (m_end < end) {
         m_next.push_back(-1);

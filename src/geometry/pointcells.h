@@ -15,7 +15,8 @@
 ///
 /// It holds the points of the caller's vector from an index on, by their indices; a coordinate
 /// that is not finite is near no place. Cells are coarse at first, so that neighbouring vertices
-/// share one that is at hand, and become finer when points crowd one. The hash is keyed at random,
+/// share one that is at hand, or sized for the points that come first if these are many, and become
+/// finer when points crowd one. The hash is keyed at random,
 /// so that no file can be written to make cells collide; what is found does not depend on the key.
 class PointCells {
 public:

@@ -36,8 +36,8 @@ const char* skipStretches(const char* begin, const char* end, Mark mark)
 }
 
 /// The first byte that is no ASCII, or a carriage return that is not before a line feed; `end`
-/// where there is none.
-const char* findSpecial(const char* begin, const char* end)
+/// where there is none. Where there are no carriage returns less has to be looked at.
+const char* findSpecial(const char* begin, const char* end, bool hasReturns)
 {
     constexpr uchar highBit = 0x80;
     const auto high = [](const char* byte) { return static_cast<uchar>(*byte) & highBit; };
@@ -45,7 +45,6 @@ const char* findSpecial(const char* begin, const char* end)
         const bool isAlone = (byte[0] == '\r') & (byte[1] != '\n');
         return high(byte) | isAlone;
     };
-    const bool hasReturns = std::memchr(begin, '\r', static_cast<size_t>(end - begin)) != nullptr;
     const char* it =
         hasReturns ? skipStretches(begin, end, highOrAlone) : skipStretches(begin, end, high);
     const auto isSpecial = [end](const char* byte) {
@@ -76,7 +75,7 @@ TextView withoutCarriageReturn(TextView line)
 bool isPlain(TextView piece, bool endsLine)
 {
     const char* const end = piece.ascii() + piece.size() + (endsLine ? 1 : 0);
-    return findSpecial(piece.ascii(), end) == end;
+    return findSpecial(piece.ascii(), end, true) == end;
 }
 
 } // namespace
@@ -248,7 +247,7 @@ void LineReader::findPlainLines()
         return;
     // The last line is left out: what is behind it must be kept when it has been read.
     const char* const end = static_cast<const char*>(m_lastLineFeed);
-    m_plainSize = findSpecial(m_rest.ascii(), end) - m_rest.ascii();
+    m_plainSize = findSpecial(m_rest.ascii(), end, m_blockHasReturns) - m_rest.ascii();
 }
 
 void LineReader::append(TextView piece, bool endsLine)
@@ -338,6 +337,7 @@ bool LineReader::readBlock()
     if (m_isAtStart && m_codec->mibEnum() == utf8Mib && block.bytes.startsWith(utf8Mark.data()))
         begin += utf8Mark.size();
     m_isAtStart = false;
+    m_blockHasReturns = block.bytes.contains('\r');
     setRest(begin, end);
     return true;
 }

@@ -137,6 +137,7 @@ private:
     size_t m_block = 0;
     TextView m_rest; ///< what is left of the block; empty, or with a line feed in it
     const void* m_lastLineFeed = nullptr; ///< in the block
+    bool m_blockHasReturns = false; ///< carriage returns are among the bytes of the block
     qint64 m_blockEnd = 0; ///< place of the end of the block in the file
     qint64 m_lineStart = 0; ///< place of the line that goes on in the next block
     /// So many bytes of the rest hold nothing that needs to be decoded or put together.

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// A vertex of a MIF file takes so many bytes and more, as a rule.
+/// A vertex takes so many bytes and more, as a rule; in a drawing far more.
 constexpr qint64 bytesPerPoint = 8;
 /// Room for more points than this is made as they come.
 constexpr qint64 mostRoom = 1 << 22;
@@ -71,8 +71,8 @@ bool MapImport::openFile(ImportPass pass, const QString& fileName)
     observer->passStarted(pass, fileName);
     if (!in.open(fileName, codec))
         return failFile(FailureKind::FileNotOpened, fileName);
-    // Memory that is not written to costs nothing; points that outgrow theirs are moved, and take
-    // twice as much meanwhile.
+    // Pages that are not written to are only promised; points that outgrow theirs are moved, and
+    // take twice as much meanwhile.
     if (points.isEmpty())
         points.makeRoom(static_cast<int>(std::min(in.size() / bytesPerPoint, mostRoom)));
     return true;

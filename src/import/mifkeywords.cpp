@@ -52,7 +52,7 @@ bool startsKeyword(const char* letters)
     return found;
 }
 
-/// Whether a text starts with a keyword, in whatever case.
+/// Whether a text starts with a keyword, in whatever case. Keywords are letters alone.
 bool startsWith(const char* begin, const char* end, QLatin1String keyword)
 {
     const auto isSame = [](char capital, char c) { return (c & ~caseBit) == capital; };

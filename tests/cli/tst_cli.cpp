@@ -54,8 +54,9 @@ private:
     QStringList m_copied;
 };
 
-/// Milliseconds until a large file must be at hand, with sanitizers and other work going on.
-constexpr int patience = 600000;
+/// Milliseconds until a large file must be at hand, with sanitizers and other work going on; less
+/// than a test function is given.
+constexpr int patience = 240000;
 
 /// Squares enough to keep the command writing for a while.
 template <typename Files>
