@@ -54,9 +54,7 @@ QString firstColumn(const Unit* begin, const Unit* end, QChar delimiter, Decode 
             atStart = false;
         }
     }
-    while (!column.isEmpty() && column.last() == space)
-        column.removeLast();
-    return column.isEmpty() ? QString() : QString(column.constData(), column.size());
+    return withoutSpaces(column.cbegin(), column.cend(), [](QChar c) { return c; });
 }
 
 } // namespace
