@@ -9,6 +9,12 @@ constexpr std::array<QLatin1String, 2> pointCodes{ QLatin1String{ "10", 2 },
     QLatin1String{ "20", 2 } };
 constexpr std::array<QLatin1String, 4> lineCodes{ QLatin1String{ "10", 2 },
     QLatin1String{ "20", 2 }, QLatin1String{ "11", 2 }, QLatin1String{ "21", 2 } };
+constexpr DxfCodes textCodes{ std::array<QLatin1String, 7>{ QLatin1String{ "1", 1 },
+    QLatin1String{ "10", 2 }, QLatin1String{ "20", 2 }, QLatin1String{ "11", 2 },
+    QLatin1String{ "21", 2 }, QLatin1String{ "72", 2 }, QLatin1String{ "73", 2 } } };
+constexpr DxfCodes polylineCodes{ std::array<QLatin1String, 1>{ QLatin1String{ "70", 2 } } };
+constexpr DxfCodes lwpolylineCodes{ std::array<QLatin1String, 4>{ QLatin1String{ "10", 2 },
+    QLatin1String{ "20", 2 }, QLatin1String{ "70", 2 }, QLatin1String{ "90", 2 } } };
 
 /// One coordinate of an entity, as last seen.
 struct Coordinate {
@@ -29,6 +35,7 @@ template <size_t Count>
 bool DxfImport::readCoordinates(
     const std::array<QLatin1String, Count>& codes, std::array<double, Count>& coordinates)
 {
+    pairs.skipOthers(DxfCodes(codes));
     std::array<bool, Count> seen{};
     size_t missing = Count;
     while (missing > 0) {
@@ -67,6 +74,7 @@ bool DxfImport::readText()
     Coordinate alignedY;
     int horizontal = 0;
     int vertical = 0;
+    pairs.skipOthers(textCodes);
     while (!pairs.atEnd()) {
         if (!pairs.readCodeValue())
             return false;
@@ -128,6 +136,7 @@ bool DxfImport::readPolyline()
 {
     appendEmptyPolygon();
     appendEmptyContour();
+    pairs.skipOthers(polylineCodes);
     while (!pairs.atEnd()) {
         if (!pairs.readCodeValue())
             return false;
@@ -152,6 +161,7 @@ bool DxfImport::readLwpolyline()
     qint64 count = 0;
     bool ok = true;
     bool first = true;
+    pairs.skipOthers(lwpolylineCodes);
     for (;;) {
         // A bad number is noticed here, one step late: after the last vertex it goes unnoticed.
         if (pairs.atEnd() || !ok || !pairs.readCodeValue() || pairs.isEntity())

@@ -1,5 +1,11 @@
 #include "import/dxfpairs.h"
 
+namespace {
+
+constexpr DxfCodes entityOnly{ std::array<QLatin1String, 1>{ DxfPairs::entityCode } };
+
+} // namespace
+
 bool DxfPairs::readCodeValue()
 {
     if (unread) {
@@ -14,6 +20,12 @@ bool DxfPairs::readCodeValue()
     if (m_noted && isEntity())
         noteEntity(place);
     return true;
+}
+
+void DxfPairs::skipOthers(const DxfCodes& codes)
+{
+    if (!unread)
+        m_in.skipPairs([&codes](std::string_view line) { return codes.exclude(line); });
 }
 
 DxfStretches::Place DxfPairs::here() const
@@ -54,6 +66,7 @@ bool DxfPairs::skipToEntity()
     if (unread)
         return readCodeValue();
     while (!m_in.atEnd()) {
+        skipOthers(entityOnly);
         const DxfStretches::Place place = here();
         code = m_in.readLine().trimmed();
         if (code.isEmpty())

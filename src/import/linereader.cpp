@@ -20,10 +20,9 @@ bool isHigh(char c)
 
 /// Passes over stretches of bytes none of which has a mark. Nothing ends the inner loop early, so
 /// that many bytes are looked at in one step. The byte behind a stretch may be looked at, too.
-template <typename Mark>
+template <int stretch, typename Mark>
 const char* skipStretches(const char* begin, const char* end, Mark mark)
 {
-    constexpr int stretch = 64;
     const char* it = begin;
     for (; end - it > stretch; it += stretch) {
         uchar marks = 0;
@@ -45,8 +44,8 @@ const char* findSpecial(const char* begin, const char* end, bool hasReturns)
         const bool isAlone = (byte[0] == '\r') & (byte[1] != '\n');
         return high(byte) | isAlone;
     };
-    const char* it =
-        hasReturns ? skipStretches(begin, end, highOrAlone) : skipStretches(begin, end, high);
+    const char* it = hasReturns ? skipStretches<64>(begin, end, highOrAlone)
+                                : skipStretches<8>(skipStretches<64>(begin, end, high), end, high);
     const auto isSpecial = [end](const char* byte) {
         return isHigh(*byte) || (*byte == '\r' && (byte + 1 == end || byte[1] != '\n'));
     };
@@ -222,6 +221,16 @@ TextView LineReader::completeLine(TextView piece)
     return line.view();
 }
 
+/// Goes on behind so many bytes of the block; the last line in it is not among them.
+void LineReader::leaveOut(qsizetype size)
+{
+    m_rest = TextView(m_rest.ascii() + size, m_rest.size() - size);
+    if (size <= m_plainSize)
+        m_plainSize -= size;
+    else
+        findPlainLines();
+}
+
 /// Keeps the start of a line that goes on in the next block, so that nothing is left of this one;
 /// where whole lines are left, finds those that can be handed out as they are.
 void LineReader::stashRest()
@@ -337,7 +346,7 @@ bool LineReader::readBlock()
     if (m_isAtStart && m_codec->mibEnum() == utf8Mib && block.bytes.startsWith(utf8Mark.data()))
         begin += utf8Mark.size();
     m_isAtStart = false;
-    m_blockHasReturns = block.bytes.contains('\r');
+    m_blockHasReturns = std::memchr(begin, '\r', static_cast<size_t>(end - begin));
     setRest(begin, end);
     return true;
 }

@@ -47,6 +47,26 @@ public:
         if (takePlainLine().isNull())
             skipAnyLine();
     }
+    /// Passes over pairs of lines while `isSkipped` is true of the bytes of the first one, without
+    /// its line feed. May stop sooner, but not at the end of the file.
+    template <typename Predicate>
+    void skipPairs(Predicate isSkipped)
+    {
+        if (m_rest.isEmpty() || !m_rest.isAscii() || !m_lines[m_line].isUntouched())
+            return;
+        const char* const begin = m_rest.ascii();
+        const char* next = begin;
+        while (const char* const first = findLineFeedBeforeLast(next)) {
+            if (!isSkipped(std::string_view(next, static_cast<size_t>(first - next))))
+                break;
+            const char* const second = findLineFeedBeforeLast(first + 1);
+            if (!second)
+                break;
+            next = second + 1;
+            m_lineNum += 2;
+        }
+        leaveOut(next - begin);
+    }
     /// Reads the next line like readLine(), but leaves its bytes as they are in the file: each is
     /// the character that byteTable() gives. Null, and nothing is read, where that is not so, or
     /// the line does not stand in one piece.
@@ -103,6 +123,13 @@ private:
         return TextView(begin, size > 0 && end[-1] == '\r' ? size - 1 : size);
     }
 
+    /// The next line feed that is not the last one of the block, or null.
+    const char* findLineFeedBeforeLast(const char* begin) const
+    {
+        const auto size = static_cast<size_t>(static_cast<const char*>(m_lastLineFeed) - begin);
+        return static_cast<const char*>(std::memchr(begin, '\n', size));
+    }
+
     void start();
     bool isAtEndOfFile() const;
     TextView readAnyLine();
@@ -114,6 +141,7 @@ private:
     void setRest(const Unit* begin, const Unit* end);
     TextView takePiece();
     TextView completeLine(TextView piece);
+    void leaveOut(qsizetype size);
     void stashRest();
     void append(TextView piece, bool endsLine);
     void appendByTable(TextView piece, QString& characters) const;

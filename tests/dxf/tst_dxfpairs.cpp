@@ -1,6 +1,7 @@
 #include "drawing.h"
 #include "import/dxftext.h"
 #include "importrun.h"
+#include "support/random.h"
 
 #include <QDir>
 #include <QtTest>
@@ -37,6 +38,8 @@ private slots:
     void blankValueIsAccepted();
     void missingValueLineIsAnEmptyValue();
     void unreadHandsBackTheSamePairOnce();
+    void pairsOfOtherCodesArePassedOver();
+    void excludedLinesAreNoCodes();
 
     void headerSectionIsAccepted();
     void otherBeginningIsRefused_data();
@@ -145,6 +148,59 @@ void TestDxfPairs::unreadHandsBackTheSamePairOnce()
     QVERIFY(m_import->pairs.readCodeValue());
     QCOMPARE(pair(), QStringLiteral("20|6"));
     QCOMPARE(m_import->lineNum(), 4);
+}
+
+void TestDxfPairs::pairsOfOtherCodesArePassedOver()
+{
+    const DxfCodes codes(std::array<QLatin1String, 1>{ QLatin1String("10") });
+    const QByteArray content =
+        "999\nfirst\n  5\n1F\n330\n0\n 100\nAcDbEntity\n  8\n\xD1\xEB\xEE\xE9\n 10\n7\n  0\nLINE\n";
+    open(content);
+    QVERIFY(m_import->pairs.readCodeValue());
+    m_import->pairs.skipOthers(codes);
+    QCOMPARE(m_import->lineNum(), 10);
+    QVERIFY(m_import->pairs.readCodeValue());
+    QCOMPARE(pair(), QStringLiteral("10|7"));
+    m_import->pairs.skipOthers(codes);
+    QVERIFY(m_import->pairs.readCodeValue());
+    QCOMPARE(pair(), QStringLiteral("0|LINE"));
+
+    open(content);
+    QVERIFY(m_import->pairs.readCodeValue());
+    m_import->pairs.unread = true;
+    m_import->pairs.skipOthers(codes);
+    QVERIFY(m_import->pairs.readCodeValue());
+    QCOMPARE(pair(), QStringLiteral("999|first"));
+    QCOMPARE(m_import->lineNum(), 2);
+}
+
+/// A glance at the bytes never takes for another code what is one when decoded and trimmed.
+void TestDxfPairs::excludedLinesAreNoCodes()
+{
+    const QByteArrayList pieces{ "0", "1", "2", "10", "73", "330", " ", "\t", "\r", "x", "\xA0",
+        "\x85", "\xD0\x97", "\xE2\x80", "\x1C", QByteArray(1, '\0') };
+    const std::array<QLatin1String, 3> wanted{ QLatin1String("1"), QLatin1String("10"),
+        QLatin1String("73") };
+    const DxfCodes codes(wanted);
+    QVERIFY(codes.exclude("330") && codes.exclude(" 8") && codes.exclude("100\r"));
+    Random random(7);
+    int excluded = 0;
+    for (int i = 0; i < 100000; ++i) {
+        QByteArray line;
+        for (int count = random.below(5); count > 0; --count)
+            line += random.pick(pieces);
+        if (!codes.exclude({ line.constData(), static_cast<size_t>(line.size()) }))
+            continue;
+        ++excluded;
+        for (const char* name : { "windows-1251", "ISO-8859-1", "UTF-8" }) {
+            const QString code =
+                QTextCodec::codecForName(name)->toUnicode(line).remove(QLatin1Char('\r')).trimmed();
+            QVERIFY2(!code.isEmpty() && code != DxfPairs::entityCode, line.toHex().constData());
+            for (const QLatin1String other : wanted)
+                QVERIFY2(code != other, line.toHex().constData());
+        }
+    }
+    QVERIFY(excluded > 10000);
 }
 
 void TestDxfPairs::headerSectionIsAccepted()
