@@ -42,8 +42,10 @@ if(IMPORTGEOMETRY_FUZZ)
     target_compile_options(project_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 if(IMPORTGEOMETRY_COVERAGE)
-    target_compile_options(project_options INTERFACE --coverage)
-    target_link_options(project_options INTERFACE --coverage)
+    # A file for each program and library, to which each of its runs adds.
+    set(counting "-fprofile-instr-generate=${PROJECT_BINARY_DIR}/profiles/%m.profraw")
+    target_compile_options(project_options INTERFACE ${counting} -fcoverage-mapping)
+    target_link_options(project_options INTERFACE ${counting})
 endif()
 target_compile_definitions(project_options INTERFACE
     QT_NO_CAST_FROM_ASCII
