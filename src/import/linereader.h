@@ -52,7 +52,7 @@ public:
     template <typename Predicate>
     void skipPairs(Predicate isSkipped)
     {
-        if (m_rest.isEmpty() || !m_rest.isAscii() || !m_lines[m_line].isUntouched())
+        if (m_rest.isEmpty() || !m_rest.isAscii())
             return;
         const char* const begin = m_rest.ascii();
         const char* next = begin;
@@ -163,7 +163,8 @@ private:
 
     std::array<Block, 2> m_blocks; ///< the one being read, and the one that holds earlier lines
     size_t m_block = 0;
-    TextView m_rest; ///< what is left of the block; empty, or with a line feed in it
+    /// What is left of the block: empty, or with a line feed in it, and then it starts with a line.
+    TextView m_rest;
     const void* m_lastLineFeed = nullptr; ///< in the block
     bool m_blockHasReturns = false; ///< carriage returns are among the bytes of the block
     qint64 m_blockEnd = 0; ///< place of the end of the block in the file

@@ -244,7 +244,7 @@ bool MifImport::readPlineMultiple()
     bool ok = false;
     takeToken(m_behindKeyword);
     const int sectionCount = toInt(takeToken(m_behindKeyword), &ok);
-    if (!ok || sectionCount < 2 || in.atEnd())
+    if (!ok || sectionCount < 2)
         return false;
     int sections = 0;
     while (sections < sectionCount && !in.atEnd()) {
@@ -263,7 +263,7 @@ bool MifImport::readRegion()
     const int ringCount = toInt(takeToken(m_behindKeyword), &ok);
     if (!ok)
         return false;
-    if (in.atEnd() || ringCount < 1)
+    if (ringCount < 1)
         return ringCount == 0;
     int rings = 0;
     while (rings < ringCount && !in.atEnd()) {
@@ -278,7 +278,7 @@ bool MifImport::readRegion()
 bool MifImport::readSub(int count, bool closed)
 {
     appendEmptyContour();
-    if (in.atEnd() || count < 1)
+    if (count < 1)
         return count == 0;
     map->last().contours.last().reserve(std::min(count, maxReserved));
     int vertices = 0;

@@ -46,6 +46,26 @@ private:
     QString m_folder;
 };
 
+/// Takes each object out of the collection when it is told of it.
+class Taker : public ImportObserver {
+public:
+    explicit Taker(QVector<DefPolygon>& objects)
+        : m_objects(objects)
+    {
+    }
+
+    void objectBuilt(QLatin1String, bool, bool) override
+    {
+        taken += m_objects;
+        m_objects.clear();
+    }
+
+    QVector<DefPolygon> taken;
+
+private:
+    QVector<DefPolygon>& m_objects;
+};
+
 } // namespace
 
 /// What an import tells about itself while it runs.
@@ -83,6 +103,8 @@ private slots:
     void dxfWithPointFile();
     void lineOfAFileThatIsReadTwice();
     void filesThatAreMissing();
+    void objectsMayBeTaken_data();
+    void objectsMayBeTaken();
 };
 
 void TestImportObserver::mif()
@@ -187,6 +209,42 @@ void TestImportObserver::filesThatAreMissing()
             QStringLiteral("failed nothing.dxf at 0 in line 0"),
             QStringLiteral("pass objects none.dxf"),
             QStringLiteral("failed none.dxf at 0 in line 0") }));
+}
+
+void TestImportObserver::objectsMayBeTaken_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("MIF") << QStringLiteral("t.mif")
+                         << QByteArray("Version 300\nCharset \"N\"\nDelimiter \",\"\nData\nLine 0 "
+                                       "0 5 5\nPline 2\n0 0\n1 1\n"
+                                       "Region 1\n4\n0 0\n1 0\n1 1\n0 0\nPline 3\n7 7\n8 8\n");
+    QTest::newRow("DXF") << QStringLiteral("t.dxf")
+                         << start
+            + "0\nLINE\n10\n0\n20\n0\n11\n5\n21\n5\n"
+              "0\nLWPOLYLINE\n90\n2\n10\n0\n20\n0\n10\n1\n20\n1\n"
+              "0\nLWPOLYLINE\n90\n3\n70\n1\n10\n0\n20\n0\n10\n1\n20\n0\n10\n1\n20\n1\n"
+              "0\nLWPOLYLINE\n90\n3\n10\n7\n20\n7\n10\n8\n20\n8\n0\nEOF\n";
+}
+
+/// Their vertices have their names by then, and those of later objects go on from them.
+void TestImportObserver::objectsMayBeTaken()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, content);
+    m_folder.write(name, content);
+    const auto importer = formatOfFile(name)->makeImporter();
+    prepare(*importer, numbered(), m_folder, name, {});
+    QVector<DefPolygon> objects;
+    importer->map = &objects;
+    Taker taker(objects);
+    importer->observer = &taker;
+    const StatusLog status;
+    importer->importMap();
+    QVERIFY(objects.isEmpty());
+    QCOMPARE(describeAll(taker.taken),
+        QStringLiteral("1 [1 0 0; 2 5 5]; 2 [1 0 0; 3 1 1]; 3 [1 0 0; 4 1 0; 3 1 1; 1 0 0]; "
+                       "<null> [5 7 7; 6 8 8]"));
 }
 
 QTEST_GUILESS_MAIN(TestImportObserver)
