@@ -23,6 +23,7 @@ public:
     int margin = 1;
     int leastWidth = 0; // of items with a text, and of the view in one of its states
     QStyle::State leastWidthIn = QStyle::State_None;
+    QChar wideLetter; // items with this letter are wider
 
     int pixelMetric(
         PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override
@@ -37,6 +38,9 @@ public:
         QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
         if (type == CT_ItemViewItem && (option->state & leastWidthIn) == leastWidthIn)
             size.setWidth(std::max(size.width(), leastWidth));
+        const auto* item = qstyleoption_cast<const QStyleOptionViewItem*>(option);
+        if (item && !wideLetter.isNull() && item->text.contains(wideLetter))
+            size.rwidth() += 50;
         return size;
     }
 };
@@ -75,6 +79,7 @@ private slots:
     void sizesAreThoseOfQt_data();
     void sizesAreThoseOfQt();
     void singleQuestions();
+    void brokenRuns();
     void invalidIndex();
     void textsAreMeasuredOnce();
 
@@ -172,6 +177,7 @@ void TestListSizes::sizesAreThoseOfQt_data()
     row("a font", "font | layout");
     row("a metric", "margin | margin | layout");
     row("a least width in some states", "width | focus | leave");
+    row("a wide letter", "letter | layout");
     row("word wrap", "wrap | resize | resize | unwrap");
     row("word wrap and other sheets", "wrap | view:QListView::item{padding:12px} | resize");
     row("icons", "icons | layout");
@@ -215,6 +221,7 @@ void TestListSizes::sizesAreThoseOfQt()
                 m_style->leastWidth = 200;
                 m_style->leastWidthIn = QStyle::State_Active;
             } },
+        { QStringLiteral("letter"), [this] { m_style->wideLetter = QLatin1Char('W'); } },
         { QStringLiteral("wrap"), [this] { m_view->setWordWrap(true); } },
         { QStringLiteral("unwrap"), [this] { m_view->setWordWrap(false); } },
         { QStringLiteral("resize"), [this] { m_view->resize(m_view->width() - 40, 400); } },
@@ -253,6 +260,32 @@ void TestListSizes::singleQuestions()
         const QModelIndex index = m_model->index(row, 0);
         QCOMPARE(own.sizeHint(option, index), plain.sizeHint(option, index));
     }
+}
+
+// A run of rows that is broken off tells nothing of what is asked behind it.
+void TestListSizes::brokenRuns()
+{
+    laidOut();
+    QStyleOptionViewItem option = m_view->viewOptions();
+    option.rect = QRect(0, 0, 60, 400);
+    QStyleOptionViewItem wrapped = option;
+    wrapped.features.setFlag(QStyleOptionViewItem::WrapText);
+    const QStyledItemDelegate plain;
+    const QAbstractItemDelegate& own = *m_view->itemDelegate();
+    const auto size = [&](const QAbstractItemDelegate& delegate, const auto& asked, int row) {
+        return delegate.sizeHint(asked, m_model->index(row, 0));
+    };
+    const auto run = [&] {
+        for (int row = 0; row < 150; ++row)
+            QCOMPARE(size(own, option, row), size(plain, option, row));
+    };
+    run();
+    run();
+    for (int row = 150; row < 180; ++row)
+        QCOMPARE(size(own, wrapped, row), size(plain, wrapped, row));
+    run();
+    m_style->margin += 5;
+    QCOMPARE(size(own, option, 200), size(plain, option, 200));
 }
 
 void TestListSizes::invalidIndex()
