@@ -278,8 +278,6 @@ bool MifImport::readRegion()
 bool MifImport::readSub(int count, bool closed)
 {
     appendEmptyContour();
-    if (count < 1)
-        return count == 0;
     map->last().contours.last().reserve(std::min(count, maxReserved));
     int vertices = 0;
     while (vertices < count && !in.atEnd()) {

@@ -840,6 +840,13 @@ private slots:
         const QString out = QString::fromUtf8(run.out);
         QVERIFY(out.startsWith(QStringLiteral("parcels.mif: прочитано объектов: 3")));
         QVERIFY(out.endsWith(QStringLiteral("drawing.dxf: замечаний: 1\n")));
+
+        // A file that is not checked is none with findings.
+        const CommandRun missing = runCommand(
+            words({ "check", "parcels.mif", "no.mif", "--encoding=UTF-8" }), folder.path());
+        QCOMPARE(missing.status, 1);
+        QCOMPARE(missing.errorLines().last(),
+            QStringLiteral("Всего файлов: 2, с замечаниями: 1, не проверено: 1"));
     }
 
     // Plan
