@@ -14,6 +14,7 @@
 #include <QWheelEvent>
 
 #include <limits>
+#include <memory>
 
 namespace {
 
