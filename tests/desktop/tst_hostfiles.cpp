@@ -132,7 +132,6 @@ void TestHostFiles::tellsWriteErrors_data()
     QTest::newRow("GeoJSON") << FormFile::GeoJson << QStringLiteral("а.geojson")
                              << QStringLiteral("а.geojson");
     QTest::newRow("SVG") << FormFile::Svg << QStringLiteral("а.svg") << QStringLiteral("а.svg");
-    QTest::newRow("PNG") << FormFile::Png << QStringLiteral("а.png") << QStringLiteral("а.png");
     QTest::newRow("PDF") << FormFile::Pdf << QStringLiteral("а.pdf") << QStringLiteral("а.pdf");
     // The first of the two to be finished.
     QTest::newRow("MIF") << FormFile::Mif << QStringLiteral("а.mif") << QStringLiteral("а.mid");
