@@ -3,10 +3,10 @@
 #include "export/exportfile.h"
 #include "plan/planfile.h"
 #include "sheet.h"
+#include "wholefile.h"
 
 #include <QDir>
 #include <QPdfWriter>
-#include <QSaveFile>
 
 namespace {
 
@@ -90,11 +90,12 @@ QString writeFormFile(const FormExport& task, const std::atomic_bool& cancelled,
         return trouble(out);
     if (hasCompanion && !companion.open(QIODevice::WriteOnly))
         return trouble(companion);
-    if (!write(out, hasCompanion ? &companion : nullptr, task, cancelled, remark))
-        return QStringLiteral("Для этого не хватает памяти.");
+    const bool isWritten = write(out, hasCompanion ? &companion : nullptr, task, cancelled, remark);
     if (cancelled)
         return QStringLiteral("Отменено.");
-    if (hasCompanion && !companion.commit())
+    if (!isWritten)
+        return QStringLiteral("Для этого не хватает памяти.");
+    if (hasCompanion && !commitWhole(companion))
         return trouble(companion);
-    return out.commit() ? QString() : trouble(out);
+    return commitWhole(out) ? QString() : trouble(out);
 }

@@ -3,10 +3,10 @@
 #include "dialogdriver.h"
 #include "hostoptions.h"
 #include "pluginhost.h"
+#include "wholefile.h"
 
 #include <QDir>
 #include <QPluginLoader>
-#include <QSaveFile>
 
 #include <cstdio>
 
@@ -30,7 +30,7 @@ bool saveResult(const QString& result, const QString& fileName)
 {
     QSaveFile file(fileName);
     const QByteArray bytes = result.toUtf8();
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit()) {
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && commitWhole(file)) {
         say(QStringLiteral("Результат записан: %1").arg(QDir::toNativeSeparators(fileName)));
         return true;
     }

@@ -208,6 +208,7 @@ void PlanWidget::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton && event->button() != Qt::MiddleButton)
         return;
+    m_button = event->button();
     m_pressed = event->localPos();
     m_dragged = m_pressed;
     m_isDragging = false;
@@ -216,7 +217,7 @@ void PlanWidget::mousePressEvent(QMouseEvent* event)
 void PlanWidget::mouseMoveEvent(QMouseEvent* event)
 {
     emit cursorMoved(coordinatesAt(event->localPos()));
-    if (event->buttons() == Qt::NoButton)
+    if (!(event->buttons() & m_button))
         return;
     const QPointF way = event->localPos() - m_pressed;
     m_isDragging = m_isDragging || way.manhattanLength() >= QApplication::startDragDistance();
@@ -229,14 +230,17 @@ void PlanWidget::mouseMoveEvent(QMouseEvent* event)
 
 void PlanWidget::mouseReleaseEvent(QMouseEvent* event)
 {
+    if (event->button() != m_button)
+        return;
+    m_button = Qt::NoButton;
     unsetCursor();
     if (!m_isDragging && event->button() == Qt::LeftButton)
         pick(event->localPos());
-    m_isDragging = false;
 }
 
 void PlanWidget::mouseDoubleClickEvent(QMouseEvent*)
 {
+    // Its press takes nothing up: under the cursor something else stands when it is released.
     fitSelection();
 }
 

@@ -70,6 +70,7 @@ private:
     PlanSelection m_selection;
     QTimer m_conflictTimer;
     bool m_isFitted = true; ///< shows everything, whatever the size of the widget
+    Qt::MouseButton m_button = Qt::NoButton; ///< that was pressed, to click or to drag
     QPointF m_pressed;
     QPointF m_dragged;
     bool m_isDragging = false;

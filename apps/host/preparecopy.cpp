@@ -6,11 +6,11 @@
 #include "prepare/preparedxf.h"
 #include "prepare/preparemif.h"
 #include "prepare/reporttext.h"
+#include "wholefile.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QTemporaryDir>
 
 #include <limits>
@@ -47,7 +47,7 @@ void commit(QSaveFile& file, const std::atomic_bool& cancelled)
 {
     if (cancelled)
         throw Trouble{ QStringLiteral("отменено") };
-    if (!file.commit())
+    if (!commitWhole(file))
         throw Trouble{ QStringLiteral("ошибка записи файла %1: %2")
                            .arg(QDir::toNativeSeparators(file.fileName()), file.errorString()) };
 }

@@ -13,7 +13,9 @@
 #include <QXmlStreamReader>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 
 namespace {
 
@@ -351,6 +353,11 @@ private slots:
             "a.svg: ошибка записи: превышен предельный размер файла");
         row("PNG to a full disk", "ulimit -f 1; $CLI plan -q parcels.mif -o a.png",
             "a.png: ошибка записи: превышен предельный размер файла");
+        // What has no text of its own is told in the system's words.
+        QTest::newRow("refused for another reason")
+            << QStringLiteral("$CLI convert -q parcels.mif > /proc/self/oom_score_adj")
+            << QStringLiteral("стандартный вывод: ошибка записи: ")
+                + QString::fromLocal8Bit(std::strerror(EINVAL));
         row("plan in a missing folder", "$CLI plan parcels.mif -o no/a.png",
             "no/a.png: не удаётся создать файл: нет такой папки");
     }

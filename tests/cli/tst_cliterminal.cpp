@@ -152,6 +152,26 @@ private slots:
         QVERIFY(run.status != 0);
     }
 
+    /// The same of a file that is read to its end.
+    void namedFileToItsEnd()
+    {
+        constexpr int size = 8 << 20;
+        const QByteArray line = "0\nLINE\n10\n1\n20\n0\n11\n1\n21\n1\n";
+        m_folder->write(QStringLiteral("a.dxf"), drawing(line.repeated(size / line.size())));
+        QProcess process;
+        startSlowed(process, QStringLiteral("check a.dxf"));
+        static const QRegularExpression reads(
+            QStringLiteral("a\\.dxf: прочитано (?!0\\.0)[0-9.]+ МБ из 8\\.0 МБ \\(\\d+ %\\)"));
+        const QByteArray shown = waitForShown(process,
+            [](const QByteArray& text) { return QString::fromUtf8(text).contains(reads); });
+        QVERIFY(!shown.isEmpty());
+        m_folder->write(QStringLiteral("faster"), {});
+        const CommandRun run = waitFor(process);
+        const QByteArray count = QByteArray::number(size / line.size());
+        QVERIFY2(run.out.contains(count), run.out.constData());
+        QCOMPARE(run.status, 0);
+    }
+
     void convertingProgram_data()
     {
         QTest::addColumn<QString>("command");

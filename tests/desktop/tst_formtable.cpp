@@ -51,6 +51,9 @@ private slots:
     void keepsDecimals();
     void refuses_data();
     void refuses();
+    void tellsWhatIsWrong_data();
+    void tellsWhatIsWrong();
+    void passesOverOtherElements();
     void takesRows();
     void updatesRows();
     void tellsAreas();
@@ -157,6 +160,76 @@ void TestFormTable::refuses()
     QVERIFY(error);
     QVERIFY(!error->text.isEmpty());
     QTEST(error->line, "line");
+}
+
+void TestFormTable::tellsWhatIsWrong_data()
+{
+    QTest::addColumn<QString>("xml");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<qint64>("line");
+    const QString first = QStringLiteral("\n")
+        + row({ QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3") })
+        + QLatin1Char('\n');
+    QTest::newRow("another document")
+        << QStringLiteral("\n<svg/>") << QStringLiteral("это не таблица формы") << qint64(2);
+    QTest::newRow("no number") << form(
+        first + row({ QStringLiteral("1"), QStringLiteral("север"), QStringLiteral("2") }))
+                               << QStringLiteral("в столбце 2 каталога не координата: «север»")
+                               << qint64(3);
+    QTest::newRow("long text") << form(
+        first + row({ QStringLiteral("1"), QStringLiteral("2"), QString(1000, QLatin1Char('s')) }))
+                               << QStringLiteral("в столбце 3 каталога не координата: «%1»")
+                                      .arg(QString(40, QLatin1Char('s')))
+                               << qint64(3);
+    QTest::newRow("too few columns")
+        << form(first + row({ QStringLiteral("1"), QStringLiteral("2") }))
+        << QStringLiteral("в столбце 3 каталога не координата: «»") << qint64(3);
+    QTest::newRow("element in a cell of the catalogue")
+        << form(first + QStringLiteral("<Row>\n<Cell>1<b>2</b></Cell></Row>"))
+        << QStringLiteral("в ячейке таблицы не только текст") << qint64(4);
+    QTest::newRow("element in a cell of an object")
+        << QStringLiteral("<FormTable><Row>\n\n<Cell><b/></Cell></Row></FormTable>")
+        << QStringLiteral("в ячейке таблицы не только текст") << qint64(3);
+    QString cells;
+    for (int i = 0; i < 10001; ++i)
+        cells += QStringLiteral("<Cell/>");
+    QTest::newRow("cells without end")
+        << QStringLiteral("<FormTable>\n<Row>%1</Row></FormTable>").arg(cells)
+        << QStringLiteral("в строке таблицы слишком много ячеек") << qint64(2);
+}
+
+void TestFormTable::tellsWhatIsWrong()
+{
+    QFETCH(QString, xml);
+    FormTable table;
+    const auto error = readForm(xml, columns, table);
+    QVERIFY(error);
+    QTEST(error->text, "text");
+    QTEST(error->line, "line");
+}
+
+void TestFormTable::passesOverOtherElements()
+{
+    // What a later program may add to a table, a row or a catalogue, and a second catalogue.
+    const QString other = QStringLiteral("<Note><Row><Cell>9</Cell></Row></Note>");
+    const QString point = QStringLiteral("<Row>%1<Cell>1</Cell><Cell>2</Cell><Cell>3</Cell></Row>");
+    const QString catalogue = QStringLiteral("<FormTable Name=\"%1\">%2</FormTable>");
+    const QString xml =
+        QStringLiteral("<FormTable>%1<Row>%1<Cell/><Cell>ЗУ1</Cell>%2%3</Row>"
+                       "</FormTable>")
+            .arg(other, catalogue.arg(QStringLiteral("Координаты"), other + point.arg(other)),
+                catalogue.arg(QStringLiteral("Другие"), point.arg(QString())));
+    FormTable table;
+    const auto error = readForm(xml, columns, table);
+    QVERIFY2(!error, error ? qPrintable(error->text) : "");
+    QCOMPARE(table.catalogueName, QStringLiteral("Координаты"));
+    QCOMPARE(table.objects.size(), 1);
+    const DefPolygon& read = table.objects.first();
+    QCOMPARE(read.def, QStringLiteral("ЗУ1"));
+    QCOMPARE(read.contours.size(), 1);
+    QCOMPARE(read.contours.first().size(), 1);
+    QCOMPARE(read.contours.first().first().y, 3.0);
+    QVERIFY(table.others.first().object.isEmpty());
 }
 
 void TestFormTable::takesRows()

@@ -1,5 +1,6 @@
 #include "dialog.h"
 #include "support/dialogdriver.h"
+#include "support/fulldisk.h"
 #include "support/permissions.h"
 #include "support/stricttest.h"
 
@@ -13,38 +14,12 @@
 #include <QSpinBox>
 #include <QTest>
 
-#include <csignal>
 #include <limits>
 #include <memory>
-
-#include <sys/resource.h>
 
 namespace {
 
 const QString group = QStringLiteral("ImportObjects/");
-
-/// No file can be written to while it lives, as on a full disk.
-class FullDisk {
-public:
-    FullDisk()
-        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &m_limit);
-        rlimit none = m_limit;
-        none.rlim_cur = 0;
-        setrlimit(RLIMIT_FSIZE, &none);
-    }
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_limit);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    Q_DISABLE_COPY(FullDisk)
-
-private:
-    rlimit m_limit{};
-    void (*m_handler)(int);
-};
 
 /// What the dialog offers, widget by widget.
 QStringList offers(const QDialog& dialog)

@@ -1,3 +1,4 @@
+#include "support/fulldisk.h"
 #include "support/tempfiles.h"
 
 #include <QFileInfo>
@@ -77,6 +78,7 @@ private slots:
     void refusesWrongUse_data();
     void refusesWrongUse();
     void reportsUnwritableOutput();
+    void reportsFullDisk();
     void passesMessagesOn();
     void takesScreenshots();
     void printsResult();
@@ -165,6 +167,23 @@ void TestHost::reportsUnwritableOutput()
                                    m_files.path(QStringLiteral("none/result.xml")) },
         1);
     QVERIFY(output.contains(QStringLiteral("Ошибка записи файла")));
+}
+
+void TestHost::reportsFullDisk()
+{
+    const QString result = m_files.write(QStringLiteral("older.xml"), "older");
+    QString output;
+    {
+        // The program that it starts is under the same limit.
+        const FullDisk disk;
+        output =
+            run({ QStringLiteral("--operation"), dxfOperation, QStringLiteral("-o"), result }, 1);
+    }
+    QVERIFY2(output.contains(QStringLiteral("Ошибка записи файла %1: ").arg(result)),
+        qPrintable(output));
+    QFile file(result);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("older"));
 }
 
 void TestHost::passesMessagesOn()
