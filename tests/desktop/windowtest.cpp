@@ -4,6 +4,7 @@
 #include "support/miftext.h"
 #include "windowdriver.h"
 
+#include <QApplication>
 #include <QFileInfo>
 #include <QProcess>
 #include <QSettings>
@@ -19,10 +20,13 @@ constexpr int patienceMs = 60000;
 
 void WindowTest::init()
 {
+    // File dialogs of a desktop are not ours to drive.
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     // No printer of this machine has to do with it.
     qputenv("CUPS_SERVER", "localhost:1");
     m_files = std::make_unique<TempFiles>();
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_files->path(QString()));
+    QSettings::setPath(
+        QSettings::NativeFormat, QSettings::UserScope, m_files->path(QStringLiteral("settings")));
     QSettings().clear();
     m_host = std::make_unique<PluginHost>();
     QVERIFY2(m_host->load(QStringLiteral(PLUGIN_PATH)), qPrintable(m_host->errorString()));
