@@ -117,6 +117,7 @@ private slots:
     void bringsPaneToFront();
     void worksWithoutPlugin();
     void importsWithoutName();
+    void tellsUnreadableResult();
 
 private:
     /// Opens a form from a file.
@@ -950,6 +951,23 @@ void TestWindowFiles::importsWithoutName()
     QCOMPARE(taken.fileName, file);
     QVERIFY(taken.isStarted);
     QVERIFY(!taken.result.isNull());
+}
+
+void TestWindowFiles::tellsUnreadableResult()
+{
+    // The designations stand in the column of the coordinate, which the dialog of the settings
+    // refuses and a file of settings may say.
+    QSettings store;
+    store.setValue(QStringLiteral("form/pointColumn"), 2);
+    m_window = std::make_unique<MainWindow>(*m_host);
+    m_window->show();
+    const QString file = squares();
+    whenDialogRuns(startAndAccept);
+    m_window->openFiles({ file });
+    QVERIFY(waitFor([&] { return !messages().isEmpty(); }));
+    QCOMPARE(messages(), QStringList(QStringLiteral("в столбце 3 каталога не координата: «н1»")));
+    QCOMPARE(shownObjects(), QStringList());
+    QCOMPARE(recentFiles(), QStringList());
 }
 
 QTEST_MAIN(TestWindowFiles)
