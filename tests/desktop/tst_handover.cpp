@@ -20,7 +20,6 @@
 #include <QPrinter>
 #include <QProcess>
 #include <QRadioButton>
-#include <QStandardPaths>
 #include <QTableView>
 #include <QTest>
 #include <QTextBrowser>
@@ -58,11 +57,6 @@ FormTable longLine(int vertices)
 const QByteArray geoJson = R"({"type": "FeatureCollection", "features": [
 {"type": "Feature", "properties": {"kind": "parcel", "number": "50:1"}, "geometry":
  {"type": "Polygon", "coordinates": [[[0, 0], [10, 0], [10, 10], [0, 10], [0, 0]]]}}]})";
-
-bool hasOgr()
-{
-    return !QStandardPaths::findExecutable(QStringLiteral("ogr2ogr")).isEmpty();
-}
 
 } // namespace
 

@@ -24,7 +24,6 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
-#include <QStandardPaths>
 #include <QStatusBar>
 #include <QTableView>
 #include <QTest>
@@ -59,11 +58,6 @@ QByteArray contentOf(const QString& fileName)
 const QByteArray geoJson = R"({"type": "FeatureCollection", "features": [
 {"type": "Feature", "properties": {"number": "50:1"}, "geometry":
  {"type": "Polygon", "coordinates": [[[0, 0], [10, 0], [10, 10], [0, 10], [0, 0]]]}}]})";
-
-bool hasOgr()
-{
-    return !QStandardPaths::findExecutable(QStringLiteral("ogr2ogr")).isEmpty();
-}
 
 /// A name that a file system takes, but not with anything added.
 QString longName(const QString& suffix)

@@ -1,6 +1,7 @@
 #include "windowdriver.h"
 
 #include "background.h"
+#include "support/dialogdriver.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -47,15 +48,6 @@ private:
     QElapsedTimer m_elapsed;
 };
 
-template <typename Widget>
-Widget& part(const QDialog& dialog, const char* name)
-{
-    auto* found = dialog.findChild<Widget*>(QLatin1String(name));
-    if (!found)
-        qFatal("The dialog has no %s", name);
-    return *found;
-}
-
 } // namespace
 
 void whenDialogRuns(const DriveDialog& drive)
@@ -82,8 +74,8 @@ void whenProgressRuns(const std::function<void(const QString&)>& tell)
 
 void startAndAccept(QDialog& dialog)
 {
-    part<QAbstractButton>(dialog, "startButton").click();
-    part<QDialogButtonBox>(dialog, "buttonBox").button(QDialogButtonBox::Ok)->click();
+    widget<QAbstractButton>(dialog, "startButton").click();
+    widget<QDialogButtonBox>(dialog, "buttonBox").button(QDialogButtonBox::Ok)->click();
 }
 
 void cancel(QDialog& dialog)
@@ -103,11 +95,11 @@ DriveDialog choose(const QStringList& fileNames)
 {
     return [fileNames](QDialog& dialog) {
         const QFileDialog& asked = asFileDialog(dialog);
-        part<QLineEdit>(dialog, "fileNameEdit")
+        widget<QLineEdit>(dialog, "fileNameEdit")
             .setText(fileNames.size() == 1
                     ? fileNames.first()
                     : QStringLiteral("\"%1\"").arg(fileNames.join(QStringLiteral("\" \""))));
-        part<QDialogButtonBox>(dialog, "buttonBox")
+        widget<QDialogButtonBox>(dialog, "buttonBox")
             .button(asked.acceptMode() == QFileDialog::AcceptSave ? QDialogButtonBox::Save
                                                                   : QDialogButtonBox::Open)
             ->click();

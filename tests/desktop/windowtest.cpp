@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QSettings>
+#include <QStandardPaths>
 #include <QTableView>
 #include <QTest>
 #include <QTextBrowser>
@@ -100,6 +101,11 @@ QByteArray square(int x, int y)
 bool waitFor(const std::function<bool()>& condition)
 {
     return QTest::qWaitFor(condition, patienceMs);
+}
+
+bool hasOgr()
+{
+    return !QStandardPaths::findExecutable(QStringLiteral("ogr2ogr")).isEmpty();
 }
 
 QString textOfPdf(const QString& fileName)

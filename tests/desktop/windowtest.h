@@ -49,5 +49,8 @@ QByteArray square(int x, int y);
 /// Runs the event loop until the condition holds; false when it does not within a minute.
 bool waitFor(const std::function<bool()>& condition);
 
+/// Whether the program is there that reads files of other formats.
+bool hasOgr();
+
 /// The text of a PDF file; ends the program when there is none.
 QString textOfPdf(const QString& fileName);
