@@ -2,14 +2,11 @@
 // other formats.
 
 #include "cataloguerows.h"
-#include "mainwindow.h"
 #include "prepare/foreignfile.h"
 #include "support/miftext.h"
-#include "support/stricttest.h"
-#include "support/tempfiles.h"
 #include "windowdriver.h"
+#include "windowtest.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -23,8 +20,6 @@
 #include <QPrinter>
 #include <QProcess>
 #include <QRadioButton>
-#include <QSettings>
-#include <QStandardPaths>
 #include <QTableView>
 #include <QTest>
 #include <QTextBrowser>
@@ -32,21 +27,8 @@
 
 namespace {
 
-constexpr int patienceMs = 60000;
-
-QString textOfPdf(const QString& fileName)
-{
-    QProcess reader;
-    reader.start(QStringLiteral("pdftotext"),
-        { QStringLiteral("-layout"), QStringLiteral("-enc"), QStringLiteral("UTF-8"), fileName,
-            QStringLiteral("-") });
-    if (!reader.waitForFinished(patienceMs) || reader.exitCode() != 0)
-        qFatal("pdftotext fails");
-    return QString::fromUtf8(reader.readAllStandardOutput());
-}
-
 /// Objects in a row, each a square.
-FormTable squares(const QStringList& defs)
+FormTable rowOfSquares(const QStringList& defs)
 {
     FormTable table;
     for (int i = 0; i < defs.size(); ++i) {
@@ -76,19 +58,12 @@ const QByteArray geoJson = R"({"type": "FeatureCollection", "features": [
 {"type": "Feature", "properties": {"kind": "parcel", "number": "50:1"}, "geometry":
  {"type": "Polygon", "coordinates": [[[0, 0], [10, 0], [10, 10], [0, 10], [0, 0]]]}}]})";
 
-bool hasOgr()
-{
-    return !QStandardPaths::findExecutable(QStringLiteral("ogr2ogr")).isEmpty();
-}
-
 } // namespace
 
-class TestHandover : public StrictTest {
+class TestHandover : public WindowTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
     void prints();
     void printsChosen();
     void cancelsPrinting();
@@ -104,48 +79,14 @@ private slots:
     void opensPairOnce();
 
 private:
-    void trigger(const char* action)
-    {
-        m_window->findChild<QAction*>(QLatin1String(action))->trigger();
-    }
-    QTableView& table(const char* name)
-    {
-        return *m_window->findChild<QTableView*>(QLatin1String(name));
-    }
     /// Prints into a file through the dialog.
     QString printed(bool chosenOnly);
     bool waitForObjects(int count);
-
-    std::unique_ptr<TempFiles> m_files;
-    std::unique_ptr<PluginHost> m_host;
-    std::unique_ptr<MainWindow> m_window;
 };
-
-void TestHandover::init()
-{
-    // No printer of this machine has to do with it.
-    qputenv("CUPS_SERVER", "localhost:1");
-    m_files = std::make_unique<TempFiles>();
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_files->path(QString()));
-    QSettings().clear();
-    m_host = std::make_unique<PluginHost>();
-    QVERIFY2(m_host->load(QStringLiteral(PLUGIN_PATH)), qPrintable(m_host->errorString()));
-    m_window = std::make_unique<MainWindow>(*m_host);
-    m_window->show();
-}
-
-void TestHandover::cleanup()
-{
-    m_window->document().undoStack().setClean();
-    m_window.reset();
-    m_host.reset();
-    m_files.reset();
-}
 
 bool TestHandover::waitForObjects(int count)
 {
-    return QTest::qWaitFor(
-        [&] { return m_window->document().objects().size() == count; }, patienceMs);
+    return waitFor([&] { return m_window->document().objects().size() == count; });
 }
 
 QString TestHandover::printed(bool chosenOnly)
@@ -167,7 +108,7 @@ QString TestHandover::printed(bool chosenOnly)
 
 void TestHandover::prints()
 {
-    m_window->document().reset(squares({ QStringLiteral("Ю1"), QStringLiteral("Ю2") }), {});
+    m_window->document().reset(rowOfSquares({ QStringLiteral("Ю1"), QStringLiteral("Ю2") }), {});
     const QString text = printed(false).simplified();
     QVERIFY2(text.contains(QStringLiteral("План и каталог координат")), qPrintable(text));
     QVERIFY(text.contains(QStringLiteral("Объект Ю1")));
@@ -183,8 +124,8 @@ void TestHandover::prints()
 
 void TestHandover::printsChosen()
 {
-    m_window->document().reset(squares({ QStringLiteral("Ю1"), QStringLiteral("Ю2") }), {});
-    QTableView& objects = table("objects");
+    m_window->document().reset(rowOfSquares({ QStringLiteral("Ю1"), QStringLiteral("Ю2") }), {});
+    auto& objects = widget<QTableView>("objects");
     objects.setCurrentIndex(objects.model()->index(1, 0));
     const QString text = printed(true);
     QVERIFY2(text.contains(QStringLiteral("Объект Ю2")), qPrintable(text));
@@ -193,7 +134,7 @@ void TestHandover::printsChosen()
 
 void TestHandover::cancelsPrinting()
 {
-    m_window->document().reset(squares({ QStringLiteral("Ю1") }), {});
+    m_window->document().reset(rowOfSquares({ QStringLiteral("Ю1") }), {});
     bool isAsked = false;
     whenDialogRuns([&](QDialog& dialog) {
         auto* asked = qobject_cast<QPrintDialog*>(&dialog);
@@ -225,7 +166,7 @@ void TestHandover::copiesLongCatalogue()
 void TestHandover::copiesChosenRows()
 {
     m_window->document().reset(longLine(10), {});
-    QTableView& catalogue = table("catalogue");
+    auto& catalogue = widget<QTableView>("catalogue");
     QItemSelection rows(catalogue.model()->index(2, 0), catalogue.model()->index(4, 2));
     catalogue.selectionModel()->select(rows, QItemSelectionModel::ClearAndSelect);
     trigger("copy");
@@ -278,9 +219,8 @@ void TestHandover::opensOtherFormat()
     QVERIFY(QFileInfo::exists(m_files->path(QStringLiteral("parcels-готов.mif"))));
     QVERIFY(QFileInfo::exists(m_files->path(QStringLiteral("parcels-готов.mid"))));
     const auto* told = m_window->findChild<QTextBrowser*>(QStringLiteral("diagnosisText"));
-    QVERIFY(QTest::qWaitFor(
-        [&] { return told->toPlainText().contains(QStringLiteral("parcels-готов.mif")); },
-        patienceMs));
+    QVERIFY(
+        waitFor([&] { return told->toPlainText().contains(QStringLiteral("parcels-готов.mif")); }));
     QVERIFY(
         told->toPlainText().contains(QStringLiteral("файл переведён в MIF программой ogr2ogr")));
 }
@@ -323,7 +263,7 @@ void TestHandover::cancelsOtherFormat()
         dialog.reject();
     });
     m_window->openFiles({ file });
-    QVERIFY(QTest::qWaitFor([&] { return isAsked; }, patienceMs));
+    QVERIFY(waitFor([&] { return isAsked; }));
     QVERIFY(!QFileInfo::exists(m_files->path(QStringLiteral("a-готов.mif"))));
 }
 
@@ -338,7 +278,7 @@ void TestHandover::tellsWhatReadsOtherFormat()
         dialog.accept();
     });
     m_window->openFiles({ m_files->write(QStringLiteral("a.shp"), "none") });
-    const bool isTold = QTest::qWaitFor([&] { return !told.isEmpty(); }, patienceMs);
+    const bool isTold = waitFor([&] { return !told.isEmpty(); });
     qputenv("PATH", path);
     QVERIFY(isTold);
     QVERIFY2(told.startsWith(QStringLiteral("a.shp: ")), qPrintable(told));
@@ -354,7 +294,7 @@ void TestHandover::tellsUnknownFile()
         dialog.accept();
     });
     m_window->openFiles({ m_files->write(QStringLiteral("a.txt"), "none") });
-    QVERIFY(QTest::qWaitFor([&] { return !told.isEmpty(); }, patienceMs));
+    QVERIFY(waitFor([&] { return !told.isEmpty(); }));
     QVERIFY2(told.contains(QStringLiteral("shp")), qPrintable(told));
 }
 

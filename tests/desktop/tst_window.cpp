@@ -1,18 +1,15 @@
 #include "cataloguemodel.h"
 #include "diagnosispane.h"
 #include "guidewindow.h"
-#include "mainwindow.h"
 #include "messagespane.h"
 #include "objectsmodel.h"
 #include "planwidget.h"
 #include "support/miftext.h"
-#include "support/stricttest.h"
-#include "support/tempfiles.h"
 #include "windowdriver.h"
+#include "windowtest.h"
 
 #include <QAbstractItemModelTester>
 #include <QAbstractItemView>
-#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -41,34 +38,17 @@
 
 namespace {
 
-/// A square of ten units; its lower left corner is given.
-QByteArray square(int x, int y)
-{
-    const auto place = [](int right, int up) {
-        return QByteArray::number(right) + ' ' + QByteArray::number(up) + '\n';
-    };
-    return "Region 1\n  5\n" + place(x, y) + place(x + 10, y) + place(x + 10, y + 10)
-        + place(x, y + 10) + place(x, y);
-}
-
 QString locale(double value)
 {
     return QLocale().toString(value, 'f', 2);
 }
 
-bool waitFor(const std::function<bool()>& condition)
-{
-    return QTest::qWaitFor(condition, 60000);
-}
-
 } // namespace
 
-class TestWindow : public StrictTest {
+class TestWindow : public WindowTest {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
     void findsPlugin();
     void offersOperations();
     void opensDrawing();
@@ -106,94 +86,7 @@ private slots:
     void goesThroughParts();
     void copiesMessages();
     void marksAreReadInTheDark();
-
-private:
-    template <typename Widget>
-    Widget& widget(const char* name)
-    {
-        auto* found = m_window->findChild<Widget*>(QLatin1String(name));
-        if (!found)
-            qFatal("No widget %s", name);
-        return *found;
-    }
-    void trigger(const char* action) { widget<QAction>(action).trigger(); }
-    /// Opens files, each through the dialog; waits until all have been taken.
-    void open(const QStringList& files);
-    /// Opens the three squares: "А", "Б" and once more "А".
-    void openSquares();
-    QString squares(const char* name = "squares");
-    QStringList shownObjects();
-    QString readPdf(const QString& fileName);
-
-    std::unique_ptr<TempFiles> m_files;
-    std::unique_ptr<PluginHost> m_host;
-    std::unique_ptr<MainWindow> m_window;
 };
-
-void TestWindow::init()
-{
-    m_files = std::make_unique<TempFiles>();
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_files->path(QString()));
-    QSettings().clear();
-    m_host = std::make_unique<PluginHost>();
-    QVERIFY2(m_host->load(QStringLiteral(PLUGIN_PATH)), qPrintable(m_host->errorString()));
-    m_window = std::make_unique<MainWindow>(*m_host);
-    m_window->resize(1100, 720);
-    m_window->show();
-    // The window manager may still be starting.
-    QVERIFY(QTest::qWaitForWindowExposed(m_window.get(), 60000));
-}
-
-void TestWindow::cleanup()
-{
-    m_window.reset();
-    m_host.reset();
-    m_files.reset();
-}
-
-QString TestWindow::squares(const char* name)
-{
-    const QString file = QLatin1String(name);
-    m_files->write(file + QStringLiteral(".mid"), QByteArray("\"\xC0\"\n\"\xC1\"\n\"\xC0\"\n"));
-    return m_files->write(
-        file + QStringLiteral(".mif"), mif(square(0, 0) + square(20, 0) + square(0, 20)));
-}
-
-void TestWindow::open(const QStringList& files)
-{
-    int taken = 0;
-    std::function<void(QDialog&)> drive = [&](QDialog& dialog) {
-        ++taken;
-        if (taken < files.size())
-            whenDialogRuns(drive);
-        startAndAccept(dialog);
-    };
-    whenDialogRuns(drive);
-    const int before = m_window->document().undoStack().index();
-    m_window->openFiles(files);
-    QVERIFY(
-        waitFor([&] { return m_window->document().undoStack().index() == before + files.size(); }));
-    // The check of the last file comes after.
-    QVERIFY(waitFor([&] {
-        return widget<QTextBrowser>("diagnosisText")
-            .toPlainText()
-            .contains(QFileInfo(files.last()).fileName());
-    }));
-}
-
-void TestWindow::openSquares()
-{
-    open({ squares() });
-}
-
-QStringList TestWindow::shownObjects()
-{
-    const QAbstractItemModel& model = *widget<QTableView>("objects").model();
-    QStringList defs;
-    for (int row = 0; row < model.rowCount(); ++row)
-        defs.append(model.index(row, ObjectsModel::Designation).data().toString());
-    return defs;
-}
 
 void TestWindow::findsPlugin()
 {
@@ -507,23 +400,12 @@ void TestWindow::exportsPictures()
     QVERIFY(texts.contains(QStringLiteral("Б")));
 }
 
-QString TestWindow::readPdf(const QString& fileName)
-{
-    QProcess reader;
-    reader.start(QStringLiteral("pdftotext"),
-        { QStringLiteral("-layout"), QStringLiteral("-enc"), QStringLiteral("UTF-8"), fileName,
-            QStringLiteral("-") });
-    if (!reader.waitForFinished(60000) || reader.exitCode() != 0)
-        qFatal("pdftotext fails");
-    return QString::fromUtf8(reader.readAllStandardOutput());
-}
-
 void TestWindow::exportsPdf()
 {
     openSquares();
     const QString file = m_files->path(QStringLiteral("a.pdf"));
     QVERIFY(m_window->exportTo(FormFile::Pdf, file));
-    const QString text = readPdf(file).simplified();
+    const QString text = textOfPdf(file).simplified();
     QVERIFY(text.contains(QStringLiteral("План и каталог координат")));
     QVERIFY(text.contains(QStringLiteral("Объект Б")));
     QVERIFY(text.contains(
@@ -548,7 +430,7 @@ void TestWindow::exportsChosenPdf()
     objects.setCurrentIndex(objects.model()->index(1, 0));
     const QString file = m_files->path(QStringLiteral("b.pdf"));
     QVERIFY(m_window->exportTo(FormFile::Pdf, file, true));
-    const QString text = readPdf(file);
+    const QString text = textOfPdf(file);
     QVERIFY(text.contains(QStringLiteral("Объект Б")));
     QVERIFY(!text.contains(QStringLiteral("Объект А")));
 }
@@ -564,7 +446,7 @@ void TestWindow::repeatsHeadOfTable()
     m_window->document().reset(table, {});
     const QString file = m_files->path(QStringLiteral("c.pdf"));
     QVERIFY(m_window->exportTo(FormFile::Pdf, file));
-    const QString text = readPdf(file);
+    const QString text = textOfPdf(file);
     // Beside the plan there is room for some rows, a page has about fifty.
     const int pages = text.count(QStringLiteral("Лист "));
     QVERIFY(pages > 2);
