@@ -394,7 +394,7 @@ private slots:
         // A designation that would end the line and another that would name the window.
         const Folder folder;
         folder.write(QStringLiteral("a.dxf"),
-            drawing("0\nTEXT\n10\n0\n20\n0\n1\nA%%010fine.dxf: ok%%027]0;x%%007\n"
+            drawing("0\nTEXT\n10\n0\n20\n0\n1\nA%%010fine.dxf: ok%%027]0;x%%127%%007\n"
                     "0\nLINE\n10\n0\n20\n0\n11\n1\n21\n1\n0\nLINE\n10\n0\n20\n0\n11\n1\n21\n1\n"
                     "0\nK\x1b[31m\n0\n\xC2\x9B"
                     "2J\n"));
@@ -402,7 +402,7 @@ private slots:
         QCOMPARE(run.status, 3);
         const QString text = QString::fromUtf8(run.out);
         QVERIFY2(
-            text.contains(QStringLiteral("a.dxf: обозначение «A␊fine.dxf: ok␛]0;x␇» повторяется у "
+            text.contains(QStringLiteral("a.dxf: обозначение «A␊fine.dxf: ok␛]0;x␡␇» повторяется у "
                                          "объектов 1, 2\n")),
             run.out);
         QVERIFY2(text.contains(QStringLiteral("a.dxf: K␛[31m: 1, ")), run.out);

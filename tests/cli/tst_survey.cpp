@@ -235,6 +235,8 @@ private slots:
         row("count too small", mifHeader() + "Pline 1\n0 0\n", "a\n", "bad-object 5 0 [PLINE]");
         row("word for a number", mifHeader() + "Line 0 0 one 1\n", "a\n", "bad-object 5 0 [LINE]");
         row("cut off", mifHeader() + "Pline 3\n0 0\n1 0\n", "a\n", "bad-object 7 0 [PLINE]");
+        row("cut off before blank lines", mifHeader() + "Pline 3\n0 0\n1 0\n\n \n", "a\n",
+            "bad-object 8 0 [PLINE]");
         row("collection", mifHeader() + "Line 0 0 1 1\nCollection 2\nLine 0 0 1 1\n", "a\nb\nc\n",
             "collection 6 0 []");
         row("blank row", mifHeader() + "Line 0 0 1 1\nLine 0 0 1 1\n", "a\n\nb\n",
