@@ -312,7 +312,7 @@ FAULTS = [
          ("        close(opened);", "        static_cast<void>(opened);")),
     *_of("apps/cli/outputfile.cpp", "tst_cli tst_clifaults",
          ("m_file->write(data, size) != size)", "m_file->write(data, size) < 0)"),
-         ("(!info.exists() || info.isFile() || info.isDir())", "(!info.exists() || info.isFile())"),
+         ("(!info.exists() || info.isFile() || info.isDir())", "(!info.exists() || info.isDir())"),
          ("    if (target.isDir())\n        return EISDIR;\n", ""),
          ("    if (replaced)\n        m_deferral.emplace();", "    m_deferral.emplace();")),
     *_of("apps/cli/targets.cpp", "tst_cli tst_clifaults",
