@@ -484,6 +484,30 @@ private slots:
         QCOMPARE(contentOf(folder.path(QStringLiteral("a.xml"))).count("<FormTable"), 3);
     }
 
+    /// What is written behind a pipe or a device cannot be taken back.
+    void brokenFileGivesNoOutput()
+    {
+        const Folder folder;
+        folder.write(QStringLiteral("long.mif"),
+            mifHeader() + QByteArray("Line 0 0 1 1\n").repeated(20000) + "Line 0\n");
+        folder.write(QStringLiteral("long.mid"), QByteArray("A\n").repeated(20001));
+        const CommandRun run =
+            runCommand(words({ "convert", "long.mif", "-o", "-" }), folder.path());
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.out, QByteArray());
+    }
+
+    void nameWithDots()
+    {
+        const Folder folder;
+        folder.write(QStringLiteral("a.b.mif"), mifHeader() + "Line 0 0 1 1\n");
+        folder.write(QStringLiteral("a.b.mid"), "A\n");
+        const CommandRun run =
+            runCommand(words({ "convert", "a.b.mif", "--out-dir", "." }), folder.path());
+        QCOMPARE(run.status, 0);
+        QVERIFY(QFile::exists(folder.path(QStringLiteral("a.b.xml"))));
+    }
+
     void missingFile()
     {
         const Folder folder;
