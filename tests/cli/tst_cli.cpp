@@ -254,6 +254,8 @@ private slots:
             "--field: ожидается целое число от 1 до 20, а не «21»");
         row("two columns", { "convert", "parcels.mif", "--columns=1,2" },
             "--columns: ожидается N,X,Y, а не «1,2»");
+        row("four columns", { "convert", "parcels.mif", "--columns=1,2,3,4" },
+            "--columns: ожидается N,X,Y, а не «1,2,3,4»");
         row("column nought", { "convert", "parcels.mif", "--columns=0,1,2" },
             "--columns: ожидается целое число от 1 до 1000, а не «0»");
         row("object column", { "convert", "parcels.mif", "--object-column=0" },

@@ -338,7 +338,7 @@ FAULTS = [
          ("    showProgressLine({});\n", ""),
          ("!quiet && isatty", "(quiet || !quiet) && isatty"),
          (" && isatty(STDERR_FILENO) == 1", "")),
-    *_of("apps/cli/standardinput.cpp", "tst_cli tst_clifaults",
+    *_of("apps/cli/standardinput.cpp", "tst_clierrors tst_cli tst_clifaults",
          ("        if (to.write(block.constData(), size) != size)\n            return false;\n", "        to.write(block.constData(), size);\n"),
          (" || isRegularFile(STDIN_FILENO)", " || !isRegularFile(STDIN_FILENO)")),
     *_of("apps/cli/filenamecodec.cpp", "tst_clifaults tst_cli",
