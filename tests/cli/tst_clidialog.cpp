@@ -127,6 +127,8 @@ private slots:
         option("--search-objects=off", tick("searchObjectDefsCheck", false));
         option("--point-prefix=т", edit("pointPrefEdit", QStringLiteral("т")));
         option("--point-prefix=", edit("pointPrefEdit", QString()));
+        option("--point-prefix=12345678901234567890",
+            edit("pointPrefEdit", QStringLiteral("12345678901234567890")));
         option("--point-start=17", spin("pointStartNumSpin", 17));
         option("--object-prefix=Уч <&> ", edit("objectPrefEdit", QStringLiteral("Уч <&> ")));
         option("--object-start=999999999", spin("objectStartNumSpin", 999999999));

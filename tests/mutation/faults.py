@@ -344,7 +344,7 @@ FAULTS = [
     *_of("apps/cli/filenamecodec.cpp", "tst_clifaults tst_cli",
          ("state.invalidChars == 0 && state.remainingChars == 0", "state.invalidChars == 0"),
          ("start = end + 1;", "start = end;")),
-    *_of("apps/cli/importarguments.cpp", "tst_cli",
+    *_of("apps/cli/importarguments.cpp", "tst_cli tst_clidialog",
          ("number >= least && number <= most", "number > least && number <= most"),
          ("columns.size() != 3", "columns.size() < 3"),
          ("options.pointPref.size() > maxPointPrefLength", "options.pointPref.size() >= maxPointPrefLength"),
