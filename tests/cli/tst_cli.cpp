@@ -283,6 +283,8 @@ private slots:
             "укажите файл рисунка: -o ФАЙЛ.svg или -o ФАЙЛ.png");
         row("size", { "plan", "parcels.mif", "-o", "a.svg", "--size=100" },
             "--size: ожидается ШxВ, а не «100»");
+        row("three sides", { "plan", "parcels.mif", "-o", "a.svg", "--size=300x300x300" },
+            "--size: ожидается ШxВ, а не «300x300x300»");
     }
 
     void wrongUsage()
