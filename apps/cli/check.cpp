@@ -77,6 +77,9 @@ CheckOptions readCheckOptions(const QCommandLineParser& parser)
     options.mostListed = parser.isSet(QStringLiteral("all")) ? allFindings : listedFindings;
     options.quiet = parser.isSet(QStringLiteral("quiet"));
     options.jobs = readNumber(parser, jobs, 1, maxJobs);
+    const bool inOneThread = parser.isSet(jobs) && options.jobs == 1;
+    for (ImportTask& task : options.tasks)
+        task.options.inOneThread = inOneThread;
     options.forwarded = forwardedArguments(parser, checkCommand.options(),
         { jobs, QStringLiteral("json"), QStringLiteral("json-lines"), QStringLiteral("summary"),
             QStringLiteral("recursive") });

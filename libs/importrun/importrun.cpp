@@ -7,6 +7,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <utility>
 
 #include <sys/stat.h>
 
@@ -35,7 +36,12 @@ public:
         if (complete)
             m_run.objectsRead.add(kind);
         if (m_take && m_run.objects.size() >= mostWaiting)
-            passOn();
+            setAside();
+    }
+    void objectsNamed(int count) override
+    {
+        m_named = count;
+        passOn();
     }
     void failed(const ImportFailure& failure) override
     {
@@ -50,24 +56,55 @@ public:
     /// over.
     void finish()
     {
-        if (!m_take)
-            return;
-        passOn();
-        for (const QVector<DefPolygon>& objects : m_passedOn)
-            m_run.objects += objects;
+        if (m_take) {
+            setAside();
+            dropUnnamed();
+            passOn();
+            for (const QVector<DefPolygon>& objects : m_aside)
+                m_run.objects += objects;
+        }
+        // An import that was broken off has not told of its last object, or has told of more.
+        m_run.shapes.reserve(m_run.objects.size());
+        while (m_run.shapes.size() < m_run.objects.size())
+            m_run.shapes.append(Shape::Line);
+        m_run.shapes.resize(m_run.objects.size());
     }
 
 private:
+    void setAside()
+    {
+        m_aside.push_back(std::exchange(m_run.objects, {}));
+    }
+
+    /// The import has given up those that memory did not suffice to name.
+    void dropUnnamed()
+    {
+        int named = m_named;
+        for (QVector<DefPolygon>& objects : m_aside) {
+            if (objects.size() > named)
+                objects.resize(named);
+            named -= objects.size();
+        }
+    }
+
+    /// Passes on what was set aside, as far as all of it is named.
     void passOn()
     {
-        m_passedOn.push_back(m_run.objects);
-        m_run.objects = {};
-        m_take(m_passedOn.back());
+        for (; m_passedOn < m_aside.size(); ++m_passedOn) {
+            const QVector<DefPolygon>& objects = m_aside[m_passedOn];
+            if (m_named - m_taken < objects.size())
+                return;
+            m_taken += objects.size();
+            m_take(objects);
+        }
     }
 
     ImportRun& m_run;
     const ObjectTaker& m_take;
-    std::vector<QVector<DefPolygon>> m_passedOn;
+    std::vector<QVector<DefPolygon>> m_aside; ///< a few hundred objects at a time
+    size_t m_passedOn = 0; ///< so many of them
+    int m_taken = 0; ///< so many objects
+    int m_named = 0; ///< so many have all their names
     ImportPass m_pass = ImportPass::Points;
 };
 

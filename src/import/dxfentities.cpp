@@ -193,11 +193,11 @@ bool DxfImport::readLwpolyline()
 
 bool DxfImport::closeContour()
 {
-    nameVertices();
-    QVector<DefPoint>& contour = map->last().contours.last();
+    const QVector<DefPoint>& contour = map->last().contours.last();
     if (contour.size() < 2)
         return false;
-    if (m_closed && !coincide(contour.first(), contour.last()))
-        contour.append(DefPoint(contour.first()));
+    const DefPoint first = contour.first();
+    if (m_closed && !coincide(first, contour.last()))
+        appendVert(swapXY ? first.y : first.x, swapXY ? first.x : first.y, true);
     return true;
 }

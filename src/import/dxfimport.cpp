@@ -76,7 +76,7 @@ bool DxfImport::loadPolygon(QLatin1String kind, EntityReceiver read)
     m_closed = false;
     startEntity(kind);
     const bool complete = (this->*read)();
-    nameVertices();
+    endObject();
     if (complete) {
         endEntity();
         updateLastPolygonDef();

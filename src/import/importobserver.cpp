@@ -10,6 +10,8 @@ void ImportObserver::entityRead(QLatin1String) { }
 
 void ImportObserver::objectBuilt(QLatin1String, bool, bool) { }
 
+void ImportObserver::objectsNamed(int) { }
+
 void ImportObserver::failed(const ImportFailure& failure)
 {
     showStatus(failure.text());

@@ -18,6 +18,7 @@ struct ImportOptions {
     QString objectFileName;
     QString pointFileName; ///< separate file of the point pass; empty for the object file
     QByteArray encoding; ///< name of the text codec; an unknown one stands for the system's
+    bool inOneThread = false; ///< leave other processors to others
 
     /// The options that a dialog or a command line offers before anything is chosen.
     static ImportOptions offered()

@@ -55,9 +55,12 @@ bool MapImport::importMap()
     if (!openFile(ImportPass::Objects, objectFileName))
         return true;
     bool loaded = false;
+    m_namer.start();
+    m_objects = 0;
+    m_toldNamed = 0;
     try {
         loaded = loadPolygons();
-        nameVertices();
+        finishNames();
     } catch (...) {
         dropUnnamed();
         throw;
@@ -85,61 +88,74 @@ void MapImport::resetInFileStream()
 
 void MapImport::appendEmptyPolygon()
 {
-    nameVertices();
+    endObject();
     map->append(DefPolygon());
+    ++m_objects;
+    m_isInObject = true;
 }
 
 void MapImport::appendEmptyContour()
 {
-    nameVertices();
+    endContour();
     map->last().contours.append(QVector<DefPoint>());
-}
-
-QString MapImport::vertexDef(double x, double y)
-{
-    if (const DefPoint* point = points.findCoincident(x, y))
-        return point->def;
-    QString def = numberedDef(pointPref, pointStartNum++);
-    points.insert(DefPoint{ def, x, y });
-    return def;
+    m_contour = &map->last().contours.last();
+    m_isClosed = false;
 }
 
 void MapImport::appendVert(double x, double y, bool closing)
 {
-    QVector<DefPoint>& contour = map->last().contours.last();
-    if (closing)
-        nameVertices();
-    DefPoint vertex{ closing ? contour.first().def : QString(), x, y };
     if (swapXY)
-        std::swap(vertex.x, vertex.y);
-    contour.append(std::move(vertex));
-    if (closing)
-        return;
-    m_expected[m_unnamed++] = points.expect(x, y);
-    if (m_unnamed == m_expected.size())
-        nameVertices();
+        std::swap(x, y);
+    m_contour->append(DefPoint{ QString(), x, y });
+    m_isClosed = closing;
 }
 
-void MapImport::nameVertices()
+void MapImport::endContour()
 {
-    if (m_unnamed == 0)
+    if (!m_contour)
         return;
-    DefPoint* const end = map->last().contours.last().end();
-    DefPoint* const begin = end - m_unnamed;
-    points.expectPoints(m_expected.data(), m_unnamed);
-    for (DefPoint* vertex = begin; vertex != end; ++vertex) {
-        vertex->def = swapXY ? vertexDef(vertex->y, vertex->x) : vertexDef(vertex->x, vertex->y);
-        --m_unnamed;
-    }
+    m_namer.add(m_contour->data(), m_contour->size(), m_isClosed);
+    m_contour = nullptr;
 }
 
-/// What memory did not suffice to name is no part of the objects.
+void MapImport::endObject()
+{
+    if (!m_isInObject)
+        return;
+    endContour();
+    // Before this object can be among them: the observer has not been told of it.
+    tellNamed();
+    m_namer.endObject();
+    m_isInObject = false;
+}
+
+void MapImport::finishNames()
+{
+    endObject();
+    m_namer.finish();
+    tellNamed();
+}
+
+void MapImport::tellNamed()
+{
+    const int named = m_namer.namedObjects();
+    if (named != std::exchange(m_toldNamed, named))
+        observer->objectsNamed(named);
+}
+
+/// Names what was built before something went wrong, if that can be done; objects that memory does
+/// not suffice to name are dropped.
 void MapImport::dropUnnamed()
 {
-    if (m_unnamed == 0)
-        return;
-    QVector<DefPoint>& contour = map->last().contours.last();
-    contour.resize(contour.size() - static_cast<int>(std::exchange(m_unnamed, 0)));
+    try {
+        finishNames();
+    } catch (...) {
+        const int unnamed = m_objects - m_namer.namedObjects();
+        map->resize(std::max(0, map->size() - unnamed));
+        tellNamed();
+    }
+    m_isInObject = false;
+    m_contour = nullptr;
 }
 
 void MapImport::setLastPolygonDef(const QString& def)

@@ -5,13 +5,12 @@
 #include "import/importobserver.h"
 #include "import/importoptions.h"
 #include "import/linereader.h"
+#include "import/vertexnamer.h"
 
 #include <QByteArray>
 #include <QString>
 #include <QTextCodec>
 #include <QVector>
-
-#include <array>
 
 /// The base of the file readers: files, passes, and the operations that build objects.
 ///
@@ -60,12 +59,12 @@ protected:
     /// Adds an empty contour to the last object.
     void appendEmptyContour();
     /// Adds a vertex to the last contour. It is named after the catalogue point at its place, or
-    /// gets the next automatic number and becomes a catalogue point itself. A `closing` vertex
-    /// takes the name of the contour's first one instead. Names are given a little later, when
-    /// what the catalogue knows of the places is at hand; nameVertices() gives them now.
+    /// gets the next automatic number and becomes a catalogue point itself. A `closing` vertex, the
+    /// last of its contour, takes the name of the first one instead. Names are given a little
+    /// later; until the end of the pass none may be asked for, nor the catalogue be used.
     void appendVert(double x, double y, bool closing);
-    /// Names the vertices added last. To be called before their names are used.
-    void nameVertices();
+    /// The last object has all its vertices.
+    void endObject();
     /// Names the last object; an empty `def` stands for the next automatic designation.
     void setLastPolygonDef(const QString& def);
 
@@ -87,12 +86,17 @@ protected:
 
 private:
     bool openFile(ImportPass pass, const QString& fileName);
-    QString vertexDef(double x, double y);
+    void endContour();
+    void finishNames();
+    void tellNamed();
     void dropUnnamed();
 
-    size_t m_unnamed = 0; ///< so many vertices at the end of the last contour have no names yet
-    /// What the catalogue has fetched for them; so many are named at once.
-    std::array<size_t, PointCatalogue::mostExpected> m_expected{};
+    VertexNamer m_namer{ points, *this };
+    bool m_isInObject = false;
+    QVector<DefPoint>* m_contour = nullptr; ///< the contour at work, if any
+    bool m_isClosed = false; ///< it has a closing vertex
+    int m_objects = 0; ///< built by the pass
+    int m_toldNamed = 0; ///< of so many the observer was told that they are named
     QLatin1String m_entity;
     int m_entityLine = 0;
 };

@@ -23,34 +23,27 @@ const MifObjectKind kinds[] = {
     { QLatin1String("COLLECTION"), MifKeyword::Collection },
 };
 
-/// Two letters as one number, whatever their case.
-quint16 pairOf(const char* letters)
-{
-    const auto capital = [](char c) { return static_cast<uchar>(c & ~caseBit); };
-    return static_cast<quint16>(capital(letters[0]) << 8 | capital(letters[1]));
-}
+/// For each first letter of a keyword the second ones, as bits; most lines start with others.
+/// Characters that share their last five bits are held for each other.
+class FirstLetters {
+public:
+    FirstLetters()
+    {
+        for (const MifObjectKind& kind : kinds)
+            m_second[place(kind.name.data()[0])] |= 1U << place(kind.name.data()[1]);
+    }
+    bool mayStartKeyword(const char* letters) const
+    {
+        return (m_second[place(letters[0])] >> place(letters[1]) & 1U) != 0;
+    }
 
-using Pairs = std::array<quint16, std::size(kinds)>;
+private:
+    static size_t place(char c) { return static_cast<uchar>(c) % 32; }
 
-Pairs pairsOfKinds()
-{
-    Pairs pairs;
-    std::transform(std::begin(kinds), std::end(kinds), pairs.begin(),
-        [](const MifObjectKind& kind) { return pairOf(kind.name.data()); });
-    return pairs;
-}
+    std::array<quint32, 32> m_second{};
+};
 
-/// The first two letters of each keyword: most lines start with others.
-const Pairs firstPairs = pairsOfKinds();
-
-bool startsKeyword(const char* letters)
-{
-    const quint16 pair = pairOf(letters);
-    bool found = false;
-    for (const quint16 other : firstPairs)
-        found |= other == pair;
-    return found;
-}
+const FirstLetters firstLetters;
 
 /// Whether a text starts with a keyword, in whatever case. Keywords are letters alone.
 bool startsWith(const char* begin, const char* end, QLatin1String keyword)
@@ -96,7 +89,7 @@ const MifObjectKind* takeObjectKind(TextView& line)
     const auto isSpace = [](char c) { return TextView::isSpace(c); };
     const char* const end = line.ascii() + line.size();
     const char* const word = std::find_if_not(line.ascii(), end, isSpace);
-    if (end - word < 2 || !startsKeyword(word))
+    if (end - word < 2 || !firstLetters.mayStartKeyword(word))
         return nullptr;
     for (const MifObjectKind& kind : kinds) {
         if (!startsWith(word, end, kind.name))
