@@ -71,10 +71,7 @@ public:
     }
 
 private:
-    void setAside()
-    {
-        m_aside.push_back(std::exchange(m_run.objects, {}));
-    }
+    void setAside() { m_aside.push_back(std::exchange(m_run.objects, {})); }
 
     /// The import has given up those that memory did not suffice to name.
     void dropUnnamed()

@@ -1,5 +1,6 @@
 #include "support/failingallocator.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -8,10 +9,10 @@
 #include <dlfcn.h>
 #include <pthread.h>
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define HAS_ALLOCATOR_OF_ITS_OWN
 #elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
 #define HAS_ALLOCATOR_OF_ITS_OWN
 #endif
 #endif
@@ -19,11 +20,12 @@
 namespace {
 
 /// So many allocations are granted before one fails; less than 0 while none is to fail.
-int grantsLeft = -1;
-bool hasFailed = false;
+std::atomic<int> grantsLeft{ -1 };
+std::atomic<bool> hasFailed{ false };
 failing::Calls failingCalls = failing::Calls::Malloc;
 const char* failingLibrary = nullptr;
-pthread_t failingThread;
+pthread_t armingThread;
+failing::Threads failingThreads = failing::Threads::Own;
 
 bool isOfLibrary(const void* caller)
 {
@@ -32,11 +34,16 @@ bool isOfLibrary(const void* caller)
         || (dladdr(caller, &info) != 0 && std::strstr(info.dli_fname, failingLibrary));
 }
 
+bool isOfThreads()
+{
+    const bool isOwn = pthread_equal(armingThread, pthread_self()) != 0;
+    return isOwn == (failingThreads == failing::Threads::Own);
+}
+
 bool failsNow(bool isNew, const void* caller)
 {
-    if (grantsLeft < 0 || isNew == (failingCalls == failing::Calls::Malloc)
-        || pthread_equal(failingThread, pthread_self()) == 0 || !isOfLibrary(caller)
-        || grantsLeft-- > 0)
+    if (grantsLeft < 0 || isNew == (failingCalls == failing::Calls::Malloc) || !isOfThreads()
+        || !isOfLibrary(caller) || grantsLeft-- > 0)
         return false;
     hasFailed = true;
     errno = ENOMEM;
@@ -58,8 +65,16 @@ void failing::arm(Calls calls, int granted, const char* library)
 {
     failingLibrary = library;
     failingCalls = calls;
-    failingThread = pthread_self();
+    failingThreads = Threads::Own;
+    armingThread = pthread_self();
     hasFailed = false;
+    grantsLeft = granted;
+}
+
+void failing::arm(Calls calls, int granted, Threads threads)
+{
+    arm(calls, -1);
+    failingThreads = threads;
     grantsLeft = granted;
 }
 
