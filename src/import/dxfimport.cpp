@@ -76,7 +76,6 @@ bool DxfImport::loadPolygon(QLatin1String kind, EntityReceiver read)
     m_closed = false;
     startEntity(kind);
     const bool complete = (this->*read)();
-    endObject();
     if (complete) {
         endEntity();
         updateLastPolygonDef();

@@ -63,8 +63,6 @@ protected:
     /// last of its contour, takes the name of the first one instead. Names are given a little
     /// later; until the end of the pass none may be asked for, nor the catalogue be used.
     void appendVert(double x, double y, bool closing);
-    /// The last object has all its vertices.
-    void endObject();
     /// Names the last object; an empty `def` stands for the next automatic designation.
     void setLastPolygonDef(const QString& def);
 
@@ -86,6 +84,7 @@ protected:
 
 private:
     bool openFile(ImportPass pass, const QString& fileName);
+    void endObject();
     void endContour();
     void finishNames();
     void tellNamed();

@@ -160,7 +160,6 @@ bool MifImport::loadPolygon(const MifObjectKind& kind)
     const auto load = [&](auto read, FailureKind failure, bool closed) {
         const int objectCount = map->size();
         const bool isRead = (this->*read)();
-        endObject();
         const bool complete = (isRead || fail(failure)) && nameObject();
         if (map->size() > objectCount)
             observer->objectBuilt(kind.name, closed, complete);

@@ -2,7 +2,6 @@
 
 #include "geometry/designation.h"
 
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -43,7 +42,7 @@ void VertexNamer::start()
 
 void VertexNamer::add(DefPoint* vertices, int count, bool closed)
 {
-    m_pending.contours.push_back({ vertices, count, closed });
+    m_pending.contours.push_back({ vertices, count, closed, m_pending.objects });
     m_pending.vertices += count;
     if (m_pending.vertices >= batchSize)
         handOver();
@@ -83,8 +82,8 @@ bool VertexNamer::hasThread()
     try {
         m_thread = std::thread([this] { run(); });
         return true;
-    } catch (const std::system_error&) {
-        // Nothing is lost but time.
+    } catch (const std::exception&) {
+        // Without one, nothing is lost but time.
         return false;
     }
 }
@@ -128,22 +127,21 @@ void VertexNamer::throwFailure()
 
 void VertexNamer::name(const Batch& batch) noexcept
 {
+    int named = m_namedObjects;
     try {
-        for (const Contour& contour : batch.contours)
-            nameVertices(contour);
-        nameExpected();
         for (const Contour& contour : batch.contours) {
-            if (contour.closed)
-                contour.vertices[contour.count - 1].def = contour.vertices->def;
+            named = contour.objects;
+            name(contour);
         }
-        m_namedObjects.store(batch.objects, std::memory_order_release);
+        named = batch.objects;
     } catch (...) {
         m_failure = std::current_exception();
         m_hasFailed = true;
     }
+    m_namedObjects.store(named, std::memory_order_release);
 }
 
-void VertexNamer::nameVertices(const Contour& contour)
+void VertexNamer::name(const Contour& contour)
 {
     DefPoint* const end = contour.vertices + contour.count - (contour.closed ? 1 : 0);
     for (DefPoint* vertex = contour.vertices; vertex != end; ++vertex) {
@@ -153,6 +151,9 @@ void VertexNamer::nameVertices(const Contour& contour)
         if (++m_nextCount == m_next.size())
             nameExpected();
     }
+    nameExpected();
+    if (contour.closed)
+        end->def = contour.vertices->def;
 }
 
 void VertexNamer::nameExpected()

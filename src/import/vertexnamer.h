@@ -46,6 +46,7 @@ private:
         DefPoint* vertices;
         int count;
         bool closed;
+        int objects; ///< so many are complete before it
     };
     /// Some contours on end.
     struct Batch {
@@ -60,7 +61,7 @@ private:
     void stop();
     void throwFailure();
     void name(const Batch& batch) noexcept;
-    void nameVertices(const Contour& contour);
+    void name(const Contour& contour);
     void nameExpected();
     QString vertexDef(double x, double y);
 
