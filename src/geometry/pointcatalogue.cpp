@@ -66,7 +66,8 @@ const DefPoint* PointCatalogue::findCoincident(double x, double y)
         return nullptr;
 
     Sides nearest{ x, y };
-    findArranged(nearest);
+    if (!m_columns.isEmpty())
+        findInColumns(nearest);
     m_cells.visitNear(x, y, [&](int index) { nearest.offer(m_points.at(index)); });
 
     const bool isTie = nearest.left && nearest.right;
@@ -75,11 +76,9 @@ const DefPoint* PointCatalogue::findCoincident(double x, double y)
     return point && coincide(point->x, point->y, x, y) ? point : nullptr;
 }
 
-/// Offers the nearest of the arranged points that are found through columns.
-void PointCatalogue::findArranged(Sides& nearest)
+/// Offers the nearest of the arranged points.
+void PointCatalogue::findInColumns(Sides& nearest)
 {
-    if (m_columns.isEmpty())
-        return;
     const DefPoint* const points = m_points.constData();
     Sides found = nearest;
     if (m_columns.findNearest(points, found.x, found.y, found.distance,

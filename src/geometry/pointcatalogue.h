@@ -63,7 +63,7 @@ public:
 private:
     struct Sides;
 
-    void findArranged(Sides& nearest);
+    void findInColumns(Sides& nearest);
     const DefPoint* firstInOrder(const Sides& tie);
 
     QVector<DefPoint> m_points;

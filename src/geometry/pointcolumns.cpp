@@ -21,6 +21,12 @@ double columnCount(size_t count, double width, double height)
     return std::clamp(columns, 1.0, std::max(1.0, square));
 }
 
+/// The order of points in a column.
+bool isBelow(const DefPoint& a, double x, double y)
+{
+    return a.y < y || (a.y == y && a.x < x);
+}
+
 } // namespace
 
 PointColumns::Parts::Parts(double least, double greatest, size_t count)
@@ -59,8 +65,9 @@ PointColumns::PointColumns(const DefPoint* points, int count)
 void PointColumns::addColumn(const DefPoint* points, size_t begin, size_t end)
 {
     const std::vector<int> indices(&m_indices[begin], &m_indices[begin] + (end - begin));
-    const auto byY = [points](int a, int b) { return points[a].y < points[b].y; };
-    const auto outermost = std::minmax_element(indices.begin(), indices.end(), byY);
+    const auto inOrder = [points](
+                             int a, int b) { return isBelow(points[a], points[b].x, points[b].y); };
+    const auto outermost = std::minmax_element(indices.begin(), indices.end(), inOrder);
     const Parts buckets(points[*outermost.first].y, points[*outermost.second].y, indices.size());
     m_columns.push_back(
         { points[indices.front()].x, points[indices.back()].x, buckets, begin, end });
@@ -77,7 +84,8 @@ void PointColumns::addColumn(const DefPoint* points, size_t begin, size_t end)
     for (size_t bucket = begin; bucket < end; ++bucket) {
         const int bucketEnd = bucket + 1 < end ? m_buckets[bucket + 1] : static_cast<int>(end);
         if (bucketEnd - m_buckets[bucket] > 1)
-            std::sort(m_indices.begin() + m_buckets[bucket], m_indices.begin() + bucketEnd, byY);
+            std::sort(
+                m_indices.begin() + m_buckets[bucket], m_indices.begin() + bucketEnd, inOrder);
     }
 }
 
@@ -103,8 +111,8 @@ size_t PointColumns::columnAt(double x) const
     return static_cast<size_t>(std::max<std::ptrdiff_t>(column - m_columns.begin(), 1) - 1);
 }
 
-/// A position in a column that no point below y follows, or few of its bucket.
-size_t PointColumns::startOf(const DefPoint* points, const Column& column, double y) const
+/// A position in a column that no point before (x, y) follows, or few of its bucket.
+size_t PointColumns::startOf(const DefPoint* points, const Column& column, double x, double y) const
 {
     constexpr int few = 8;
     const size_t bucket = bucketAt(column, y);
@@ -112,8 +120,8 @@ size_t PointColumns::startOf(const DefPoint* points, const Column& column, doubl
     const int end = m_buckets[bucket + 1];
     if (end - begin <= few)
         return static_cast<size_t>(begin);
-    const auto first = std::lower_bound(m_indices.begin() + begin, m_indices.begin() + end, y,
-        [points](int index, double value) { return points[index].y < value; });
+    const auto first = std::partition_point(m_indices.begin() + begin, m_indices.begin() + end,
+        [=](int index) { return isBelow(points[index], x, y); });
     return static_cast<size_t>(first - m_indices.begin());
 }
 

@@ -2,6 +2,7 @@
 
 #include "geometry/defpoint.h"
 
+#include <cmath>
 #include <cstddef>
 #include <vector>
 
@@ -15,7 +16,8 @@
 class PointColumns {
 public:
     PointColumns() = default;
-    /// Of `count` points, sorted by x. Those with a coordinate that is not finite are left out.
+    /// Of `count` points, sorted by x, no two of which stand at one place. Those with a coordinate
+    /// that is not finite are left out.
     PointColumns(const DefPoint* points, int count);
 
     bool isEmpty() const { return m_columns.empty(); }
@@ -58,6 +60,15 @@ private:
         size_t begin; ///< of its points in m_indices, and of its buckets, which are as many
         size_t end;
     };
+    /// The squared distance to which a search is narrowed that has nothing else to find.
+    static constexpr double nothingElse = -1;
+    /// Whether no two points, one of them at this place, are at the squared distance 0. Very close
+    /// to an axis the squares of distances may vanish.
+    static bool standsAlone(double x, double y)
+    {
+        constexpr double nearAxis = 1e-100;
+        return std::abs(x) > nearAxis && std::abs(y) > nearAxis;
+    }
     /// One search: the smallest distance so far, and the steps that are left.
     struct Search {
         double x;
@@ -73,12 +84,12 @@ private:
     {
         return column.begin + column.buckets(y);
     }
-    size_t startOf(const DefPoint* points, const Column& column, double y) const;
+    size_t startOf(const DefPoint* points, const Column& column, double x, double y) const;
     template <typename Offer>
     bool searchColumn(
         const DefPoint* points, const Column& column, Search& search, Offer& offer) const;
 
-    std::vector<int> m_indices; ///< column by column, in each by y
+    std::vector<int> m_indices; ///< column by column, in each by y, then x
     std::vector<int> m_buckets; ///< where in m_indices each begins; behind the last one, their end
     std::vector<Column> m_columns;
     Parts m_guide; ///< by minX
@@ -122,14 +133,16 @@ bool PointColumns::searchColumn(
         if (distance <= search.distance) {
             search.distance = distance;
             offer(index);
+            if (distance == 0 && standsAlone(search.x, search.y))
+                search.distance = nothingElse;
         } else if (dy * direction > 0 && dy * dy > search.distance) {
             return false;
         }
-        return --search.steps >= 0;
+        return --search.steps > 0 && search.distance >= 0;
     };
     --search.steps;
-    const size_t start = startOf(points, column, search.y);
+    const size_t start = startOf(points, column, search.x, search.y);
     for (size_t i = start; i < column.end && visit(i, 1); ++i) { }
-    for (size_t i = start; i > column.begin && visit(i - 1, -1); --i) { }
-    return search.steps >= 0;
+    for (size_t i = start; search.distance >= 0 && i > column.begin && visit(i - 1, -1); --i) { }
+    return search.steps > 0;
 }
