@@ -50,7 +50,7 @@ void PointCatalogue::arrange()
     m_ordered = m_arranged;
     if (m_cells.add(m_points, m_arranged))
         return;
-    m_exact = ExactPlaces(m_points.constData(), m_arranged);
+    m_columns = PointColumns(m_points.constData(), m_arranged);
     m_cells.startAt(m_arranged);
 }
 
@@ -65,27 +65,35 @@ const DefPoint* PointCatalogue::findCoincident(double x, double y)
     if (!std::isfinite(x) || !std::isfinite(y))
         return nullptr;
 
-    const int exact = m_exact.find(m_points.constData(), x, y);
-    if (exact >= 0)
-        return &m_points.at(exact);
-
     Sides nearest{ x, y };
-    if (!m_exact.isEmpty()) {
-        if (m_tree.isEmpty())
-            m_tree = PlaceTree(m_points.constData(), m_arranged);
-        const PlaceTree::Nearest arranged =
-            m_tree.findSorted(m_points.constData(), m_arranged, x, y, nearest.distance);
-        for (const int index : { arranged.left, arranged.right }) {
-            if (index >= 0)
-                nearest.offer(m_points.at(index));
-        }
-    }
+    if (!m_columns.isEmpty())
+        findInColumns(nearest);
     m_cells.visitNear(x, y, [&](int index) { nearest.offer(m_points.at(index)); });
 
     const bool isTie = nearest.left && nearest.right;
     const DefPoint* point =
         isTie ? firstInOrder(nearest) : (nearest.right ? nearest.right : nearest.left);
     return point && coincide(point->x, point->y, x, y) ? point : nullptr;
+}
+
+/// Offers the nearest of the arranged points.
+void PointCatalogue::findInColumns(Sides& nearest)
+{
+    const DefPoint* const points = m_points.constData();
+    Sides found = nearest;
+    if (m_columns.findNearest(points, found.x, found.y, found.distance,
+            [&](int index) { found.offer(points[index]); })) {
+        nearest = found;
+        return;
+    }
+    if (m_tree.isEmpty())
+        m_tree = PlaceTree(points, m_arranged);
+    const PlaceTree::Nearest arranged =
+        m_tree.findSorted(points, m_arranged, nearest.x, nearest.y, nearest.distance);
+    for (const int index : { arranged.left, arranged.right }) {
+        if (index >= 0)
+            nearest.offer(points[index]);
+    }
 }
 
 const DefPoint* PointCatalogue::firstInOrder(const Sides& tie)

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "geometry/defpoint.h"
-#include "geometry/exactplaces.h"
 #include "geometry/placetree.h"
 #include "geometry/pointcells.h"
+#include "geometry/pointcolumns.h"
 #include "geometry/pointorder.h"
 #include "geometry/sortedruns.h"
 
@@ -14,8 +14,8 @@
 /// Its answers are those of a search for the nearest point in a vector that is kept sorted, to the
 /// last tie (see NearestIndex); but a search and an insertion cost the same whatever the number
 /// and the layout of the points. Points are kept in the order in which they came and found through
-/// a hash of square cells; arranged points that would crowd a cell are found through a k-d tree,
-/// or through a hash of their places where one stands exactly there.
+/// a hash of square cells; arranged points that would crowd a cell are found through columns, or
+/// through a k-d tree where that would take long.
 /// Which of two points at equal distances stands next to the place in the order of all is looked
 /// up in sorted runs, which are filled when that is first asked. A point with a coordinate that is
 /// not a number is never found and disturbs no other's order.
@@ -48,14 +48,14 @@ public:
     /// there. Neither changes an answer.
     size_t expect(double x, double y) const
     {
-        return m_exact.isEmpty() ? m_cells.expect(x, y) : m_exact.expect(x, y);
+        return m_columns.isEmpty() ? m_cells.expect(x, y) : m_columns.expect(x, y);
     }
     void expectPoints(const size_t* expected, size_t count) const
     {
-        if (m_exact.isEmpty())
+        if (m_columns.isEmpty())
             m_cells.expectPoints(m_points.constData(), expected, count);
         else
-            m_exact.expectPoints(m_points.constData(), expected, count);
+            m_columns.expectPoints(m_points.constData(), expected, count);
     }
     /// Adds a point that later searches find. To be called on an arranged catalogue.
     void insert(DefPoint point);
@@ -63,12 +63,13 @@ public:
 private:
     struct Sides;
 
+    void findInColumns(Sides& nearest);
     const DefPoint* firstInOrder(const Sides& tie);
 
     QVector<DefPoint> m_points;
     int m_arranged = 0; ///< so many points at the front are sorted and merged
-    ExactPlaces m_exact; ///< the arranged points, where they would crowd a cell
-    PlaceTree m_tree; ///< the same ones, when a place is asked for where none of them stands
+    PointColumns m_columns; ///< the arranged points, where they would crowd a cell
+    PlaceTree m_tree; ///< the same ones, from the first search on that the columns give up
     PointCells m_cells; ///< the other points
     SortedRuns m_order; ///< the points that are not arranged; completed when a tie asks for it
     int m_ordered = 0; ///< so many points at the front are arranged or in m_order

@@ -60,8 +60,8 @@ void PointCells::startAt(int index)
 
 bool PointCells::add(const QVector<DefPoint>& points, int end)
 {
-    if (m_end == m_first && m_end < end)
-        startWith(points, end);
+    if (m_end == m_first && m_end < end && !startWith(points, end))
+        return false;
     while (m_end < end) {
         m_next.push_back(-1);
         if (isHalfFull())
@@ -79,27 +79,36 @@ bool PointCells::add(const QVector<DefPoint>& points, int end)
 }
 
 /// Chooses cells for points that come all at once, as if they were spread evenly: refining the
-/// cells and growing the table later means to look up each point again.
-void PointCells::startWith(const QVector<DefPoint>& points, int end)
+/// cells and growing the table later means to look up each point again. False, before anything is
+/// made, when there are too few cells for so many points.
+bool PointCells::startWith(const QVector<DefPoint>& points, int end)
 {
-    const int count = end - m_first;
-    size_t slotCount = leastSlots;
-    while (slotCount < static_cast<size_t>(count))
-        slotCount *= 2;
-    m_slots.assign(slotCount, Slot{ 0, 0, -1 });
-    m_next.reserve(static_cast<size_t>(count));
-
     Range x;
     Range y;
+    int finite = 0;
     for (int i = m_first; i < end; ++i) {
-        x.include(points.at(i).x);
-        y.include(points.at(i).y);
+        const DefPoint& point = points.at(i);
+        x.include(point.x);
+        y.include(point.y);
+        finite += std::isfinite(point.x) && std::isfinite(point.y) ? 1 : 0;
     }
+    // A range that is a multiple of a cell's width can begin and end within a cell.
+    const double mostCells = (x.size() * smallestCells + 2) * (y.size() * smallestCells + 2);
+    if (mostCells * crowdInSmallest < finite)
+        return false;
+
+    const int count = end - m_first;
     const auto cellCount = [&] {
         return (x.size() * m_cellsPerUnit + 1) * (y.size() * m_cellsPerUnit + 1);
     };
     while (m_cellsPerUnit < smallestCells && cellCount() * usualInCell < count)
         m_cellsPerUnit *= refinement;
+    size_t slotCount = leastSlots;
+    while (slotCount < static_cast<size_t>(count))
+        slotCount *= 2;
+    m_slots.assign(slotCount, Slot{ 0, 0, -1 });
+    m_next.reserve(static_cast<size_t>(count));
+    return true;
 }
 
 void PointCells::expectPoints(const DefPoint* points, const size_t* expected, size_t count) const

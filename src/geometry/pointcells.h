@@ -139,7 +139,7 @@ private:
     bool isHalfFull() const { return m_usedSlots * 2 >= m_slots.size(); }
     int& next(int index) { return m_next[static_cast<size_t>(index - m_first)]; }
     const int& next(int index) const { return m_next[static_cast<size_t>(index - m_first)]; }
-    void startWith(const QVector<DefPoint>& points, int end);
+    bool startWith(const QVector<DefPoint>& points, int end);
     int link(const QVector<DefPoint>& points, int index);
     void relink(const QVector<DefPoint>& points, size_t slotCount);
 

@@ -312,6 +312,24 @@ void TestCatalogue::likeTheSortedVector_data()
     row("crowded cells at random", { anywhere(0, 0.25), anywhere(0, 0.25), 5000, 5000 });
     row("crowded cells and far points",
         { sometimes({ 1000, -1000 }, 3, crowded), sometimes({ 77 }, 3, rows), 6000, 5000 });
+    row("degrees", { anywhere(30.1, 30.3), anywhere(55.2, 55.28), 5000, 4000, 3 });
+    row("degrees on a lattice",
+        { lattice(0.0001, 700, 30.1), lattice(0.0001, 400, 55.2), 6000, 4000, 3 });
+    row("degrees on a binary lattice",
+        { lattice(1.0 / 8192, 700, 30), lattice(1.0 / 8192, 400, 55), 6000, 4000, 3 });
+    row("degrees and points at the origin",
+        { sometimes({ 0 }, 200, anywhere(30.1, 30.3)), sometimes({ 0 }, 200, anywhere(55.2, 55.28)),
+            5000, 3000, 3 });
+    row("about equally near in layers",
+        { lattice(1e-9, 3000, 30), sometimes({ 55.0125 }, 2, always(55)), 4000, 3000, 3 });
+    row("infinite among crowded cells",
+        { sometimes({ infinite, -infinite }, 60, crowded),
+            sometimes({ infinite, -infinite }, 60, rows), 6000, 3000, 3 });
+    row("huge among crowded cells",
+        { sometimes({ 1e308, -1e308 }, 60, crowded), sometimes({ 1e300, -1e155 }, 60, rows), 6000,
+            3000, 3 });
+    row("crowded at distances of the smallest numbers",
+        { lattice(5e-324, 3000), lattice(1.0 / 64, 12), 4000, 2000, 3 });
     row("one column", { always(512.5), anywhere(0, 60), 1500, 2500 });
     row("one column of ties", { always(512.5), lattice(1.0 / 128, 2000), 800, 2500 });
     row("one row", { lattice(1.0 / 128, 3000), always(-4), 800, 4000 });
