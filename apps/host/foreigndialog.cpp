@@ -1,5 +1,7 @@
 #include "foreigndialog.h"
 
+#include "plaintext.h"
+
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFileInfo>
@@ -16,11 +18,10 @@ ForeignDialog::ForeignDialog(
 {
     setWindowTitle(QStringLiteral("Файл другого формата"));
     auto* layout = new QFormLayout(this);
-    auto* label = new QLabel(
+    auto* label = plainLabel(
         QStringLiteral("Файл «%1» читает программа ogr2ogr. Рядом с ним будет записана копия "
                        "MIF/MID, она и откроется; сам файл не изменится.")
             .arg(QFileInfo(fileName).fileName()));
-    label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     layout->addRow(label);
     m_layer->setObjectName(QStringLiteral("layerCombo"));

@@ -3,11 +3,11 @@
 #include "background.h"
 #include "document.h"
 #include "foreigndialog.h"
+#include "plaintext.h"
 #include "preparecopy.h"
 #include "survey/filesurvey.h"
 
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTextCodec>
 #include <QWidget>
@@ -119,7 +119,7 @@ void ImportFlow::tellTrouble(const QString& fileName, const QString& trouble)
                          "DXF.")
         : QStringLiteral("Можно и выгрузить объекты в MIF или DXF из программы, в которой они "
                          "сделаны.");
-    QMessageBox::warning(&m_window, QStringLiteral("Файл не открыт"),
+    warn(&m_window, QStringLiteral("Файл не открыт"),
         QStringLiteral("%1: %2.\n\n%3").arg(shortName(fileName), trouble, remedy));
 }
 
@@ -182,7 +182,7 @@ void ImportFlow::mend(const QString& fileName, bool visibleOnly)
     if (!isDone)
         return;
     if (!copy->error.isEmpty()) {
-        QMessageBox::warning(&m_window, QStringLiteral("Копия не записана"), copy->error);
+        warn(&m_window, QStringLiteral("Копия не записана"), copy->error);
         return;
     }
     // What came of the file itself makes room for what comes of its copy.

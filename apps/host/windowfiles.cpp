@@ -9,6 +9,7 @@
 #include "importflow.h"
 #include "messagespane.h"
 #include "objectsmodel.h"
+#include "plaintext.h"
 #include "prepare/foreignfile.h"
 #include "sheet.h"
 
@@ -78,7 +79,7 @@ void MainWindow::openNext()
             if (mayReplace())
                 openForm(fileName);
         } else {
-            QMessageBox::warning(this, QStringLiteral("Файл не открыт"),
+            warn(this, QStringLiteral("Файл не открыт"),
                 QStringLiteral(
                     "%1: открываются формы (xml), файлы, которые знает модуль импорта, и "
                     "те, что переводит программа ogr2ogr (%2).")
@@ -154,7 +155,7 @@ bool MainWindow::openForm(const QString& fileName)
     if (!isDone)
         return false;
     if (!reading->error.isEmpty()) {
-        QMessageBox::warning(this, QStringLiteral("Форма не открыта"),
+        warn(this, QStringLiteral("Форма не открыта"),
             QStringLiteral("%1: %2\n\nСтолбцы, из которых читаются обозначения и координаты, "
                            "заданы в «Правка», «Таблицы программы».")
                 .arg(QDir::toNativeSeparators(fileName), reading->error));
@@ -225,7 +226,7 @@ bool MainWindow::exportTo(FormFile form, const QString& fileName, bool chosenOnl
     if (!isDone)
         return false;
     if (!outcome->error.isEmpty()) {
-        QMessageBox::warning(this, QStringLiteral("Файл не записан"), outcome->error);
+        warn(this, QStringLiteral("Файл не записан"), outcome->error);
         return false;
     }
     if (!outcome->remark.isEmpty())
@@ -259,8 +260,7 @@ void MainWindow::print()
                 printer->abort();
         });
     if (isDone && !*isPrinted) {
-        QMessageBox::warning(
-            this, QStringLiteral("Не напечатано"), QStringLiteral("Принтер не принял задание."));
+        warn(this, QStringLiteral("Не напечатано"), QStringLiteral("Принтер не принял задание."));
     }
 }
 

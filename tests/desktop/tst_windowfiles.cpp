@@ -18,6 +18,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
@@ -98,6 +99,9 @@ private slots:
     void tellsDrawingRemedy();
     void tellsUnwrittenCopy();
     void tellsUnwrittenMendedCopy();
+    void showsNamesAsTheyAre_data();
+    void showsNamesAsTheyAre();
+    void showsDesignationAsItIs();
     void opensRecentFiles();
     void dropsWaitForTheDialog();
     void takesOnlyLocalFiles();
@@ -685,6 +689,64 @@ void TestWindowFiles::tellsUnwrittenMendedCopy()
     QVERIFY2(told.startsWith(QStringLiteral("ошибка записи файла ")), qPrintable(told));
     QVERIFY(told.contains(QStringLiteral("-готов.dxf: ")));
     QCOMPARE(files(), before);
+}
+
+void TestWindowFiles::showsNamesAsTheyAre_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("action");
+    const auto row = [](const char* title, const QString& name, const char* action) {
+        QTest::newRow(title) << name << QByteArray(action);
+    };
+    row("no drawing", QStringLiteral("<b>a.txt"), "");
+    row("other format", QStringLiteral("<b>a.geojson"), "");
+    row("form", QStringLiteral("<b>a.xml"), "open");
+    row("export", QStringLiteral("<b>нет/a.csv"), "exportCsv");
+    row("copy", QStringLiteral("<b>") + longName(QStringLiteral(".dxf")).mid(3), "check");
+}
+
+void TestWindowFiles::showsNamesAsTheyAre()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, action);
+    const QString file = m_files->path(name);
+    if (action == "check")
+        QVERIFY(QFile::copy(QStringLiteral(SAMPLES_DIR "/survey.dxf"), file));
+    else if (action != "exportCsv")
+        m_files->write(name, "0\n");
+    QString told;
+    Qt::TextFormat format = Qt::AutoText;
+    const DriveDialog read = [&](QDialog& dialog) {
+        if (const auto* box = qobject_cast<QMessageBox*>(&dialog))
+            format = box->textFormat();
+        answer(QMessageBox::Ok, &told)(dialog);
+    };
+    if (action.isEmpty()) {
+        whenDialogRuns(read);
+        m_window->openFiles({ file });
+    } else if (action == "check") {
+        whenDialogRuns(choose({ file }));
+        trigger("check");
+        whenDialogRuns(read);
+        widget<QPushButton>("mendButton").click();
+    } else if (action == "exportCsv") {
+        whenDialogRuns(read);
+        QVERIFY(!m_window->exportTo(FormFile::Csv, file));
+    } else {
+        whenDialogsRun({ choose({ file }), read });
+        trigger(action.constData());
+    }
+    QVERIFY(waitFor([&] { return !told.isEmpty(); }));
+    QVERIFY2(told.contains(QStringLiteral("<b>")), qPrintable(told));
+    QCOMPARE(format, Qt::PlainText);
+}
+
+void TestWindowFiles::showsDesignationAsItIs()
+{
+    openForm(QStringLiteral("a.xml"), QStringLiteral("&lt;b&gt;Ю1"));
+    const auto& label = widget<QLabel>("objectLabel");
+    QVERIFY2(label.text().startsWith(QStringLiteral("<b>Ю1: ")), qPrintable(label.text()));
+    QCOMPARE(label.textFormat(), Qt::PlainText);
 }
 
 void TestWindowFiles::opensRecentFiles()
