@@ -18,6 +18,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QHash>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
@@ -37,6 +39,46 @@ namespace {
 
 constexpr int noticeMs = 8000;
 
+/// The endings of the names of files that go with one of another ending; it opens them.
+QStringList sideSuffixesOf(const QString& suffix)
+{
+    static const QHash<QString, QStringList> sideSuffixes{
+        { QStringLiteral("mif"), { QStringLiteral("mid") } },
+        { QStringLiteral("shp"),
+            { QStringLiteral("dbf"), QStringLiteral("shx"), QStringLiteral("prj"),
+                QStringLiteral("cpg"), QStringLiteral("sbn"), QStringLiteral("sbx"),
+                QStringLiteral("qix"), QStringLiteral("shp.xml") } },
+        { QStringLiteral("tab"),
+            { QStringLiteral("dat"), QStringLiteral("map"), QStringLiteral("id"),
+                QStringLiteral("ind") } },
+    };
+    return sideSuffixes.value(suffix);
+}
+
+/// A file as its neighbours name it, who may write it in other letters.
+QString placeOf(const QFileInfo& folder, const QString& name)
+{
+    return folder.absolutePath() + QLatin1Char('/') + name.toLower();
+}
+
+/// The files without those that go with another one of them.
+QStringList withoutSideFiles(const QStringList& fileNames)
+{
+    QSet<QString> sides;
+    for (const QString& fileName : fileNames) {
+        const QFileInfo file(fileName);
+        for (const QString& suffix : sideSuffixesOf(file.suffix().toLower()))
+            sides.insert(placeOf(file, file.completeBaseName() + QLatin1Char('.') + suffix));
+    }
+    QStringList opened;
+    for (const QString& fileName : fileNames) {
+        const QFileInfo file(fileName);
+        if (!sides.contains(placeOf(file, file.fileName())))
+            opened.append(fileName);
+    }
+    return opened;
+}
+
 QVector<int> allRows(int count)
 {
     QVector<int> rows(count);
@@ -48,16 +90,7 @@ QVector<int> allRows(int count)
 
 void MainWindow::openFiles(const QStringList& fileNames)
 {
-    // A file that goes with another one is opened by it.
-    QSet<QString> companions;
-    for (const QString& fileName : fileNames) {
-        if (const Format* const format = formatOfFile(fileName))
-            companions.insert(format->companionFile(fileName));
-    }
-    for (const QString& fileName : fileNames) {
-        if (!companions.contains(fileName))
-            m_queue.append(fileName);
-    }
+    m_queue.append(withoutSideFiles(fileNames));
     QTimer::singleShot(0, this, &MainWindow::openNext);
 }
 

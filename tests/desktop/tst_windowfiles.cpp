@@ -29,6 +29,7 @@
 #include <QTableView>
 #include <QTest>
 #include <QTextBrowser>
+#include <QTimer>
 #include <QUrl>
 
 namespace {
@@ -105,6 +106,10 @@ private slots:
     void opensRecentFiles();
     void dropsWaitForTheDialog();
     void takesOnlyLocalFiles();
+    void passesOverSideFiles_data();
+    void passesOverSideFiles();
+    void warnsOfSideFileAlone_data();
+    void warnsOfSideFileAlone();
     void cancelledReadingLeavesForm();
     void cancelledExportLeavesFile();
     void cancelledImportLeavesForm();
@@ -823,6 +828,73 @@ void TestWindowFiles::takesOnlyLocalFiles()
     QApplication::sendEvent(m_window.get(), &drop);
     QVERIFY(waitFor([&] { return m_window->document().fileName() == file; }));
     QCOMPARE(recentFiles(), QStringList(QStringLiteral("a.xml")));
+}
+
+void TestWindowFiles::passesOverSideFiles_data()
+{
+    QTest::addColumn<QStringList>("names");
+    const auto row = [](const char* title, const char* names) {
+        QTest::newRow(title) << QString::fromUtf8(names).split(QLatin1Char(' '));
+    };
+    row("MIF", "a.mif a.mid");
+    row("MIF, other letters", "a.mid A.MIF a.MID");
+    row("SHP", "a.dbf a.cpg a.prj a.shp a.shx");
+    row("SHP, all of it", "а.shp а.shp.xml а.sbn а.sbx а.qix а.dbf а.shx");
+    row("SHP, other letters", "A.SHP a.dbf A.Shx");
+    row("TAB", "a.tab a.dat a.map a.id a.ind");
+}
+
+void TestWindowFiles::passesOverSideFiles()
+{
+    QFETCH(QStringList, names);
+    QStringList dropped;
+    for (const QString& name : names)
+        dropped.append(m_files->write(name, "0\n"));
+    // The form comes last.
+    dropped.append(m_files->write(QStringLiteral("z.xml"), form(QStringLiteral("Ю1"))));
+    int asked = 0;
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, this, [&asked] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!dialog || qobject_cast<QProgressDialog*>(dialog))
+            return;
+        ++asked;
+        dialog->reject();
+    });
+    watch.start(5);
+    m_window->openFiles(dropped);
+    QVERIFY(waitFor([&] { return m_window->document().fileName() == dropped.last(); }));
+    QCOMPARE(asked, 1);
+}
+
+void TestWindowFiles::warnsOfSideFileAlone_data()
+{
+    QTest::addColumn<QString>("beside");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("no SHP") << QString() << QStringLiteral("a.dbf");
+    QTest::newRow("another SHP") << QStringLiteral("b.shp") << QStringLiteral("a.dbf");
+    QTest::newRow("SHP in another folder") << QStringLiteral("б/a.shp") << QStringLiteral("a.dbf");
+    QTest::newRow("of another format") << QStringLiteral("a.shp") << QStringLiteral("a.mid");
+    QTest::newRow("no MIF") << QString() << QStringLiteral("a.mid");
+}
+
+void TestWindowFiles::warnsOfSideFileAlone()
+{
+    QFETCH(QString, beside);
+    QFETCH(QString, name);
+    const QString file = m_files->write(name, "0\n");
+    QStringList dropped{ file };
+    QString told;
+    const DriveDialog read = answer(QMessageBox::Ok, &told);
+    if (beside.isEmpty()) {
+        whenDialogRuns(read);
+    } else {
+        dropped.append(m_files->path(beside));
+        whenDialogsRun({ read, cancel });
+    }
+    m_window->openFiles(dropped);
+    QVERIFY(waitFor([&] { return !told.isEmpty(); }));
+    QVERIFY2(told.startsWith(file + QStringLiteral(": открываются формы")), qPrintable(told));
 }
 
 void TestWindowFiles::cancelledReadingLeavesForm()
