@@ -5,6 +5,7 @@
 #include "foreigndialog.h"
 #include "plaintext.h"
 #include "preparecopy.h"
+#include "readable.h"
 #include "survey/filesurvey.h"
 
 #include <QFileInfo>
@@ -23,6 +24,20 @@ QString shortName(const QString& fileName)
     return QFileInfo(fileName).fileName();
 }
 
+/// Why one of the files that an import would read is not to be opened.
+QString pipeTroubleOf(const QString& operation, const ImportOptions& options)
+{
+    const Format* const format = formatOfOperation(operation);
+    if (!format)
+        return {};
+    for (const QString& file : filesOf(*format, options)) {
+        QString trouble = pipeTrouble(file);
+        if (!trouble.isEmpty())
+            return trouble;
+    }
+    return {};
+}
+
 } // namespace
 
 ImportFlow::ImportFlow(Document& document, PluginHost& host, QWidget& window)
@@ -36,6 +51,13 @@ ImportFlow::ImportFlow(Document& document, PluginHost& host, QWidget& window)
 
 void ImportFlow::import(const QString& operation, const QString& fileName)
 {
+    ImportOptions named;
+    named.objectFileName = fileName;
+    const QString trouble = pipeTroubleOf(operation, named);
+    if (!trouble.isEmpty()) {
+        warn(&m_window, QStringLiteral("Файл не открыт"), trouble);
+        return;
+    }
     m_running = fileName;
     const ImportAnswer answer = m_host.run(operation, fileName, m_settings);
     const bool isTaken = !answer.result.isNull() && takeResult(answer);
@@ -97,6 +119,11 @@ void ImportFlow::check(const QString& operation, const ImportOptions& options)
     const Format* const format = formatOfOperation(operation);
     if (!format)
         return;
+    const QString trouble = pipeTroubleOf(operation, options);
+    if (!trouble.isEmpty()) {
+        emit reported(options.objectFileName, trouble);
+        return;
+    }
     auto report = std::make_shared<std::optional<Report>>();
     const GeometryInfo columns = m_settings.columns;
     const bool isDone = runWithProgress(&m_window,

@@ -1,11 +1,11 @@
 #include "preparecopy.h"
 
 #include "import/formats.h"
-#include "importrun/importrun.h"
 #include "prepare/foreignfile.h"
 #include "prepare/preparedxf.h"
 #include "prepare/preparemif.h"
 #include "prepare/reporttext.h"
+#include "readable.h"
 #include "wholefile.h"
 
 #include <QDir>
@@ -24,7 +24,7 @@ struct Trouble {
 
 QByteArray readFile(const QString& fileName)
 {
-    const QString trouble = pipeOrDeviceTrouble(fileName);
+    const QString trouble = pipeTrouble(fileName);
     if (!trouble.isEmpty())
         throw Trouble{ trouble };
     QFile file(fileName);

@@ -11,6 +11,7 @@
 #include "objectsmodel.h"
 #include "plaintext.h"
 #include "prepare/foreignfile.h"
+#include "readable.h"
 #include "sheet.h"
 
 #include <QApplication>
@@ -168,6 +169,11 @@ void MainWindow::chooseFileToCheck()
 
 bool MainWindow::openForm(const QString& fileName)
 {
+    const QString trouble = pipeTrouble(fileName);
+    if (!trouble.isEmpty()) {
+        warn(this, QStringLiteral("Форма не открыта"), trouble);
+        return false;
+    }
     struct Reading {
         FormTable table;
         QString error;

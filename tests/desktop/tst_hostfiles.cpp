@@ -320,8 +320,7 @@ void TestHostFiles::copiesNoPipe()
     const QString pipe = m_files->path(QStringLiteral("a.dxf"));
     QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     QCOMPARE(prepareCopy(pipe, false, goesOn).error,
-        QStringLiteral("Ошибка открытия файла %1: это именованный канал; "
-                       "данные из канала подают на стандартный ввод")
+        QStringLiteral("Ошибка открытия файла %1: это не файл, а канал или устройство")
             .arg(shown(QStringLiteral("a.dxf"))));
 }
 

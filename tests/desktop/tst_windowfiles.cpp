@@ -32,6 +32,8 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <sys/stat.h>
+
 namespace {
 
 /// A form of one object with two points; the columns are those of the settings of a new user.
@@ -94,6 +96,9 @@ private slots:
     void tellsRefusedPrint();
     void checksFile();
     void checksUnknownFile();
+    void refusesPipes_data();
+    void refusesPipes();
+    void checksNoPipe();
     void checksPointFile();
     void choosesOtherFormat();
     void tellsEmptyOtherFormat();
@@ -588,6 +593,46 @@ void TestWindowFiles::checksUnknownFile()
     trigger("check");
     QCOMPARE(messages(), QStringList(QStringLiteral("Вид файла по расширению не определить.")));
     QVERIFY(!widget<MessagesPane>("messages").visibleRegion().isEmpty());
+}
+
+void TestWindowFiles::refusesPipes_data()
+{
+    QTest::addColumn<QString>("opened");
+    QTest::addColumn<QString>("pipe");
+    QTest::newRow("drawing") << QStringLiteral("a.dxf") << QStringLiteral("a.dxf");
+    QTest::newRow("rows of a pair")
+        << QStringLiteral("squares.mif") << QStringLiteral("squares.mid");
+    QTest::newRow("form") << QStringLiteral("a.xml") << QStringLiteral("a.xml");
+}
+
+/// Whoever opens a pipe waits until somebody writes to it, and the window would hang.
+void TestWindowFiles::refusesPipes()
+{
+    QFETCH(QString, opened);
+    QFETCH(QString, pipe);
+    squares();
+    m_files->remove(pipe);
+    const QString name = m_files->path(pipe);
+    QCOMPARE(mkfifo(QFile::encodeName(name).constData(), 0600), 0);
+    QString told;
+    whenDialogRuns(answer(QMessageBox::Ok, &told));
+    m_window->openFiles({ m_files->path(opened) });
+    QVERIFY(waitFor([&] { return !told.isEmpty(); }));
+    QCOMPARE(told,
+        QStringLiteral("Ошибка открытия файла %1: это не файл, а канал или устройство").arg(name));
+    QCOMPARE(shownObjects(), QStringList());
+    QCOMPARE(recentFiles(), QStringList());
+}
+
+void TestWindowFiles::checksNoPipe()
+{
+    const QString pipe = m_files->path(QStringLiteral("a.dxf"));
+    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    whenDialogRuns(choose({ pipe }));
+    trigger("check");
+    QCOMPARE(messages(),
+        QStringList(QStringLiteral("Ошибка открытия файла %1: это не файл, а канал или устройство")
+                        .arg(pipe)));
 }
 
 void TestWindowFiles::checksPointFile()
