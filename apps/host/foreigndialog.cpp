@@ -9,6 +9,13 @@
 #include <QLabel>
 #include <QPushButton>
 
+namespace {
+
+/// The place of the entry that stands for no column.
+constexpr int noColumn = 0;
+
+} // namespace
+
 ForeignDialog::ForeignDialog(
     const QString& fileName, const QVector<prep::ForeignLayer>& layers, QWidget* parent)
     : QDialog(parent)
@@ -42,9 +49,12 @@ ForeignDialog::ForeignDialog(
 
 void ForeignDialog::showColumns()
 {
+    const QStringList columns = m_layers.at(m_layer->currentIndex()).columns;
     m_column->clear();
-    m_column->addItems(m_layers.at(m_layer->currentIndex()).columns);
-    m_column->setEnabled(m_column->count() > 0);
+    m_column->addItem(QStringLiteral("(нет, объекты нумеруются)"));
+    m_column->addItems(columns);
+    m_column->setCurrentIndex(columns.isEmpty() ? noColumn : noColumn + 1);
+    m_column->setEnabled(!columns.isEmpty());
 }
 
 QString ForeignDialog::layer() const
@@ -54,5 +64,5 @@ QString ForeignDialog::layer() const
 
 QString ForeignDialog::column() const
 {
-    return m_column->currentText();
+    return m_column->currentIndex() == noColumn ? QString() : m_column->currentText();
 }

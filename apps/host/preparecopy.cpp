@@ -158,6 +158,7 @@ PreparedCopy prepareForeignCopy(const QString& fileName, const QString& layer,
     prep::PrepareOptions options;
     options.layers = QStringList(prep::layerPattern(layer));
     options.nameField = column;
+    options.withoutNames = column.isEmpty();
     return written(target, [&](prep::PrepareReport& report) {
         const QTemporaryDir folder;
         const prep::ForeignPair pair = prep::convertForeignFile(
