@@ -83,25 +83,33 @@ ExportTask readExportTask(const QCommandLineParser& parser)
     return task;
 }
 
+void writePair(const ExportTask& task, const ImportRun& all)
+{
+    OutputFile mif(task.target);
+    OutputFile mid(task.midTarget());
+    const qint64 unknown = writeMif(mif, mid, all.objects, all.shapes, task.options);
+    OutputFile::commitPair(mid, mif);
+    if (unknown > 0 && !task.telling.quiet) {
+        printMessage(task.target,
+            QStringLiteral("внимание: обозначений с буквами, которых нет в Windows-1251: %1")
+                .arg(unknown));
+    }
+}
+
 void write(const ExportTask& task, const ImportRun& all)
 {
+    if (task.format == ExportFormat::Mif) {
+        writePair(task, all);
+        return;
+    }
     OutputFile out(task.target);
     if (task.format == ExportFormat::Csv) {
         writeCsv(out, all.objects, all.shapes, task.options);
-    } else if (task.format == ExportFormat::GeoJson) {
+    } else {
         writeGeoJson(out, all.objects, all.shapes, task.options);
         if (!task.telling.quiet && !all.objects.isEmpty() && !guessDegrees(all.objects)) {
             printMessage(OutputFile::shownName(task.target),
                 QStringLiteral("координаты те же, что в файле; GeoJSON ждёт градусы WGS 84"));
-        }
-    } else {
-        OutputFile mid(task.midTarget());
-        const qint64 unknown = writeMif(out, mid, all.objects, all.shapes, task.options);
-        mid.commit();
-        if (unknown > 0 && !task.telling.quiet) {
-            printMessage(task.target,
-                QStringLiteral("внимание: обозначений с буквами, которых нет в Windows-1251: %1")
-                    .arg(unknown));
         }
     }
     out.commit();

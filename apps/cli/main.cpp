@@ -223,6 +223,16 @@ ExitStatus run(const Command* command, QStringList arguments)
             : unknownText(first) };
 }
 
+/// The arguments; enableCyrillic() must have told how they are decoded.
+QStringList argumentsOf(int argc, char** argv)
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    return arguments;
+}
+
+/// `argc` must last as long as the object.
 std::unique_ptr<QCoreApplication> makeApplication(const Command* command, int& argc, char** argv)
 {
     auto application = std::make_unique<QCoreApplication>(argc, argv);
@@ -247,11 +257,14 @@ int main(int argc, char** argv)
     }
     Interrupt::install();
     const Command* const command = findCommand(QString::fromLocal8Bit(argc > 1 ? argv[1] : ""));
-    const auto application = makeApplication(command, argc, argv);
+    // Qt has options of its own, which it would take from the arguments and follow without a word:
+    // it is shown no more than the name of the program.
+    int nameOnly = std::min(argc, 1);
+    const auto application = makeApplication(command, nameOnly, argv);
     ParserTexts texts;
     QCoreApplication::installTranslator(&texts);
     try {
-        const ExitStatus status = run(command, QCoreApplication::arguments());
+        const ExitStatus status = run(command, argumentsOf(argc, argv));
         Interrupt::obey();
         return status;
     } catch (const Failure& failure) {

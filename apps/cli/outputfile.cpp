@@ -131,13 +131,39 @@ qint64 OutputFile::bytesWritten()
 
 void OutputFile::commit()
 {
+    finish();
+    appear();
+}
+
+void OutputFile::commitPair(OutputFile& first, OutputFile& second)
+{
+    first.finish();
+    second.finish();
+    // What the disk takes long for is done before the first of them appears. Trouble of a file
+    // system that cannot do this is none, as in a commit.
+    fsync(first.m_file->handle());
+    fsync(second.m_file->handle());
+    first.appear();
+    second.appear();
+}
+
+void OutputFile::finish()
+{
     flushBuffer();
-    if (m_error == 0) {
-        auto* saved = qobject_cast<QSaveFile*>(m_file.get());
-        errno = 0;
-        if (saved ? !saved->commit() : m_file->error() != QFileDevice::NoError)
-            m_error = errno != 0 ? errno : EIO;
-    }
+    failAfterError();
+}
+
+void OutputFile::appear()
+{
+    auto* saved = qobject_cast<QSaveFile*>(m_file.get());
+    errno = 0;
+    if (saved ? !saved->commit() : m_file->error() != QFileDevice::NoError)
+        m_error = errno != 0 ? errno : EIO;
+    failAfterError();
+}
+
+void OutputFile::failAfterError() const
+{
     // Whoever read the answer has had enough of it: nothing to tell.
     if (m_error == EPIPE && m_fileName == standardOutput)
         throw Failure{ Failed, QString() };

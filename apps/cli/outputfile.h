@@ -41,14 +41,20 @@ public:
     void flushAll() { flushBuffer(); }
     /// Writes what is left and lets the file appear.
     void commit();
+    /// Lets two files that belong together appear once both are written.
+    static void commitPair(OutputFile& first, OutputFile& second);
 
 protected:
     qint64 readData(char* data, qint64 maxSize) override;
     qint64 writeData(const char* data, qint64 size) override;
 
 private:
+    /// Writes what is left; fails where any of the file could not be written.
+    void finish();
+    void appear();
     void flushBuffer();
     void writeThrough(const char* data, qint64 size);
+    void failAfterError() const;
 
     // Made first and destroyed last: no signal ends the program while there is a temporary file.
     std::optional<Interrupt::Deferral> m_deferral;

@@ -58,8 +58,7 @@ void preparePair(const PrepareTask& task, const QString& mifFileName,
     OutputFile mifOut(task.target);
     OutputFile midOut(task.midTarget());
     checkWritten(prep::prepareMif(std::move(pair), options, mifOut, midOut, report), report);
-    midOut.commit();
-    mifOut.commit();
+    OutputFile::commitPair(midOut, mifOut);
 }
 
 /// A signal that ends this program ends the other one first.

@@ -1,10 +1,12 @@
 #include "background.h"
 
+#include "plaintext.h"
 #include "status.h"
 
 #include <QEventLoop>
 #include <QFutureInterface>
 #include <QFutureWatcher>
+#include <QLabel>
 #include <QProgressDialog>
 #include <QRunnable>
 #include <QThreadPool>
@@ -67,7 +69,10 @@ bool runWithProgress(QWidget* parent, const QString& label, const BackgroundWork
     if (future.isFinished())
         return true;
     // No bar can tell how far the work is; one that moves tells that it goes on.
-    QProgressDialog progress(label, QStringLiteral("Отмена"), 0, 0, parent);
+    QProgressDialog progress({}, QStringLiteral("Отмена"), 0, 0, parent);
+    auto* shown = plainLabel(label);
+    shown->setAlignment(Qt::AlignCenter);
+    progress.setLabel(shown);
     progress.setWindowModality(Qt::WindowModal);
     QObject::connect(&progress, &QProgressDialog::canceled, &loop, &QEventLoop::quit);
     progress.show();

@@ -1,11 +1,20 @@
 #include "foreigndialog.h"
 
+#include "plaintext.h"
+
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QLabel>
 #include <QPushButton>
+
+namespace {
+
+/// The place of the entry that stands for no column.
+constexpr int noColumn = 0;
+
+} // namespace
 
 ForeignDialog::ForeignDialog(
     const QString& fileName, const QVector<prep::ForeignLayer>& layers, QWidget* parent)
@@ -16,11 +25,10 @@ ForeignDialog::ForeignDialog(
 {
     setWindowTitle(QStringLiteral("Файл другого формата"));
     auto* layout = new QFormLayout(this);
-    auto* label = new QLabel(
+    auto* label = plainLabel(
         QStringLiteral("Файл «%1» читает программа ogr2ogr. Рядом с ним будет записана копия "
                        "MIF/MID, она и откроется; сам файл не изменится.")
             .arg(QFileInfo(fileName).fileName()));
-    label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     layout->addRow(label);
     m_layer->setObjectName(QStringLiteral("layerCombo"));
@@ -41,9 +49,12 @@ ForeignDialog::ForeignDialog(
 
 void ForeignDialog::showColumns()
 {
+    const QStringList columns = m_layers.at(m_layer->currentIndex()).columns;
     m_column->clear();
-    m_column->addItems(m_layers.at(m_layer->currentIndex()).columns);
-    m_column->setEnabled(m_column->count() > 0);
+    m_column->addItem(QStringLiteral("(нет, объекты нумеруются)"));
+    m_column->addItems(columns);
+    m_column->setCurrentIndex(columns.isEmpty() ? noColumn : noColumn + 1);
+    m_column->setEnabled(!columns.isEmpty());
 }
 
 QString ForeignDialog::layer() const
@@ -53,5 +64,5 @@ QString ForeignDialog::layer() const
 
 QString ForeignDialog::column() const
 {
-    return m_column->currentText();
+    return m_column->currentIndex() == noColumn ? QString() : m_column->currentText();
 }

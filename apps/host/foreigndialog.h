@@ -17,7 +17,7 @@ public:
         QWidget* parent = nullptr);
 
     QString layer() const;
-    /// Empty for a layer without columns.
+    /// Empty where no column holds designations.
     QString column() const;
 
 private:

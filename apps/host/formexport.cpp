@@ -21,7 +21,7 @@ QVector<Shape> shapesOf(const QVector<DefPolygon>& objects)
     return shapes;
 }
 
-QString trouble(const QSaveFile& file)
+QString trouble(const WholeFile& file)
 {
     return QStringLiteral("Ошибка записи файла %1: %2")
         .arg(QDir::toNativeSeparators(file.fileName()), file.errorString());
@@ -81,9 +81,9 @@ bool write(QIODevice& out, QIODevice* companion, const FormExport& task,
 
 QString writeFormFile(const FormExport& task, const std::atomic_bool& cancelled, QString* remark)
 {
-    QSaveFile out(task.fileName);
+    WholeFile out(task.fileName);
     // Beside a MIF file stands its MID file under the same name.
-    QSaveFile companion(
+    WholeFile companion(
         task.fileName.left(task.fileName.lastIndexOf(QLatin1Char('.'))) + QLatin1String(".mid"));
     const bool hasCompanion = task.form == FormFile::Mif;
     if (!out.open(QIODevice::WriteOnly))
@@ -95,7 +95,9 @@ QString writeFormFile(const FormExport& task, const std::atomic_bool& cancelled,
         return QStringLiteral("Отменено.");
     if (!isWritten)
         return QStringLiteral("Для этого не хватает памяти.");
-    if (hasCompanion && !commitWhole(companion))
-        return trouble(companion);
+    if (hasCompanion) {
+        const WholeFile* const failed = commitPair(companion, out);
+        return failed ? trouble(*failed) : QString();
+    }
     return commitWhole(out) ? QString() : trouble(out);
 }

@@ -1,9 +1,10 @@
 #include "formsettingsdialog.h"
 
+#include "plaintext.h"
+
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QSpinBox>
 
 FormSettingsDialog::FormSettingsDialog(const FormSettings& settings, QWidget* parent)
@@ -65,7 +66,7 @@ void FormSettingsDialog::accept()
     const GeometryInfo columns = settings().columns;
     if (columns.nColNum == columns.xColNum || columns.nColNum == columns.yColNum
         || columns.xColNum == columns.yColNum) {
-        QMessageBox::warning(this, windowTitle(),
+        warn(this, windowTitle(),
             QStringLiteral("Обозначение точки и координаты должны стоять в разных столбцах."));
         return;
     }

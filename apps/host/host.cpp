@@ -28,7 +28,7 @@ void listOperations(const ImportGeometryInterface& plugin)
 
 bool saveResult(const QString& result, const QString& fileName)
 {
-    QSaveFile file(fileName);
+    WholeFile file(fileName);
     const QByteArray bytes = result.toUtf8();
     if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && commitWhole(file)) {
         say(QStringLiteral("Результат записан: %1").arg(QDir::toNativeSeparators(fileName)));

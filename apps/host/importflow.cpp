@@ -3,11 +3,12 @@
 #include "background.h"
 #include "document.h"
 #include "foreigndialog.h"
+#include "plaintext.h"
 #include "preparecopy.h"
+#include "readable.h"
 #include "survey/filesurvey.h"
 
 #include <QFileInfo>
-#include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTextCodec>
 #include <QWidget>
@@ -23,6 +24,20 @@ QString shortName(const QString& fileName)
     return QFileInfo(fileName).fileName();
 }
 
+/// Why one of the files that an import would read is not to be opened.
+QString pipeTroubleOf(const QString& operation, const ImportOptions& options)
+{
+    const Format* const format = formatOfOperation(operation);
+    if (!format)
+        return {};
+    for (const QString& file : filesOf(*format, options)) {
+        QString trouble = pipeTrouble(file);
+        if (!trouble.isEmpty())
+            return trouble;
+    }
+    return {};
+}
+
 } // namespace
 
 ImportFlow::ImportFlow(Document& document, PluginHost& host, QWidget& window)
@@ -36,6 +51,13 @@ ImportFlow::ImportFlow(Document& document, PluginHost& host, QWidget& window)
 
 void ImportFlow::import(const QString& operation, const QString& fileName)
 {
+    ImportOptions named;
+    named.objectFileName = fileName;
+    const QString trouble = pipeTroubleOf(operation, named);
+    if (!trouble.isEmpty()) {
+        warn(&m_window, QStringLiteral("Файл не открыт"), trouble);
+        return;
+    }
     m_running = fileName;
     const ImportAnswer answer = m_host.run(operation, fileName, m_settings);
     const bool isTaken = !answer.result.isNull() && takeResult(answer);
@@ -97,6 +119,11 @@ void ImportFlow::check(const QString& operation, const ImportOptions& options)
     const Format* const format = formatOfOperation(operation);
     if (!format)
         return;
+    const QString trouble = pipeTroubleOf(operation, options);
+    if (!trouble.isEmpty()) {
+        emit reported(options.objectFileName, trouble);
+        return;
+    }
     auto report = std::make_shared<std::optional<Report>>();
     const GeometryInfo columns = m_settings.columns;
     const bool isDone = runWithProgress(&m_window,
@@ -119,7 +146,7 @@ void ImportFlow::tellTrouble(const QString& fileName, const QString& trouble)
                          "DXF.")
         : QStringLiteral("Можно и выгрузить объекты в MIF или DXF из программы, в которой они "
                          "сделаны.");
-    QMessageBox::warning(&m_window, QStringLiteral("Файл не открыт"),
+    warn(&m_window, QStringLiteral("Файл не открыт"),
         QStringLiteral("%1: %2.\n\n%3").arg(shortName(fileName), trouble, remedy));
 }
 
@@ -182,7 +209,7 @@ void ImportFlow::mend(const QString& fileName, bool visibleOnly)
     if (!isDone)
         return;
     if (!copy->error.isEmpty()) {
-        QMessageBox::warning(&m_window, QStringLiteral("Копия не записана"), copy->error);
+        warn(&m_window, QStringLiteral("Копия не записана"), copy->error);
         return;
     }
     // What came of the file itself makes room for what comes of its copy.

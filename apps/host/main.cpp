@@ -1,11 +1,11 @@
 #include "host.h"
 #include "hostoptions.h"
 #include "mainwindow.h"
+#include "plaintext.h"
 
 #include <QApplication>
 #include <QIcon>
 #include <QLibraryInfo>
-#include <QMessageBox>
 #include <QSettings>
 #include <QTranslator>
 
@@ -18,7 +18,7 @@ int runWindow(const HostOptions& options)
     MainWindow window(host);
     window.show();
     if (!hasPlugin) {
-        QMessageBox::warning(&window, QStringLiteral("Модуль импорта не загружен"),
+        warn(&window, QStringLiteral("Модуль импорта не загружен"),
             QStringLiteral(
                 "%1\n\nФормы открываются и без него; модуль указывает параметр --plugin.")
                 .arg(host.errorString()));

@@ -8,6 +8,7 @@
 #include "importflow.h"
 #include "messagespane.h"
 #include "objectsmodel.h"
+#include "plaintext.h"
 #include "planwidget.h"
 
 #include <QCloseEvent>
@@ -103,7 +104,7 @@ void MainWindow::buildViews()
     m_search->setClearButtonEnabled(true);
     // A file that is dropped on it is for the window.
     m_search->setAcceptDrops(false);
-    m_objectLabel = new QLabel;
+    m_objectLabel = plainLabel();
     m_objectLabel->setObjectName(QStringLiteral("objectLabel"));
     m_objectLabel->setWordWrap(true);
 

@@ -1,5 +1,7 @@
 #include "messagespane.h"
 
+#include "plaintext.h"
+
 #include <QClipboard>
 #include <QDir>
 #include <QFileInfo>
@@ -36,8 +38,8 @@ void MessagesPane::add(const QString& fileName, const QString& text)
     auto* item = new QTreeWidgetItem(this,
         { QTime::currentTime().toString(QStringLiteral("HH:mm:ss")), QFileInfo(fileName).fileName(),
             text });
-    item->setToolTip(1, QDir::toNativeSeparators(fileName));
-    item->setToolTip(2, text);
+    item->setToolTip(1, plainToolTip(QDir::toNativeSeparators(fileName)));
+    item->setToolTip(2, plainToolTip(text));
     resizeColumnToContents(0);
     resizeColumnToContents(1);
     scrollToItem(item);

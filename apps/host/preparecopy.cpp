@@ -1,11 +1,11 @@
 #include "preparecopy.h"
 
 #include "import/formats.h"
-#include "importrun/importrun.h"
 #include "prepare/foreignfile.h"
 #include "prepare/preparedxf.h"
 #include "prepare/preparemif.h"
 #include "prepare/reporttext.h"
+#include "readable.h"
 #include "wholefile.h"
 
 #include <QDir>
@@ -24,7 +24,7 @@ struct Trouble {
 
 QByteArray readFile(const QString& fileName)
 {
-    const QString trouble = pipeOrDeviceTrouble(fileName);
+    const QString trouble = pipeTrouble(fileName);
     if (!trouble.isEmpty())
         throw Trouble{ trouble };
     QFile file(fileName);
@@ -36,20 +36,25 @@ QByteArray readFile(const QString& fileName)
     return file.readAll();
 }
 
-void open(QSaveFile& file)
+void open(WholeFile& file)
 {
     if (!file.open(QIODevice::WriteOnly))
         throw Trouble{ QStringLiteral("файл %1 не записывается: %2")
                            .arg(QDir::toNativeSeparators(file.fileName()), file.errorString()) };
 }
 
-void commit(QSaveFile& file, const std::atomic_bool& cancelled)
+void checkGoesOn(const std::atomic_bool& cancelled)
 {
     if (cancelled)
         throw Trouble{ QStringLiteral("отменено") };
-    if (!commitWhole(file))
+}
+
+void checkCommitted(const WholeFile* failed)
+{
+    if (failed)
         throw Trouble{ QStringLiteral("ошибка записи файла %1: %2")
-                           .arg(QDir::toNativeSeparators(file.fileName()), file.errorString()) };
+                           .arg(QDir::toNativeSeparators(failed->fileName()),
+                               failed->errorString()) };
 }
 
 /// A name beside the file that no file has.
@@ -86,13 +91,13 @@ void preparePair(const QString& fileName, const QString& target, const Format& f
         pair.mid = readFile(midFileName);
     const bool renamed = !midFileName.isEmpty() && midFileName != format.companionFile(fileName);
     report.note(prep::Note::MidRenamed, renamed && isOwn ? 1 : 0);
-    QSaveFile mif(target);
-    QSaveFile mid(format.companionFile(target));
+    WholeFile mif(target);
+    WholeFile mid(format.companionFile(target));
     open(mif);
     open(mid);
     checkWritten(prep::prepareMif(std::move(pair), options, mif, mid, report), report);
-    commit(mid, cancelled);
-    commit(mif, cancelled);
+    checkGoesOn(cancelled);
+    checkCommitted(commitPair(mid, mif));
 }
 
 void prepareDrawing(const QString& fileName, const QString& target,
@@ -100,10 +105,11 @@ void prepareDrawing(const QString& fileName, const QString& target,
     const std::atomic_bool& cancelled)
 {
     QByteArray bytes = readFile(fileName);
-    QSaveFile out(target);
+    WholeFile out(target);
     open(out);
     checkWritten(prep::prepareDxf(std::move(bytes), options, out, report), report);
-    commit(out, cancelled);
+    checkGoesOn(cancelled);
+    checkCommitted(commitWhole(out) ? nullptr : &out);
 }
 
 /// What came of a preparation that writes to `target`.
@@ -152,6 +158,7 @@ PreparedCopy prepareForeignCopy(const QString& fileName, const QString& layer,
     prep::PrepareOptions options;
     options.layers = QStringList(prep::layerPattern(layer));
     options.nameField = column;
+    options.withoutNames = column.isEmpty();
     return written(target, [&](prep::PrepareReport& report) {
         const QTemporaryDir folder;
         const prep::ForeignPair pair = prep::convertForeignFile(

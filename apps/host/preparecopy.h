@@ -17,7 +17,7 @@ struct PreparedCopy {
 PreparedCopy prepareCopy(
     const QString& fileName, bool visibleOnly, const std::atomic_bool& cancelled);
 
-/// Writes a MIF/MID pair of a layer of a file of another format beside it, with the column, if any,
-/// as designations.
+/// Writes a MIF/MID pair of a layer of a file of another format beside it, with the column as
+/// designations; empty for none.
 PreparedCopy prepareForeignCopy(const QString& fileName, const QString& layer,
     const QString& column, const std::atomic_bool& cancelled);

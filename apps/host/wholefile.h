@@ -2,9 +2,21 @@
 
 #include <QSaveFile>
 
-/// Puts a file in its place when all of it could be written; else nothing, and the file says why.
-inline bool commitWhole(QSaveFile& file)
-{
-    // A commit takes no notice of trouble with the last bytes, which the file still holds back.
-    return file.flush() && file.commit();
-}
+/// A file that is put in its place when all of it could be written, by the functions below; else it
+/// says why it was not.
+class WholeFile : public QSaveFile {
+    Q_OBJECT
+
+public:
+    using QSaveFile::QSaveFile;
+
+protected:
+    qint64 writeData(const char* data, qint64 size) override;
+};
+
+/// Puts a file in its place; false when not all of it could be written.
+bool commitWhole(WholeFile& file);
+
+/// Puts two files that belong together in their places, neither of them before both are written.
+/// Returns the one that failed, or null.
+const WholeFile* commitPair(WholeFile& first, WholeFile& second);

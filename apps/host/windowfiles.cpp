@@ -9,7 +9,9 @@
 #include "importflow.h"
 #include "messagespane.h"
 #include "objectsmodel.h"
+#include "plaintext.h"
 #include "prepare/foreignfile.h"
+#include "readable.h"
 #include "sheet.h"
 
 #include <QApplication>
@@ -17,6 +19,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QHash>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
@@ -36,6 +40,46 @@ namespace {
 
 constexpr int noticeMs = 8000;
 
+/// The endings of the names of files that go with one of another ending; it opens them.
+QStringList sideSuffixesOf(const QString& suffix)
+{
+    static const QHash<QString, QStringList> sideSuffixes{
+        { QStringLiteral("mif"), { QStringLiteral("mid") } },
+        { QStringLiteral("shp"),
+            { QStringLiteral("dbf"), QStringLiteral("shx"), QStringLiteral("prj"),
+                QStringLiteral("cpg"), QStringLiteral("sbn"), QStringLiteral("sbx"),
+                QStringLiteral("qix"), QStringLiteral("shp.xml") } },
+        { QStringLiteral("tab"),
+            { QStringLiteral("dat"), QStringLiteral("map"), QStringLiteral("id"),
+                QStringLiteral("ind") } },
+    };
+    return sideSuffixes.value(suffix);
+}
+
+/// A file as its neighbours name it, who may write it in other letters.
+QString placeOf(const QFileInfo& folder, const QString& name)
+{
+    return folder.absolutePath() + QLatin1Char('/') + name.toLower();
+}
+
+/// The files without those that go with another one of them.
+QStringList withoutSideFiles(const QStringList& fileNames)
+{
+    QSet<QString> sides;
+    for (const QString& fileName : fileNames) {
+        const QFileInfo file(fileName);
+        for (const QString& suffix : sideSuffixesOf(file.suffix().toLower()))
+            sides.insert(placeOf(file, file.completeBaseName() + QLatin1Char('.') + suffix));
+    }
+    QStringList opened;
+    for (const QString& fileName : fileNames) {
+        const QFileInfo file(fileName);
+        if (!sides.contains(placeOf(file, file.fileName())))
+            opened.append(fileName);
+    }
+    return opened;
+}
+
 QVector<int> allRows(int count)
 {
     QVector<int> rows(count);
@@ -47,16 +91,7 @@ QVector<int> allRows(int count)
 
 void MainWindow::openFiles(const QStringList& fileNames)
 {
-    // A file that goes with another one is opened by it.
-    QSet<QString> companions;
-    for (const QString& fileName : fileNames) {
-        if (const Format* const format = formatOfFile(fileName))
-            companions.insert(format->companionFile(fileName));
-    }
-    for (const QString& fileName : fileNames) {
-        if (!companions.contains(fileName))
-            m_queue.append(fileName);
-    }
+    m_queue.append(withoutSideFiles(fileNames));
     QTimer::singleShot(0, this, &MainWindow::openNext);
 }
 
@@ -78,7 +113,7 @@ void MainWindow::openNext()
             if (mayReplace())
                 openForm(fileName);
         } else {
-            QMessageBox::warning(this, QStringLiteral("Файл не открыт"),
+            warn(this, QStringLiteral("Файл не открыт"),
                 QStringLiteral(
                     "%1: открываются формы (xml), файлы, которые знает модуль импорта, и "
                     "те, что переводит программа ogr2ogr (%2).")
@@ -134,6 +169,11 @@ void MainWindow::chooseFileToCheck()
 
 bool MainWindow::openForm(const QString& fileName)
 {
+    const QString trouble = pipeTrouble(fileName);
+    if (!trouble.isEmpty()) {
+        warn(this, QStringLiteral("Форма не открыта"), trouble);
+        return false;
+    }
     struct Reading {
         FormTable table;
         QString error;
@@ -154,7 +194,7 @@ bool MainWindow::openForm(const QString& fileName)
     if (!isDone)
         return false;
     if (!reading->error.isEmpty()) {
-        QMessageBox::warning(this, QStringLiteral("Форма не открыта"),
+        warn(this, QStringLiteral("Форма не открыта"),
             QStringLiteral("%1: %2\n\nСтолбцы, из которых читаются обозначения и координаты, "
                            "заданы в «Правка», «Таблицы программы».")
                 .arg(QDir::toNativeSeparators(fileName), reading->error));
@@ -225,7 +265,7 @@ bool MainWindow::exportTo(FormFile form, const QString& fileName, bool chosenOnl
     if (!isDone)
         return false;
     if (!outcome->error.isEmpty()) {
-        QMessageBox::warning(this, QStringLiteral("Файл не записан"), outcome->error);
+        warn(this, QStringLiteral("Файл не записан"), outcome->error);
         return false;
     }
     if (!outcome->remark.isEmpty())
@@ -259,8 +299,7 @@ void MainWindow::print()
                 printer->abort();
         });
     if (isDone && !*isPrinted) {
-        QMessageBox::warning(
-            this, QStringLiteral("Не напечатано"), QStringLiteral("Принтер не принял задание."));
+        warn(this, QStringLiteral("Не напечатано"), QStringLiteral("Принтер не принял задание."));
     }
 }
 

@@ -240,25 +240,38 @@ private:
             QStringLiteral("IntegerList=String,Integer64List=String,RealList=String,"
                            "StringList=String,Binary=String") };
         // A MIF file without a column is none for the program.
-        if (layer.columns.isEmpty()) {
+        const bool hasQuery = layer.columns.isEmpty() || m_options.withoutNames;
+        if (hasQuery) {
             arguments << QStringLiteral("-dialect") << QStringLiteral("OGRSQL")
                       << QStringLiteral("-sql") << QLatin1Char('@') + queryFor(layer);
         }
         arguments << target << source;
-        if (!layer.columns.isEmpty() && isOneOfSeveral)
+        if (!hasQuery && isOneOfSeveral)
             arguments << layer.name;
         runProgram(m_ogr2ogr, arguments);
         return QDir(target).filePath(QStringLiteral("objects.mif"));
     }
 
-    /// Gives the name of a file with a query that adds a column of blanks.
+    /// A name for a column that the layer does not have; the program knows no case of letters.
+    static QString unusedName(const Layer& layer)
+    {
+        QString name = QStringLiteral("NAME");
+        while (layer.columns.contains(name, Qt::CaseInsensitive))
+            name += QLatin1Char('_');
+        return name;
+    }
+
+    /// Gives the name of a file with a query that puts a column of blanks before the others.
     QString queryFor(const Layer& layer) const
     {
         QString name = layer.name;
         name.replace(QLatin1Char('"'), QLatin1String("\\\""));
         QFile file(m_folder.filePath(QStringLiteral("query.sql")));
         if (file.open(QIODevice::WriteOnly))
-            file.write(QStringLiteral("SELECT '' AS NAME FROM \"%1\"").arg(name).toUtf8());
+            file.write(QStringLiteral("SELECT '' AS %1%2 FROM \"%3\"")
+                           .arg(unusedName(layer),
+                               layer.columns.isEmpty() ? QString() : QStringLiteral(", *"), name)
+                           .toUtf8());
         return file.fileName();
     }
 

@@ -57,7 +57,8 @@ ForeignLayers listForeignLayers(
     const QString& fileName, const QTemporaryDir& folder, const ForeignWatcher& watcher);
 
 /// Lets ogr2ogr turn such a file into a MIF/MID pair in `folder`, with all its columns in their
-/// order. A file of several layers must have one that `options` choose.
+/// order, behind an empty one if `options` say so. A file of several layers must have one that
+/// `options` choose.
 ForeignPair convertForeignFile(const QString& fileName, const PrepareOptions& options,
     const QTemporaryDir& folder, const ForeignWatcher& watcher);
 

@@ -32,6 +32,7 @@ struct PrepareOptions {
     QByteArray encoding; ///< of the result; empty to keep that of the source
     QString nameField; ///< the column of a MIF that becomes the first one; empty for no change
     std::optional<int> nameColumn; ///< that column by its place, from zero, instead of its name
+    bool withoutNames = false; ///< an empty column becomes the first one; of other formats only
     bool swapXY = false;
     double scale = 1;
 };

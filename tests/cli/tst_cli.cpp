@@ -208,6 +208,13 @@ private slots:
         row("long option with one dash", { "convert", "parcels.mif", "-strict" },
             "неизвестный параметр «-strict»; возможно, «--strict»");
         row("short option", { "check", "parcels.mif", "-x" }, "неизвестный параметр «-x»");
+        // Options of Qt are none of the program.
+        row("platform of Qt", { "plan", "parcels.mif", "-o", "a.svg", "-platform", "xcb" },
+            "неизвестный параметр «-platform»");
+        row("style of Qt", { "plan", "-style", "x", "parcels.mif", "-o", "a.svg" },
+            "неизвестный параметр «-style»");
+        row("debugger of Qt", { "convert", "parcels.mif", "-qmljsdebugger=x" },
+            "неизвестный параметр «-qmljsdebugger=x»");
         row("mistyped command after help", { "help", "chek" },
             "неизвестная команда «chek»; возможно, «check»");
         row("MID file", { "convert", "parcels.mid" },

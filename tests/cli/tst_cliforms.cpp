@@ -68,6 +68,46 @@ private slots:
             shell(QStringLiteral("$CLI export -q --encoding UTF-8 a.mif -o b.mif")).err, QString());
     }
 
+    void pairStaysWhole_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<int>("vertices");
+        for (const char* command : { "export", "prepare" }) {
+            // What is left to be written at the end, and what fails before.
+            QTest::addRow("%s, end", command) << QString::fromLatin1(command) << 500;
+            QTest::addRow("%s, middle", command) << QString::fromLatin1(command) << 50000;
+        }
+    }
+
+    /// There is room for the rows of objects, but not for their places.
+    void pairStaysWhole()
+    {
+        QFETCH(QString, command);
+        QFETCH(int, vertices);
+        const TempFiles folder;
+        QByteArray places;
+        for (int i = 0; i < vertices; ++i)
+            places += QByteArray::number(i) + " 0\n";
+        folder.write(QStringLiteral("a.mif"),
+            mifHeader() + "Pline " + QByteArray::number(vertices) + '\n' + places);
+        folder.write(QStringLiteral("a.mid"), "new\n");
+        const QString run = QStringLiteral("$CLI %1 -q a.mif -o b.mif; echo $?; ls; ").arg(command);
+        const QString limit = QStringLiteral("ulimit -f 1; ");
+        const CommandRun first = runShell(limit + run, folder.path({}));
+        QCOMPARE(first.out, QByteArray("1\na.mid\na.mif\n"));
+        QVERIFY2(first.err.endsWith(
+                     QStringLiteral("b.mif: ошибка записи: превышен предельный размер файла\n")),
+            qPrintable(first.err));
+        const CommandRun second = runShell(QStringLiteral("echo older >b.mif; echo rows >b.mid; ")
+                + limit + run + QStringLiteral("cat b.mif b.mid"),
+            folder.path({}));
+        QCOMPARE(second.out, QByteArray("1\na.mid\na.mif\nb.mid\nb.mif\nolder\nrows\n"));
+        // With room for both there is a new pair.
+        const CommandRun third =
+            runShell(run + QStringLiteral("grep -c old b.m*"), folder.path({}));
+        QCOMPARE(third.out, QByteArray("0\na.mid\na.mif\nb.mid\nb.mif\nb.mid:0\nb.mif:0\n"));
+    }
+
     void exportAsGeoJson_data()
     {
         QTest::addColumn<QByteArray>("line");

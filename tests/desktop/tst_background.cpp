@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLabel>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QTest>
@@ -38,6 +39,7 @@ class TestBackground : public StrictTest {
 private slots:
     void runsToTheEnd();
     void showsLongWork();
+    void showsLabelAsItIs();
     void cancels();
     void endsWithTheProgram();
     void cancelledExportLeavesNothing_data();
@@ -68,6 +70,29 @@ void TestBackground::showsLongWork()
             QThread::msleep(5);
     }));
     QVERIFY(!shownProgress());
+}
+
+void TestBackground::showsLabelAsItIs()
+{
+    std::atomic_bool isSeen{ false };
+    bool isPlain = false;
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, this, [&] {
+        const QProgressDialog* progress = shownProgress();
+        if (!progress)
+            return;
+        for (const QLabel* label : progress->findChildren<QLabel*>()) {
+            isPlain = label->textFormat() == Qt::PlainText
+                && label->text() == QStringLiteral("<b>a.dxf</b>") && label->isVisible();
+        }
+        isSeen = true;
+    });
+    watch.start(10);
+    QVERIFY(runWithProgress(nullptr, QStringLiteral("<b>a.dxf</b>"), [&](const std::atomic_bool&) {
+        while (!isSeen)
+            QThread::msleep(5);
+    }));
+    QVERIFY(isPlain);
 }
 
 void TestBackground::cancels()

@@ -13,6 +13,7 @@
 #include <QPalette>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextDocument>
 #include <QTime>
 
 #include <memory>
@@ -78,6 +79,7 @@ private slots:
     void mixesColours();
     void drawsPlanForTheme();
     void keepsNewestMessages();
+    void showsMessagesAsTheyAre();
 
 private:
     static QStringList rowOf(const QAbstractItemModel& model, int row);
@@ -339,6 +341,21 @@ void TestFormViews::keepsNewestMessages()
     QCOMPARE(last.text(2), QStringLiteral("сообщение 1003"));
     QCOMPARE(last.toolTip(1), QStringLiteral("/план/а.mif"));
     QCOMPARE(last.toolTip(2), QStringLiteral("сообщение 1003"));
+}
+
+void TestFormViews::showsMessagesAsTheyAre()
+{
+    MessagesPane messages;
+    const QString name = QStringLiteral("<b>а & б.mif");
+    messages.add(name, QStringLiteral("сообщение о %1").arg(name));
+    const QTreeWidgetItem& item = *messages.topLevelItem(0);
+    QCOMPARE(item.text(1), name);
+    // What is read as HTML must say the same.
+    for (int column : { 1, 2 }) {
+        QTextDocument shown;
+        shown.setHtml(item.toolTip(column));
+        QCOMPARE(shown.toPlainText(), item.text(column));
+    }
 }
 
 QTEST_MAIN(TestFormViews)

@@ -2,6 +2,7 @@
 // other formats.
 
 #include "cataloguerows.h"
+#include "foreigndialog.h"
 #include "prepare/foreignfile.h"
 #include "support/miftext.h"
 #include "windowdriver.h"
@@ -11,6 +12,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QLocale>
@@ -72,6 +74,8 @@ private slots:
     void cancelledCopyLeavesClipboard();
     void cancelledTextEnds();
     void opensOtherFormat();
+    void numbersObjectsWithoutColumn();
+    void asksForColumn();
     void choosesLayer();
     void cancelsOtherFormat();
     void tellsWhatReadsOtherFormat();
@@ -82,6 +86,8 @@ private:
     /// Prints into a file through the dialog.
     QString printed(bool chosenOnly);
     bool waitForObjects(int count);
+    /// Writes a file with these objects in each of its layers "first" and "second".
+    QString twoLayers(const QByteArray& content);
 };
 
 bool TestHandover::waitForObjects(int count)
@@ -198,6 +204,20 @@ void TestHandover::cancelledTextEnds()
     QCOMPARE(catalogue.plain({ 0, 1, 7 }, goesOn), QStringLiteral("Точка\n0\n1\n\n"));
 }
 
+QString TestHandover::twoLayers(const QByteArray& content)
+{
+    const QString json = m_files->write(QStringLiteral("a.geojson"), content);
+    QString file = m_files->path(QStringLiteral("two.gpkg"));
+    const auto add = [&](const QStringList& options, const char* layer) {
+        const QStringList arguments{ file, json, QStringLiteral("-nln"), QLatin1String(layer) };
+        if (QProcess::execute(QStringLiteral("ogr2ogr"), options + arguments) != 0)
+            qFatal("No layer %s is written", layer);
+    };
+    add({ QStringLiteral("-f"), QStringLiteral("GPKG") }, "first");
+    add({ QStringLiteral("-update") }, "second");
+    return file;
+}
+
 void TestHandover::opensOtherFormat()
 {
     if (!hasOgr())
@@ -225,18 +245,56 @@ void TestHandover::opensOtherFormat()
         told->toPlainText().contains(QStringLiteral("файл переведён в MIF программой ogr2ogr")));
 }
 
+void TestHandover::numbersObjectsWithoutColumn()
+{
+    if (!hasOgr())
+        QSKIP("ogr2ogr is not installed (package gdal-bin)");
+    // The name that the added column would have is taken.
+    QByteArray content = geoJson;
+    content.replace("\"number\"", "\"Name\"");
+    QVERIFY(content != geoJson);
+    const QString file = twoLayers(content);
+    whenDialogRuns([&](QDialog& dialog) {
+        dialog.findChild<QComboBox*>(QStringLiteral("layerCombo"))
+            ->setCurrentText(QStringLiteral("second"));
+        dialog.findChild<QComboBox*>(QStringLiteral("columnCombo"))->setCurrentIndex(0);
+        whenDialogRuns(startAndAccept);
+        dialog.accept();
+    });
+    m_window->openFiles({ file });
+    QVERIFY(waitForObjects(1));
+    QCOMPARE(m_window->document().objects().first().def, QStringLiteral(":ЗУ1"));
+    // The copy has the other columns all the same.
+    QFile mid(m_files->path(QStringLiteral("two-готов.mid")));
+    QVERIFY(mid.open(QIODevice::ReadOnly));
+    const QByteArray row = mid.readAll();
+    QVERIFY2(row.startsWith("\"\",") && row.contains("\"50:1\""), row.constData());
+}
+
+void TestHandover::asksForColumn()
+{
+    const QString number = QStringLiteral("number");
+    ForeignDialog dialog(QStringLiteral("a.gpkg"),
+        { { QStringLiteral("first"), { number, QStringLiteral("area") }, true },
+            { QStringLiteral("second"), {}, true } });
+    auto* column = dialog.findChild<QComboBox*>(QStringLiteral("columnCombo"));
+    // Most files have one, and none is no answer that is given without a word.
+    QCOMPARE(column->itemText(0), QStringLiteral("(нет, объекты нумеруются)"));
+    QCOMPARE(column->count(), 3);
+    QCOMPARE(dialog.column(), number);
+    column->setCurrentIndex(0);
+    QCOMPARE(dialog.column(), QString());
+    dialog.findChild<QComboBox*>(QStringLiteral("layerCombo"))->setCurrentIndex(1);
+    QCOMPARE(column->count(), 1);
+    QCOMPARE(dialog.column(), QString());
+    QVERIFY(!column->isEnabled());
+}
+
 void TestHandover::choosesLayer()
 {
     if (!hasOgr())
         QSKIP("ogr2ogr is not installed (package gdal-bin)");
-    const QString json = m_files->write(QStringLiteral("a.geojson"), geoJson);
-    const QString file = m_files->path(QStringLiteral("two.gpkg"));
-    const auto add = [&](const QStringList& options, const QString& layer) {
-        return QProcess::execute(QStringLiteral("ogr2ogr"),
-            options + QStringList{ file, json, QStringLiteral("-nln"), layer });
-    };
-    QCOMPARE(add({ QStringLiteral("-f"), QStringLiteral("GPKG") }, QStringLiteral("first")), 0);
-    QCOMPARE(add({ QStringLiteral("-update") }, QStringLiteral("second")), 0);
+    const QString file = twoLayers(geoJson);
     QStringList layers;
     whenDialogRuns([&](QDialog& dialog) {
         auto* layer = dialog.findChild<QComboBox*>(QStringLiteral("layerCombo"));

@@ -33,6 +33,8 @@ FormTable plainForm()
     return table;
 }
 
+constexpr int roomForRows = 1000; // bytes
+
 const std::atomic_bool goesOn{ false };
 const std::atomic_bool cancelled{ true };
 
@@ -50,6 +52,10 @@ private slots:
     void remarksNothingOfPlainForm();
     void tellsWriteErrors_data();
     void tellsWriteErrors();
+    void pairStaysWhole_data();
+    void pairStaysWhole();
+    void copiesNoHalfOfPair_data();
+    void copiesNoHalfOfPair();
     void tellsFolderInPlaceOfMid();
     void tellsCancelledExport_data();
     void tellsCancelledExport();
@@ -159,6 +165,68 @@ void TestHostFiles::tellsWriteErrors()
     QCOMPARE(file.readAll(), QByteArray("older"));
 }
 
+void TestHostFiles::pairStaysWhole_data()
+{
+    QTest::addColumn<int>("vertices");
+    // What is left to be written at the end, and what fails before.
+    QTest::newRow("end") << 500;
+    QTest::newRow("middle") << 50000;
+}
+
+/// There is room for the rows of objects, but not for their places.
+void TestHostFiles::pairStaysWhole()
+{
+    QFETCH(int, vertices);
+    FormExport task = exportOf(FormFile::Mif, QStringLiteral("a.mif"));
+    task.table.objects[0].contours[0].fill(DefPoint{ QStringLiteral("1"), 10, 10 }, vertices);
+    m_files->write(QStringLiteral("a.mif"), "older");
+    m_files->write(QStringLiteral("a.mid"), "rows");
+    const auto contentOf = [this](const char* name) {
+        QFile file(m_files->path(QLatin1String(name)));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    };
+    QString trouble;
+    {
+        const FullDisk disk(roomForRows);
+        trouble = writeFormFile(task, goesOn);
+    }
+    const QString start =
+        QStringLiteral("Ошибка записи файла %1: ").arg(shown(QStringLiteral("a.mif")));
+    QVERIFY2(trouble.startsWith(start), qPrintable(trouble));
+    QCOMPARE(files(), (QStringList{ QStringLiteral("a.mid"), QStringLiteral("a.mif") }));
+    QCOMPARE(contentOf("a.mif"), QByteArray("older"));
+    QCOMPARE(contentOf("a.mid"), QByteArray("rows"));
+    // With room for both there is a new pair.
+    QCOMPARE(writeFormFile(task, goesOn), QString());
+    QVERIFY(contentOf("a.mif").startsWith("Version 300"));
+    // The letter is that of Windows-1251.
+    QVERIFY(contentOf("a.mid").startsWith("\"\xC0\","));
+}
+
+void TestHostFiles::copiesNoHalfOfPair_data()
+{
+    pairStaysWhole_data();
+}
+
+void TestHostFiles::copiesNoHalfOfPair()
+{
+    QFETCH(int, vertices);
+    const QByteArray places = QByteArray("10 10\n").repeated(vertices);
+    const QString file = m_files->write(
+        QStringLiteral("a.mif"), mif("Pline " + QByteArray::number(vertices) + '\n' + places));
+    m_files->write(QStringLiteral("a.mid"), "\"1\"\n");
+    const QStringList before = files();
+    QString error;
+    {
+        const FullDisk disk(roomForRows);
+        error = prepareCopy(file, false, goesOn).error;
+    }
+    const QString start =
+        QStringLiteral("ошибка записи файла %1: ").arg(shown(QStringLiteral("a-готов.mif")));
+    QVERIFY2(error.startsWith(start), qPrintable(error));
+    QCOMPARE(files(), before);
+}
+
 void TestHostFiles::tellsFolderInPlaceOfMid()
 {
     QVERIFY(QDir(m_files->path(QString())).mkdir(QStringLiteral("a.mid")));
@@ -252,8 +320,7 @@ void TestHostFiles::copiesNoPipe()
     const QString pipe = m_files->path(QStringLiteral("a.dxf"));
     QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     QCOMPARE(prepareCopy(pipe, false, goesOn).error,
-        QStringLiteral("Ошибка открытия файла %1: это именованный канал; "
-                       "данные из канала подают на стандартный ввод")
+        QStringLiteral("Ошибка открытия файла %1: это не файл, а канал или устройство")
             .arg(shown(QStringLiteral("a.dxf"))));
 }
 

@@ -18,6 +18,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
@@ -28,7 +29,10 @@
 #include <QTableView>
 #include <QTest>
 #include <QTextBrowser>
+#include <QTimer>
 #include <QUrl>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -92,15 +96,25 @@ private slots:
     void tellsRefusedPrint();
     void checksFile();
     void checksUnknownFile();
+    void refusesPipes_data();
+    void refusesPipes();
+    void checksNoPipe();
     void checksPointFile();
     void choosesOtherFormat();
     void tellsEmptyOtherFormat();
     void tellsDrawingRemedy();
     void tellsUnwrittenCopy();
     void tellsUnwrittenMendedCopy();
+    void showsNamesAsTheyAre_data();
+    void showsNamesAsTheyAre();
+    void showsDesignationAsItIs();
     void opensRecentFiles();
     void dropsWaitForTheDialog();
     void takesOnlyLocalFiles();
+    void passesOverSideFiles_data();
+    void passesOverSideFiles();
+    void warnsOfSideFileAlone_data();
+    void warnsOfSideFileAlone();
     void cancelledReadingLeavesForm();
     void cancelledExportLeavesFile();
     void cancelledImportLeavesForm();
@@ -581,6 +595,46 @@ void TestWindowFiles::checksUnknownFile()
     QVERIFY(!widget<MessagesPane>("messages").visibleRegion().isEmpty());
 }
 
+void TestWindowFiles::refusesPipes_data()
+{
+    QTest::addColumn<QString>("opened");
+    QTest::addColumn<QString>("pipe");
+    QTest::newRow("drawing") << QStringLiteral("a.dxf") << QStringLiteral("a.dxf");
+    QTest::newRow("rows of a pair")
+        << QStringLiteral("squares.mif") << QStringLiteral("squares.mid");
+    QTest::newRow("form") << QStringLiteral("a.xml") << QStringLiteral("a.xml");
+}
+
+/// Whoever opens a pipe waits until somebody writes to it, and the window would hang.
+void TestWindowFiles::refusesPipes()
+{
+    QFETCH(QString, opened);
+    QFETCH(QString, pipe);
+    squares();
+    m_files->remove(pipe);
+    const QString name = m_files->path(pipe);
+    QCOMPARE(mkfifo(QFile::encodeName(name).constData(), 0600), 0);
+    QString told;
+    whenDialogRuns(answer(QMessageBox::Ok, &told));
+    m_window->openFiles({ m_files->path(opened) });
+    QVERIFY(waitFor([&] { return !told.isEmpty(); }));
+    QCOMPARE(told,
+        QStringLiteral("Ошибка открытия файла %1: это не файл, а канал или устройство").arg(name));
+    QCOMPARE(shownObjects(), QStringList());
+    QCOMPARE(recentFiles(), QStringList());
+}
+
+void TestWindowFiles::checksNoPipe()
+{
+    const QString pipe = m_files->path(QStringLiteral("a.dxf"));
+    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    whenDialogRuns(choose({ pipe }));
+    trigger("check");
+    QCOMPARE(messages(),
+        QStringList(QStringLiteral("Ошибка открытия файла %1: это не файл, а канал или устройство")
+                        .arg(pipe)));
+}
+
 void TestWindowFiles::checksPointFile()
 {
     // A point of the other file names the corner; the check reads it, too.
@@ -687,6 +741,64 @@ void TestWindowFiles::tellsUnwrittenMendedCopy()
     QCOMPARE(files(), before);
 }
 
+void TestWindowFiles::showsNamesAsTheyAre_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("action");
+    const auto row = [](const char* title, const QString& name, const char* action) {
+        QTest::newRow(title) << name << QByteArray(action);
+    };
+    row("no drawing", QStringLiteral("<b>a.txt"), "");
+    row("other format", QStringLiteral("<b>a.geojson"), "");
+    row("form", QStringLiteral("<b>a.xml"), "open");
+    row("export", QStringLiteral("<b>нет/a.csv"), "exportCsv");
+    row("copy", QStringLiteral("<b>") + longName(QStringLiteral(".dxf")).mid(3), "check");
+}
+
+void TestWindowFiles::showsNamesAsTheyAre()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, action);
+    const QString file = m_files->path(name);
+    if (action == "check")
+        QVERIFY(QFile::copy(QStringLiteral(SAMPLES_DIR "/survey.dxf"), file));
+    else if (action != "exportCsv")
+        m_files->write(name, "0\n");
+    QString told;
+    Qt::TextFormat format = Qt::AutoText;
+    const DriveDialog read = [&](QDialog& dialog) {
+        if (const auto* box = qobject_cast<QMessageBox*>(&dialog))
+            format = box->textFormat();
+        answer(QMessageBox::Ok, &told)(dialog);
+    };
+    if (action.isEmpty()) {
+        whenDialogRuns(read);
+        m_window->openFiles({ file });
+    } else if (action == "check") {
+        whenDialogRuns(choose({ file }));
+        trigger("check");
+        whenDialogRuns(read);
+        widget<QPushButton>("mendButton").click();
+    } else if (action == "exportCsv") {
+        whenDialogRuns(read);
+        QVERIFY(!m_window->exportTo(FormFile::Csv, file));
+    } else {
+        whenDialogsRun({ choose({ file }), read });
+        trigger(action.constData());
+    }
+    QVERIFY(waitFor([&] { return !told.isEmpty(); }));
+    QVERIFY2(told.contains(QStringLiteral("<b>")), qPrintable(told));
+    QCOMPARE(format, Qt::PlainText);
+}
+
+void TestWindowFiles::showsDesignationAsItIs()
+{
+    openForm(QStringLiteral("a.xml"), QStringLiteral("&lt;b&gt;Ю1"));
+    const auto& label = widget<QLabel>("objectLabel");
+    QVERIFY2(label.text().startsWith(QStringLiteral("<b>Ю1: ")), qPrintable(label.text()));
+    QCOMPARE(label.textFormat(), Qt::PlainText);
+}
+
 void TestWindowFiles::opensRecentFiles()
 {
     const QString name = QStringLiteral("a & b.xml");
@@ -761,6 +873,73 @@ void TestWindowFiles::takesOnlyLocalFiles()
     QApplication::sendEvent(m_window.get(), &drop);
     QVERIFY(waitFor([&] { return m_window->document().fileName() == file; }));
     QCOMPARE(recentFiles(), QStringList(QStringLiteral("a.xml")));
+}
+
+void TestWindowFiles::passesOverSideFiles_data()
+{
+    QTest::addColumn<QStringList>("names");
+    const auto row = [](const char* title, const char* names) {
+        QTest::newRow(title) << QString::fromUtf8(names).split(QLatin1Char(' '));
+    };
+    row("MIF", "a.mif a.mid");
+    row("MIF, other letters", "a.mid A.MIF a.MID");
+    row("SHP", "a.dbf a.cpg a.prj a.shp a.shx");
+    row("SHP, all of it", "а.shp а.shp.xml а.sbn а.sbx а.qix а.dbf а.shx");
+    row("SHP, other letters", "A.SHP a.dbf A.Shx");
+    row("TAB", "a.tab a.dat a.map a.id a.ind");
+}
+
+void TestWindowFiles::passesOverSideFiles()
+{
+    QFETCH(QStringList, names);
+    QStringList dropped;
+    for (const QString& name : names)
+        dropped.append(m_files->write(name, "0\n"));
+    // The form comes last.
+    dropped.append(m_files->write(QStringLiteral("z.xml"), form(QStringLiteral("Ю1"))));
+    int asked = 0;
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, this, [&asked] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!dialog || qobject_cast<QProgressDialog*>(dialog))
+            return;
+        ++asked;
+        dialog->reject();
+    });
+    watch.start(5);
+    m_window->openFiles(dropped);
+    QVERIFY(waitFor([&] { return m_window->document().fileName() == dropped.last(); }));
+    QCOMPARE(asked, 1);
+}
+
+void TestWindowFiles::warnsOfSideFileAlone_data()
+{
+    QTest::addColumn<QString>("beside");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("no SHP") << QString() << QStringLiteral("a.dbf");
+    QTest::newRow("another SHP") << QStringLiteral("b.shp") << QStringLiteral("a.dbf");
+    QTest::newRow("SHP in another folder") << QStringLiteral("б/a.shp") << QStringLiteral("a.dbf");
+    QTest::newRow("of another format") << QStringLiteral("a.shp") << QStringLiteral("a.mid");
+    QTest::newRow("no MIF") << QString() << QStringLiteral("a.mid");
+}
+
+void TestWindowFiles::warnsOfSideFileAlone()
+{
+    QFETCH(QString, beside);
+    QFETCH(QString, name);
+    const QString file = m_files->write(name, "0\n");
+    QStringList dropped{ file };
+    QString told;
+    const DriveDialog read = answer(QMessageBox::Ok, &told);
+    if (beside.isEmpty()) {
+        whenDialogRuns(read);
+    } else {
+        dropped.append(m_files->path(beside));
+        whenDialogsRun({ read, cancel });
+    }
+    m_window->openFiles(dropped);
+    QVERIFY(waitFor([&] { return !told.isEmpty(); }));
+    QVERIFY2(told.startsWith(file + QStringLiteral(": открываются формы")), qPrintable(told));
 }
 
 void TestWindowFiles::cancelledReadingLeavesForm()

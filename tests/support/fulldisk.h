@@ -6,16 +6,16 @@
 
 #include <sys/resource.h>
 
-/// No file can be written to while it lives, as on a full disk.
+/// No file can be written to while it lives, as on a full disk; or none beyond so many bytes.
 class FullDisk {
 public:
-    FullDisk()
+    explicit FullDisk(rlim_t room = 0)
         : m_handler(std::signal(SIGXFSZ, SIG_IGN))
     {
         getrlimit(RLIMIT_FSIZE, &m_limit);
-        rlimit none = m_limit;
-        none.rlim_cur = 0;
-        setrlimit(RLIMIT_FSIZE, &none);
+        rlimit limit = m_limit;
+        limit.rlim_cur = room;
+        setrlimit(RLIMIT_FSIZE, &limit);
     }
     ~FullDisk()
     {
