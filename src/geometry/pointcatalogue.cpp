@@ -43,7 +43,7 @@ void PointCatalogue::arrange()
     QVector<DefPoint> points = std::move(m_points);
     clear();
     sortPoints(points);
-    mergeCoincident(points);
+    m_mergedDefs = mergeCoincident(points);
     m_points = std::move(points);
     m_arranged = static_cast<int>(
         std::find_if(m_points.cbegin(), m_points.cend(), hasNan) - m_points.cbegin());

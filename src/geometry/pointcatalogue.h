@@ -67,6 +67,9 @@ private:
     const DefPoint* firstInOrder(const Sides& tie);
 
     QVector<DefPoint> m_points;
+    /// Freed now, between those of other points, they would leave holes that every later allocation
+    /// meets.
+    QVector<QString> m_mergedDefs;
     int m_arranged = 0; ///< so many points at the front are sorted and merged
     PointColumns m_columns; ///< the arranged points, where they would crowd a cell
     PlaceTree m_tree; ///< the same ones, from the first search on that the columns give up

@@ -33,14 +33,19 @@ void removeNan(QVector<DefPoint>& points)
     points.erase(std::remove_if(points.begin(), points.end(), hasNan), points.end());
 }
 
-void mergeCoincident(QVector<DefPoint>& points)
+QVector<QString> mergeCoincident(QVector<DefPoint>& points)
 {
+    QVector<QString> dropped;
     if (points.isEmpty())
-        return;
+        return dropped;
     auto kept = points.begin();
     for (auto it = kept + 1; it != points.end(); ++it) {
         if (!coincide(*kept, *it) && ++kept != it)
-            *kept = std::move(*it);
+            std::swap(*kept, *it);
     }
+    dropped.reserve(static_cast<int>(points.end() - (kept + 1)));
+    for (auto it = kept + 1; it != points.end(); ++it)
+        dropped.append(std::move(it->def));
     points.erase(kept + 1, points.end());
+    return dropped;
 }
