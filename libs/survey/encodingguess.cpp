@@ -83,22 +83,36 @@ bool isUtf16(std::string_view start, size_t high)
 void EncodingGuess::add(std::string_view bytes)
 {
     while (!bytes.empty()) {
-        // Most bytes are ASCII, and stand behind others.
-        const bool isAmongAscii = m_continuations == 0 && !isHigh(m_last);
-        const size_t ascii = isAmongAscii ? asciiLength(bytes) : 0;
-        if (ascii == 0)
+        size_t size = 0;
+        // Most bytes are ASCII, and stand behind others; most of the rest are letters of words.
+        if (!isHigh(m_last))
+            size = m_continuations == 0 ? asciiLength(bytes) : 0;
+        else if (!m_isUtf8)
+            size = takeHighBytes(bytes);
+        if (size == 0)
             take(bytes[0]);
         else
-            m_before = ascii > 1 ? bytes[ascii - 2] : m_last;
-        m_last = bytes[std::max<size_t>(ascii, 1) - 1];
-        bytes.remove_prefix(std::max<size_t>(ascii, 1));
+            m_before = size > 1 ? bytes[size - 2] : m_last;
+        m_last = bytes[std::max<size_t>(size, 1) - 1];
+        bytes.remove_prefix(std::max<size_t>(size, 1));
     }
+}
+
+/// Takes the bytes up to the next ASCII character, behind one that is none.
+size_t EncodingGuess::takeHighBytes(std::string_view bytes)
+{
+    size_t size = 0;
+    for (; size < bytes.size() && isHigh(bytes[size]); ++size)
+        ++m_counts[static_cast<Byte>(bytes[size])];
+    return size;
 }
 
 void EncodingGuess::take(char byte)
 {
-    if (isHigh(m_last))
-        countHighByte(m_before, m_last, byte);
+    if (isHigh(m_last) && isAmongLatin(m_before, byte))
+        ++m_amongLatin;
+    if (isHigh(byte))
+        ++m_counts[static_cast<Byte>(byte)];
     followSequence(byte);
     m_before = m_last;
 }
@@ -108,19 +122,12 @@ void EncodingGuess::followSequence(char byte)
     if (m_continuations > 0) {
         m_isUtf8 = m_isUtf8 && (static_cast<Byte>(byte) & 0xC0) == 0x80;
         --m_continuations;
-        return;
+    } else {
+        m_continuations = continuationCount(static_cast<Byte>(byte));
+        m_isUtf8 = m_isUtf8 && m_continuations >= 0;
     }
-    m_continuations = continuationCount(static_cast<Byte>(byte));
-    m_isUtf8 = m_isUtf8 && m_continuations >= 0;
-}
-
-void EncodingGuess::countHighByte(char before, char last, char after)
-{
-    const Byte byte = static_cast<Byte>(last);
-    ++m_highBytes;
-    m_cyrillic1251 += byte >= 0xC0 ? 1 : 0;
-    m_cyrillic866 += byte < 0xB0 || (byte >= 0xE0 && byte < 0xF2) ? 1 : 0;
-    m_amongLatin += isAmongLatin(before, after) ? 1 : 0;
+    if (!m_isUtf8)
+        m_continuations = 0;
 }
 
 QByteArray EncodingGuess::codecName() const
@@ -128,13 +135,21 @@ QByteArray EncodingGuess::codecName() const
     EncodingGuess whole(*this);
     // What stands last has nothing behind it.
     whole.add(" ");
-    if (whole.m_highBytes == 0)
+    qint64 highBytes = 0;
+    qint64 cyrillic1251 = 0;
+    qint64 cyrillic866 = 0;
+    for (size_t byte = 0x80; byte < m_counts.size(); ++byte) {
+        highBytes += m_counts[byte];
+        cyrillic1251 += byte >= 0xC0 ? m_counts[byte] : 0;
+        cyrillic866 += byte < 0xB0 || (byte >= 0xE0 && byte < 0xF2) ? m_counts[byte] : 0;
+    }
+    if (highBytes == 0)
         return {};
     if (whole.m_isUtf8 && m_continuations == 0)
         return "UTF-8";
-    if (whole.m_amongLatin * 2 > whole.m_highBytes)
+    if (whole.m_amongLatin * 2 > highBytes)
         return "Windows-1252";
-    return whole.m_cyrillic866 > whole.m_cyrillic1251 ? "IBM866" : "Windows-1251";
+    return cyrillic866 > cyrillic1251 ? "IBM866" : "Windows-1251";
 }
 
 QByteArray codecOfMark(std::string_view bytes)

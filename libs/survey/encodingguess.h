@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 
+#include <array>
 #include <string_view>
 
 /// Tells from the bytes of a file in which encoding its texts are written.
@@ -21,18 +22,16 @@ public:
     QByteArray codecName() const;
 
 private:
+    size_t takeHighBytes(std::string_view bytes);
     void take(char byte);
     void followSequence(char byte);
-    void countHighByte(char before, char last, char after);
 
     bool m_isUtf8 = true; ///< so far
     int m_continuations = 0; ///< bytes that a UTF-8 sequence still lacks
     char m_before = ' '; ///< the byte before the last
-    char m_last = ' '; ///< the last byte, counted when the next one is known
-    qint64 m_highBytes = 0;
-    qint64 m_cyrillic1251 = 0;
-    qint64 m_cyrillic866 = 0;
-    qint64 m_amongLatin = 0;
+    char m_last = ' '; ///< the last byte
+    std::array<qint64, 256> m_counts{}; ///< of each byte above ASCII
+    qint64 m_amongLatin = 0; ///< of those before the last that stand alone among Latin letters
 };
 
 /// The encoding that a byte-order mark at the start names; empty without one.

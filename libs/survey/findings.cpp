@@ -2,6 +2,7 @@
 
 #include "geometry/conflicts.h"
 #include "geometry/defnames.h"
+#include "survey/beside.h"
 
 #include <QHash>
 
@@ -166,11 +167,25 @@ QString shortened(const QString& def)
     return def.size() <= most ? def : def.left(most) + QChar(0x2026);
 }
 
-Findings<PointConflict> findPointConflicts(const QVector<DefPolygon>& objects, int most)
+Findings<PointConflict> findPointConflicts(
+    const QVector<DefPolygon>& objects, int most, bool inOneThread)
 {
-    Findings<PointConflict> found;
-    for (int i = 0; i < objects.size(); ++i)
-        addConflictsOf({ i, shortened(objects.at(i).def) }, objects.at(i), most, found);
+    // With fewer objects a thread is not worth its start.
+    constexpr int leastForThread = 5000;
+    const auto findIn = [&objects, most](int begin, int end) {
+        Findings<PointConflict> found;
+        for (int i = begin; i < end; ++i)
+            addConflictsOf({ i, shortened(objects.at(i).def) }, objects.at(i), most, found);
+        return found;
+    };
+    if (inOneThread || objects.size() < leastForThread)
+        return findIn(0, objects.size());
+    const int middle = objects.size() / 2;
+    auto looking = runBeside([&] { return findIn(middle, objects.size()); });
+    Findings<PointConflict> found = findIn(0, middle);
+    const Findings<PointConflict> others = looking.get();
+    found.total += others.total;
+    found.listed += others.listed.mid(0, most - found.listed.size());
     return found;
 }
 

@@ -50,7 +50,9 @@ struct IncompleteObject {
 
 // Each lists at most so many findings.
 
-Findings<PointConflict> findPointConflicts(const QVector<DefPolygon>& objects, int most);
+/// In two threads where there are many objects, unless `inOneThread`.
+Findings<PointConflict> findPointConflicts(
+    const QVector<DefPolygon>& objects, int most, bool inOneThread = false);
 Findings<DuplicateDef> findDuplicateDefs(const QVector<DefPolygon>& objects, int most);
 /// `shapes` are those of the objects.
 Findings<IncompleteObject> findIncompleteObjects(

@@ -1,5 +1,6 @@
 #include "survey/importsurvey.h"
 
+#include "survey/beside.h"
 #include "survey/findings.h"
 #include "survey/surveyor.h"
 
@@ -7,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <system_error>
 
 namespace {
 
@@ -92,12 +92,7 @@ ImportSurvey::ImportSurvey(const Format& format, const ImportOptions& options)
         for (const auto& surveyor : m_surveyors)
             surveyor->look();
     };
-    try {
-        m_looking = std::async(std::launch::async, look);
-    } catch (const std::system_error&) {
-        // Without another thread it is done when it is asked for.
-        m_looking = std::async(std::launch::deferred, look);
-    }
+    m_looking = runBeside(look);
 }
 
 ImportSurvey::~ImportSurvey() = default;

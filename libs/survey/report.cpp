@@ -51,7 +51,7 @@ Report makeReport(const Format& format, const ImportOptions& options, const Geom
     }
     // With vertices that run together every point is at odds with others: that is one finding.
     if (!hasCause(report.surveys, Cause::Degrees))
-        report.conflicts = findPointConflicts(import.objects, mostListed);
+        report.conflicts = findPointConflicts(import.objects, mostListed, options.inOneThread);
     report.duplicates = findDuplicateDefs(import.objects, mostListed);
     report.incomplete = findIncompleteObjects(import.objects, import.shapes, mostListed);
     return report;

@@ -521,6 +521,30 @@ private slots:
         QCOMPARE(found.listed.first().places.listed, QVector<QPointF>({ { 0, 0 }, { 5, 0 } }));
     }
 
+    /// In two threads the same is found, in the same order, as in one.
+    void conflictsOfManyObjects()
+    {
+        QVector<DefPolygon> objects;
+        for (int i = 0; i < 12000; ++i) {
+            const QString name = QString::number(i);
+            objects.append(polygon({ { { name, 0, 0 }, { i % 3 ? name + name : name, 5, 0 } } }));
+        }
+        for (const int most : { 0, 10, 1999, 2000, 2001, 3999, 4000, allFindings }) {
+            const auto found = findPointConflicts(objects, most);
+            const auto expected = findPointConflicts(objects, most, true);
+            QCOMPARE(found.total, 4000);
+            QCOMPARE(expected.total, 4000);
+            QCOMPARE(found.listed.size(), std::min(most, 4000));
+            QCOMPARE(expected.listed.size(), found.listed.size());
+            for (int i = 0; i < found.listed.size(); ++i) {
+                QCOMPARE(found.listed.at(i).object.object, 3 * i);
+                QCOMPARE(expected.listed.at(i).object.object, 3 * i);
+                QCOMPARE(found.listed.at(i).def, QString::number(3 * i));
+                QCOMPARE(found.listed.at(i).places.total, 2);
+            }
+        }
+    }
+
     void findingsAreBounded()
     {
         QVector<DefPolygon> objects;
