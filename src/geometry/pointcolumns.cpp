@@ -10,7 +10,7 @@ namespace {
 constexpr double columnWidth = 2;
 constexpr size_t partsPerColumn = 2;
 /// Of so many points of a bucket, and of the one before, the memory is fetched ahead.
-constexpr size_t mostFetched = 3;
+constexpr size_t mostOfBucket = 3;
 
 /// Into how many columns points of a range are split.
 double columnCount(size_t count, double width, double height)
@@ -142,7 +142,7 @@ void PointColumns::expectPoints(const DefPoint* points, const size_t* expected, 
         __builtin_prefetch(&m_indices[beginOf(i)]);
     for (size_t i = 0; i < count; ++i) {
         const size_t begin = beginOf(i);
-        const size_t end = std::min(begin + mostFetched, m_indices.size());
+        const size_t end = std::min(begin + mostOfBucket, m_indices.size());
         for (size_t position = begin - (begin > 0 ? 1 : 0); position < end; ++position)
             __builtin_prefetch(&points[m_indices[position]].y);
     }

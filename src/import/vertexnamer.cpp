@@ -9,7 +9,7 @@ namespace {
 /// So many vertices, and those that end their contour, are handed over at a time.
 constexpr int batchSize = 2048;
 /// With fewer vertices a thread is not worth its start.
-constexpr qint64 leastForThread = 8 * batchSize;
+constexpr qint64 leastForThread = 16384;
 
 } // namespace
 
@@ -127,18 +127,16 @@ void VertexNamer::throwFailure()
 
 void VertexNamer::name(const Batch& batch) noexcept
 {
-    int named = m_namedObjects;
     try {
         for (const Contour& contour : batch.contours) {
-            named = contour.objects;
+            m_namedObjects.store(contour.objects, std::memory_order_release);
             name(contour);
         }
-        named = batch.objects;
+        m_namedObjects.store(batch.objects, std::memory_order_release);
     } catch (...) {
         m_failure = std::current_exception();
         m_hasFailed = true;
     }
-    m_namedObjects.store(named, std::memory_order_release);
 }
 
 void VertexNamer::name(const Contour& contour)
