@@ -148,7 +148,8 @@ ExitStatus checkFiles(const CheckOptions& options)
         QStringList arguments = QStringList{ QStringLiteral("check") } + options.forwarded;
         if (!asText)
             arguments.append(QStringLiteral("--json-lines"));
-        argumentLists.append(arguments + QStringList{ QStringLiteral("--"), task.fileName() });
+        argumentLists.append(arguments
+            + QStringList{ QStringLiteral("--jobs=1"), QStringLiteral("--"), task.fileName() });
     }
     CheckOutput out(options.form, options.tasks.size());
     OrderedAnswers answers(out, asText);

@@ -71,7 +71,12 @@ public:
     }
 
 private:
-    void setAside() { m_aside.push_back(std::exchange(m_run.objects, {})); }
+    void setAside()
+    {
+        // Vertices may still be named: whatever fails, none of the objects is dropped.
+        m_aside.emplace_back();
+        m_aside.back().swap(m_run.objects);
+    }
 
     /// The import has given up those that memory did not suffice to name.
     void dropUnnamed()
@@ -183,8 +188,8 @@ ImportRun runImport(const Format& format, const ImportOptions& options, const Ob
         importer->observer = &recorder;
         importer->importMap();
     });
+    guarded([&recorder] { recorder.finish(); });
     setStatusFunc(nullptr);
-    recorder.finish();
     // Nothing came of what a point pass read that failed.
     if (recorder.pass() == ImportPass::Points)
         run.pointsRead = {};

@@ -92,7 +92,7 @@ ImportSurvey::ImportSurvey(const Format& format, const ImportOptions& options)
         for (const auto& surveyor : m_surveyors)
             surveyor->look();
     };
-    m_looking = runBeside(look);
+    m_looking = options.inOneThread ? std::async(std::launch::deferred, look) : runBeside(look);
 }
 
 ImportSurvey::~ImportSurvey() = default;

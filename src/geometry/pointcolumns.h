@@ -8,7 +8,7 @@
 
 /// Finds the nearest of sorted points that do not change, however close together they stand.
 ///
-/// The points are those of the caller's sequence, known by their indices: eight bytes a point.
+/// The points are those of the caller's sequence, known by their indices.
 /// Slices of the order, equally many points each, are columns of the plane; in a column the points
 /// are ordered by y and found through buckets of equal height. So neither the extent of the points
 /// nor how evenly they are spread matters much. A search is given up where too many points are
@@ -127,9 +127,8 @@ bool PointColumns::searchColumn(
 {
     const auto visit = [&](size_t position, double direction) {
         const int index = m_indices[position];
-        const double dx = points[index].x - search.x;
         const double dy = points[index].y - search.y;
-        const double distance = dx * dx + dy * dy;
+        const double distance = squaredDistance(points[index], search.x, search.y);
         if (distance <= search.distance) {
             search.distance = distance;
             offer(index);

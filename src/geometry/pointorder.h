@@ -16,5 +16,6 @@ bool arePointsSorted(const QVector<DefPoint>& points);
 void removeNan(QVector<DefPoint>& points);
 
 /// Keeps of each run of neighbouring points the first and drops those that coincide with it; the
-/// designations are not compared. Gives the designations of the dropped ones, in no order.
+/// designations are not compared. Gives the designations of the dropped ones, in no order: to
+/// be freed when that suits the caller.
 QVector<QString> mergeCoincident(QVector<DefPoint>& points);

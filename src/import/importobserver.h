@@ -24,9 +24,10 @@ public:
     /// A point or a label was read.
     virtual void entityRead(QLatin1String kind);
     /// The next object of the collection was built; the collection may be emptied now, what follows
-    /// does not look back, but the object's vertices may get their names a little later and must
-    /// live until then. `closed`: the file says that it encloses an area. Not `complete`: its
-    /// reading failed, what was read of it stays; the failure itself is told before or after.
+    /// does not look back. But the object's vertices may get their names a little later: until then
+    /// its contours must be kept as they are, not copied. `closed`: the file says that it encloses
+    /// an area. Not `complete`: its reading failed, what was read of it stays; the failure itself
+    /// is told before or after.
     virtual void objectBuilt(QLatin1String kind, bool closed, bool complete);
     /// So many objects of the import, from the first on, have got all their names. In the end all
     /// have; where memory does not suffice for it those that have not are no part of the import.

@@ -123,7 +123,7 @@ void MapImport::endObject()
     if (!m_isInObject)
         return;
     endContour();
-    // Before this object can be among them: the observer has not been told of it.
+    // Before this object can be among them: of one that was broken off the observer is not told.
     tellNamed();
     m_namer.endObject();
     m_isInObject = false;
@@ -150,12 +150,13 @@ void MapImport::dropUnnamed()
     try {
         finishNames();
     } catch (...) {
+        m_namer.abandon();
         const int unnamed = m_objects - m_namer.namedObjects();
         map->resize(std::max(0, map->size() - unnamed));
-        tellNamed();
     }
     m_isInObject = false;
     m_contour = nullptr;
+    tellNamed();
 }
 
 void MapImport::setLastPolygonDef(const QString& def)

@@ -21,20 +21,14 @@ VertexNamer::VertexNamer(PointCatalogue& points, ImportOptions& options)
 
 VertexNamer::~VertexNamer()
 {
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_waiting.clear();
-    }
-    stop();
+    abandon();
 }
 
 void VertexNamer::start()
 {
-    stop();
-    m_pending = Batch();
+    abandon();
     m_vertices = 0;
     m_nextCount = 0;
-    m_waiting.clear();
     m_namedObjects = 0;
     m_hasFailed = false;
     m_failure = nullptr;
@@ -42,10 +36,20 @@ void VertexNamer::start()
 
 void VertexNamer::add(DefPoint* vertices, int count, bool closed)
 {
-    m_pending.contours.push_back({ vertices, count, closed, m_pending.objects });
-    m_pending.vertices += count;
     if (m_pending.vertices >= batchSize)
         handOver();
+    m_pending.contours.push_back({ vertices, count, closed, m_pending.objects });
+    m_pending.vertices += count;
+}
+
+void VertexNamer::abandon() noexcept
+{
+    m_pending = Batch();
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_waiting.clear();
+    }
+    stop();
 }
 
 void VertexNamer::finish()

@@ -31,13 +31,15 @@ public:
     /// Begins anew, with no objects.
     void start();
     /// Has the vertices of a contour named; they stay where they are until they are. The last one
-    /// of a `closed` contour takes the name of the first. Throws what naming has thrown, earlier
-    /// vertices included; what comes after such a failure is not named.
+    /// of a `closed` contour takes the name of the first. Throws what naming earlier
+    /// vertices has thrown, and for want of memory; the contour has not been added then.
     void add(DefPoint* vertices, int count, bool closed);
     /// The contours of one more object have all been added.
     void endObject() { ++m_pending.objects; }
     /// Waits until all is named. Throws as add() does.
     void finish();
+    /// Gives up what is not named yet.
+    void abandon() noexcept;
     /// All contours of so many objects, from the first on, are named.
     int namedObjects() const { return m_namedObjects.load(std::memory_order_acquire); }
 

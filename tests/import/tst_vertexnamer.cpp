@@ -12,6 +12,7 @@
 #include <QTest>
 
 #include <functional>
+#include <new>
 
 namespace {
 
@@ -123,8 +124,13 @@ private slots:
     void stopsInTheMiddle();
     void allocationsOfTheThread_data();
     void allocationsOfTheThread();
+    void allocationsOfTheReader_data();
+    void allocationsOfTheReader();
 
 private:
+    void importInWant(failing::Threads threads, bool isNew, int granted, bool isTaken,
+        const ImportOptions& options, const QStringList& expected, bool* hasFailed);
+
     ImportOptions optionsOf(const QByteArray& objects);
 
     TempFiles m_files;
@@ -284,8 +290,37 @@ void TestVertexNamer::allocationsOfTheThread_data()
         QTest::addRow("malloc, after %d", granted) << false << granted;
 }
 
-/// An allocation fails in the thread that gives the names: the user is told once, and each object
-/// that is left is as it should be.
+/// Lets an allocation of an import fail: the user is told once, and each object that is left is as
+/// it should be.
+void TestVertexNamer::importInWant(failing::Threads threads, bool isNew, int granted, bool isTaken,
+    const ImportOptions& options, const QStringList& expected, bool* hasFailed)
+{
+    QStringList taken;
+    const ObjectTaker take = [&taken](const QVector<DefPolygon>& some) { taken += namesOf(some); };
+    failing::arm(isNew ? failing::Calls::New : failing::Calls::Malloc, granted, threads);
+    ImportRun import;
+    try {
+        import =
+            runImport(*formatOfId(QStringLiteral("mif")), options, isTaken ? take : ObjectTaker());
+    } catch (const std::bad_alloc&) {
+        // Before the import was set up; who has called for it hears of that.
+        *hasFailed = failing::disarm();
+        QVERIFY(*hasFailed && granted < 100);
+        return;
+    }
+    *hasFailed = failing::disarm();
+    const QStringList names = namesOf(import.objects);
+    QCOMPARE(names, expected.mid(0, names.size()));
+    if (!*hasFailed) {
+        QCOMPARE(names.size(), expected.size());
+        QCOMPARE(import.messages.size(), 0);
+        return;
+    }
+    QCOMPARE(import.messages.size(), 1);
+    QCOMPARE(import.messages.first().text,
+        QStringLiteral("Ошибка. Недостаточно памяти для обработки данных."));
+}
+
 void TestVertexNamer::allocationsOfTheThread()
 {
     QFETCH(bool, isNew);
@@ -294,27 +329,43 @@ void TestVertexNamer::allocationsOfTheThread()
         QSKIP("There is no second processor");
     const Rings rings = ringsAnywhere(60000, 200, 6);
     const ImportOptions options = optionsOf(regionsOf(rings, 1));
-    const QStringList expected = expectedNames(rings, {});
-    const failing::Calls calls = isNew ? failing::Calls::New : failing::Calls::Malloc;
-    const auto check = [&](bool isTaken) {
-        QStringList taken;
-        const ObjectTaker take = [&](const QVector<DefPolygon>& some) { taken += namesOf(some); };
-        failing::arm(calls, granted, failing::Threads::Others);
-        const ImportRun import =
-            runImport(*formatOfId(QStringLiteral("mif")), options, isTaken ? take : ObjectTaker());
-        const bool hasFailed = failing::disarm();
-        const QStringList names = namesOf(import.objects);
-        if (isTaken)
-            QCOMPARE(taken, names);
+    for (const bool isTaken : { false, true }) {
+        bool hasFailed = false;
+        importInWant(failing::Threads::Others, isNew, granted, isTaken, options,
+            expectedNames(rings, {}), &hasFailed);
         QVERIFY(hasFailed);
-        QCOMPARE(import.messages.size(), 1);
-        QCOMPARE(import.messages.first().text,
-            QStringLiteral("Ошибка. Недостаточно памяти для обработки данных."));
-        QCOMPARE(names, expected.mid(0, names.size()));
-        QCOMPARE(import.shapes.size(), import.objects.size());
-    };
-    check(false);
-    check(true);
+    }
+}
+
+void TestVertexNamer::allocationsOfTheReader_data()
+{
+    QTest::addColumn<bool>("isNew");
+    QTest::addColumn<bool>("isTaken");
+    QTest::newRow("operator new") << true << false;
+    QTest::newRow("operator new, objects are taken") << true << true;
+    if (!failing::canFailMalloc())
+        return;
+    QTest::newRow("malloc") << false << false;
+    QTest::newRow("malloc, objects are taken") << false << true;
+}
+
+/// The same in the thread that reads, while the other one is at work.
+void TestVertexNamer::allocationsOfTheReader()
+{
+    QFETCH(bool, isNew);
+    QFETCH(bool, isTaken);
+    const Rings rings = ringsAnywhere(40000, 200, 6);
+    const ImportOptions options = optionsOf(regionsOf(rings, 1));
+    const QStringList expected = expectedNames(rings, {});
+    bool hasFailed = true;
+    int times = 0;
+    // Fewer tries the farther the import has come.
+    for (int granted = 0; hasFailed; granted += 1 + granted / 3, ++times) {
+        importInWant(failing::Threads::Own, isNew, granted, isTaken, options, expected, &hasFailed);
+        if (QTest::currentTestFailed())
+            return;
+    }
+    QVERIFY(times > 10);
 }
 
 QTEST_GUILESS_MAIN(TestVertexNamer)
