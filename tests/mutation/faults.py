@@ -230,7 +230,7 @@ FAULTS = [
          ("negative ? -magnitude : magnitude", "magnitude"),
          ("end == scanPlain(begin, end, &value) && begin != end", "scanPlain(begin, end, &value) && begin != end")),
     *_of("src/import/vertexnamer.cpp", "tst_vertexnamer tst_driver",
-         ("pointStartNum++", "++pointStartNum"),
+         ("m_options.pointStartNum++", "++m_options.pointStartNum"),
          ("    m_points.insert(DefPoint{ def, x, y });\n", ""),
          ("contour.count - (contour.closed ? 1 : 0)", "contour.count"),
          ("    nameExpected();\n    if (contour.closed)", "    if (contour.closed)"),
