@@ -234,7 +234,7 @@ FAULTS = [
          ("    m_points.insert(DefPoint{ def, x, y });\n", ""),
          ("contour.count - (contour.closed ? 1 : 0)", "contour.count"),
          ("    nameExpected();\n    if (contour.closed)", "    if (contour.closed)"),
-         ("            m_namedObjects.store(contour.objects, std::memory_order_release);\n", ""),
+         ("            m_namedObjects.store(contour.objects, std::memory_order_release);\n", "", "tst_outofmemory"),
          ("vertexDef(vertex.y, vertex.x)", "vertexDef(vertex.y, vertex.y)"),
          ("    next.objects = m_pending.objects;\n", ""),
          ("    m_pending = Batch();\n", ""),
