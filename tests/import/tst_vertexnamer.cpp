@@ -129,7 +129,8 @@ private slots:
 
 private:
     void importInWant(failing::Threads threads, bool isNew, int granted, bool isTaken,
-        const ImportOptions& options, const QStringList& expected, bool* hasFailed);
+        const ImportOptions& options, const QStringList& expected, bool* hasFailed,
+        int* named = nullptr);
 
     ImportOptions optionsOf(const QByteArray& objects);
 
@@ -293,7 +294,7 @@ void TestVertexNamer::allocationsOfTheThread_data()
 /// Lets an allocation of an import fail: the user is told once, and each object that is left is as
 /// it should be.
 void TestVertexNamer::importInWant(failing::Threads threads, bool isNew, int granted, bool isTaken,
-    const ImportOptions& options, const QStringList& expected, bool* hasFailed)
+    const ImportOptions& options, const QStringList& expected, bool* hasFailed, int* named)
 {
     QStringList taken;
     const ObjectTaker take = [&taken](const QVector<DefPolygon>& some) { taken += namesOf(some); };
@@ -311,6 +312,8 @@ void TestVertexNamer::importInWant(failing::Threads threads, bool isNew, int gra
     *hasFailed = failing::disarm();
     const QStringList names = namesOf(import.objects);
     QCOMPARE(names, expected.mid(0, names.size()));
+    if (named)
+        *named = names.size();
     if (!*hasFailed) {
         QCOMPARE(names.size(), expected.size());
         QCOMPARE(import.messages.size(), 0);
@@ -329,12 +332,15 @@ void TestVertexNamer::allocationsOfTheThread()
         QSKIP("There is no second processor");
     const Rings rings = ringsAnywhere(60000, 200, 6);
     const ImportOptions options = optionsOf(regionsOf(rings, 1));
+    int named[2] = {};
     for (const bool isTaken : { false, true }) {
         bool hasFailed = false;
         importInWant(failing::Threads::Others, isNew, granted, isTaken, options,
-            expectedNames(rings, {}), &hasFailed);
+            expectedNames(rings, {}), &hasFailed, &named[isTaken ? 1 : 0]);
         QVERIFY(hasFailed);
     }
+    // As much is left to who takes the objects.
+    QCOMPARE(named[1], named[0]);
 }
 
 void TestVertexNamer::allocationsOfTheReader_data()
