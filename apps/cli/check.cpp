@@ -77,12 +77,13 @@ CheckOptions readCheckOptions(const QCommandLineParser& parser)
     options.mostListed = parser.isSet(QStringLiteral("all")) ? allFindings : listedFindings;
     options.quiet = parser.isSet(QStringLiteral("quiet"));
     options.jobs = readNumber(parser, jobs, 1, maxJobs);
-    const bool inOneThread = parser.isSet(jobs) && options.jobs == 1;
-    for (ImportTask& task : options.tasks)
-        task.options.inOneThread = inOneThread;
+    keepToOneJob(parser, options.tasks);
     options.forwarded = forwardedArguments(parser, checkCommand.options(),
         { jobs, QStringLiteral("json"), QStringLiteral("json-lines"), QStringLiteral("summary"),
             QStringLiteral("recursive") });
+    // Jobs that run side by side keep to one processor each.
+    if (parser.isSet(jobs))
+        options.forwarded.append(QStringLiteral("--jobs=1"));
     return options;
 }
 
@@ -148,8 +149,7 @@ ExitStatus checkFiles(const CheckOptions& options)
         QStringList arguments = QStringList{ QStringLiteral("check") } + options.forwarded;
         if (!asText)
             arguments.append(QStringLiteral("--json-lines"));
-        argumentLists.append(arguments
-            + QStringList{ QStringLiteral("--jobs=1"), QStringLiteral("--"), task.fileName() });
+        argumentLists.append(arguments + QStringList{ QStringLiteral("--"), task.fileName() });
     }
     CheckOutput out(options.form, options.tasks.size());
     OrderedAnswers answers(out, asText);

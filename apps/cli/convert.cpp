@@ -154,11 +154,8 @@ ConvertOptions readConvertOptions(const QCommandLineParser& parser)
     options.sort = parser.isSet(QStringLiteral("sort"));
     options.jobs = readNumber(parser, QStringLiteral("jobs"), 1, maxJobs);
     // Several files share the processors by themselves, and who asks for one job gets one.
-    const bool inOneThread = parser.isSet(QStringLiteral("jobs")) && options.jobs == 1;
-    for (ImportTask& task : options.tasks)
-        task.options.inOneThread = inOneThread;
-    options.overlaps =
-        !options.sort && !inOneThread && ResultFile::isOfUse(options.targets.constFirst());
+    options.overlaps = !keepToOneJob(parser, options.tasks) && !options.sort
+        && ResultFile::isOfUse(options.targets.constFirst());
     options.forwarded = forwardedArguments(parser, convertCommand.options(),
         { QStringLiteral("output"), QStringLiteral("out-dir"), QStringLiteral("jobs"),
             QStringLiteral("recursive") });

@@ -214,6 +214,15 @@ QVector<ImportTask> readImportTasks(
     return tasks;
 }
 
+bool keepToOneJob(const QCommandLineParser& parser, QVector<ImportTask>& tasks)
+{
+    const QString jobs = QStringLiteral("jobs");
+    const bool isOne = parser.isSet(jobs) && parser.value(jobs).toInt() == 1;
+    for (ImportTask& task : tasks)
+        task.options.inOneThread = isOne;
+    return isOne;
+}
+
 QByteArray encodingOf(const QString& text)
 {
     QByteArray name = text.toLatin1();

@@ -40,6 +40,10 @@ QVector<InputFile> readInputFiles(
 QVector<ImportTask> readImportTasks(const QCommandLineParser& parser,
     const Format* (*formatOfOther)(const QString& fileName) = nullptr);
 
+/// Has the files read in one thread each where the user asks for one job; whether that is so. Of
+/// commands that have the option.
+bool keepToOneJob(const QCommandLineParser& parser, QVector<ImportTask>& tasks);
+
 /// The option --columns, for the commands that know of the host's catalogue.
 QCommandLineOption columnsOption();
 

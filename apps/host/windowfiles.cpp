@@ -40,11 +40,10 @@ namespace {
 
 constexpr int noticeMs = 8000;
 
-/// The endings of the names of files that go with one of another ending; it opens them.
+/// The endings of the names of files that go with one of another program's formats.
 QStringList sideSuffixesOf(const QString& suffix)
 {
     static const QHash<QString, QStringList> sideSuffixes{
-        { QStringLiteral("mif"), { QStringLiteral("mid") } },
         { QStringLiteral("shp"),
             { QStringLiteral("dbf"), QStringLiteral("shx"), QStringLiteral("prj"),
                 QStringLiteral("cpg"), QStringLiteral("sbn"), QStringLiteral("sbx"),
@@ -68,6 +67,8 @@ QStringList withoutSideFiles(const QStringList& fileNames)
     QSet<QString> sides;
     for (const QString& fileName : fileNames) {
         const QFileInfo file(fileName);
+        if (const Format* const format = formatOfFile(fileName))
+            sides.insert(placeOf(file, QFileInfo(format->companionFile(fileName)).fileName()));
         for (const QString& suffix : sideSuffixesOf(file.suffix().toLower()))
             sides.insert(placeOf(file, file.completeBaseName() + QLatin1Char('.') + suffix));
     }
