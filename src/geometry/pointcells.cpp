@@ -20,6 +20,8 @@ constexpr int usualInCell = 2;
 constexpr int mostFetched = 3;
 /// More points than this in one of the smallest cells are better served by a tree.
 constexpr int crowdInSmallest = 32;
+/// When points are linked anew, the memory of so many is fetched at once.
+constexpr int mostRelinked = 32;
 /// What Slot::length can hold.
 constexpr int mostCounted = 255;
 constexpr size_t leastSlots = 1024;
@@ -40,6 +42,11 @@ private:
     double m_least = std::numeric_limits<double>::infinity();
     double m_greatest = -std::numeric_limits<double>::infinity();
 };
+
+bool isFinite(const DefPoint& point)
+{
+    return std::isfinite(point.x) && std::isfinite(point.y);
+}
 
 } // namespace
 
@@ -66,7 +73,8 @@ bool PointCells::add(const QVector<DefPoint>& points, int end)
         m_next.push_back(-1);
         if (isHalfFull())
             relink(points, std::max(m_slots.size() * 2, leastSlots));
-        const int length = link(points, m_end);
+        const DefPoint& point = points.at(m_end);
+        const int length = isFinite(point) ? link(cellHash(point.x, point.y), m_end) : 0;
         ++m_end;
         if (length > crowd && m_cellsPerUnit < smallestCells) {
             m_cellsPerUnit *= refinement;
@@ -90,7 +98,7 @@ bool PointCells::startWith(const QVector<DefPoint>& points, int end)
         const DefPoint& point = points.at(i);
         x.include(point.x);
         y.include(point.y);
-        finite += std::isfinite(point.x) && std::isfinite(point.y) ? 1 : 0;
+        finite += isFinite(point) ? 1 : 0;
     }
     // A range that is a multiple of a cell's width can begin and end within a cell.
     const double mostCells = (x.size() * smallestCells + 2) * (y.size() * smallestCells + 2);
@@ -134,18 +142,14 @@ size_t PointCells::slotOf(quint64 hash) const
 {
     const quint32 tag = tagOf(hash);
     const size_t mask = m_slots.size() - 1;
-    size_t position = static_cast<size_t>(hash) & mask;
+    size_t position = homeOf(hash);
     while (m_slots[position].head >= 0 && m_slots[position].tag != tag)
         position = (position + 1) & mask;
     return position;
 }
 
-int PointCells::link(const QVector<DefPoint>& points, int index)
+int PointCells::link(quint64 hash, int index)
 {
-    const DefPoint& point = points.at(index);
-    if (!std::isfinite(point.x) || !std::isfinite(point.y))
-        return 0;
-    const quint64 hash = cellHash(point.x, point.y);
     Slot& slot = m_slots[slotOf(hash)];
     m_usedSlots += slot.head < 0 ? 1 : 0;
     slot.tag = tagOf(hash) & 0xFFFFFF;
@@ -160,11 +164,22 @@ void PointCells::relink(const QVector<DefPoint>& points, size_t slotCount)
 {
     m_slots.assign(slotCount, Slot{ 0, 0, -1 });
     m_usedSlots = 0;
-    for (int i = m_first; i < m_end; ++i) {
-        if (isHalfFull()) {
-            relink(points, slotCount * 2);
-            return;
+    std::array<quint64, mostRelinked> hashes{};
+    for (int begin = m_first; begin < m_end; begin += mostRelinked) {
+        const int end = std::min(begin + mostRelinked, m_end);
+        auto hash = hashes.begin();
+        for (int i = begin; i < end; ++i) {
+            *hash = cellHash(points.at(i).x, points.at(i).y);
+            __builtin_prefetch(&m_slots[homeOf(*hash++)]);
         }
-        link(points, i);
+        hash = hashes.begin();
+        for (int i = begin; i < end; ++i, ++hash) {
+            if (isHalfFull()) {
+                relink(points, slotCount * 2);
+                return;
+            }
+            if (isFinite(points.at(i)))
+                link(*hash, i);
+        }
     }
 }

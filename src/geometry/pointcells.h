@@ -39,7 +39,7 @@ public:
     {
         if (m_slots.empty())
             return 0;
-        const size_t slot = firstSlot(x, y);
+        const size_t slot = homeOf(cellHash(x, y));
         __builtin_prefetch(&m_slots[slot]);
         return slot;
     }
@@ -131,16 +131,14 @@ private:
     /// The part of a hash that tells cells in the same neighbourhood of the table apart; two that
     /// share it only share their chain.
     static quint32 tagOf(quint64 hash) { return static_cast<quint32>(hash >> 40); }
-    size_t firstSlot(double x, double y) const
-    {
-        return static_cast<size_t>(cellHash(x, y)) & (m_slots.size() - 1);
-    }
+    /// Where the slot of a cell is looked for first.
+    size_t homeOf(quint64 hash) const { return static_cast<size_t>(hash) & (m_slots.size() - 1); }
     size_t slotOf(quint64 hash) const;
     bool isHalfFull() const { return m_usedSlots * 2 >= m_slots.size(); }
     int& next(int index) { return m_next[static_cast<size_t>(index - m_first)]; }
     const int& next(int index) const { return m_next[static_cast<size_t>(index - m_first)]; }
     bool startWith(const QVector<DefPoint>& points, int end);
-    int link(const QVector<DefPoint>& points, int index);
+    int link(quint64 hash, int index);
     void relink(const QVector<DefPoint>& points, size_t slotCount);
 
     PlaceHash m_hash;
