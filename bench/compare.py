@@ -195,6 +195,39 @@ class Comparison:
         self.ratio_bar(group, measured, "import", "floor-readline", limits[1])
         self.ratio_bar(group, measured, "import", "floor-fromchars", limits[2])
 
+    def other_layouts(self):
+        """Against the conversion of their numbers alone; the city beside them is held above."""
+        for layout in LAYOUTS[1:]:
+            mif, dxf = (Files(layout, fmt, self.options.vertices) for fmt in FORMATS)
+            self.layout_import(layout, "MIF with points", mif, True, mif.all())
+            self.layout_import(layout, "MIF objects alone", mif, False,
+                               mif.with_companion(mif.main))
+            self.layout_import(layout, "DXF", dxf, False, [dxf.main])
+        self.degrees()
+
+    def layout_import(self, layout, kind, files, with_points, parsed):
+        group = f"layout {layout}, {kind}"
+        if not self.wanted(group):
+            return
+        print(f"\n{group}")
+        measured = self.measure(group, {"import": import_command(files, with_points),
+                                        "floor-fromchars": fromchars_command(parsed)})
+        self.ratio_bar(group, measured, "import", "floor-fromchars", 5)
+
+    def degrees(self):
+        """Where many vertices stand within the tolerance, an import takes no longer."""
+        city, degrees = (Files(layout, "mif", self.options.vertices)
+                         for layout in ["city", "degrees"])
+        for kind, with_points in [("MIF with points", True), ("MIF objects alone", False)]:
+            group = f"degrees, {kind}"
+            if not self.wanted(group):
+                continue
+            print(f"\n{group}")
+            measured = self.measure(group, {"degrees": import_command(degrees, with_points),
+                                            "city": import_command(city, with_points)},
+                                    max(self.options.runs, 9))
+            self.ratio_bar(group, measured, "degrees", "city", 1)
+
     def encodings(self):
         group = f"UTF-8 against Windows-1251, {self.options.vertices}"
         if not self.wanted(group):
@@ -244,6 +277,70 @@ class Comparison:
             self.report.bar(group, "peak memory", measured["convert"].peak / MIB,
                             10 * total_size(memory_inputs) / MIB + 32, " MiB")
 
+    def commands(self):
+        if not self.tool:
+            return
+        size = self.options.vertices
+        mif, dxf = Files("city", "mif", size), Files("city", "dxf", size)
+        self.check("check MIF with points", mif, True)
+        self.check("check DXF", dxf, False)
+        self.start()
+        self.plan(mif)
+        self.jobs()
+
+    def check(self, group, files, with_points):
+        if not self.wanted(group):
+            return
+        print(f"\n{group}")
+        measured = self.measure(group, {"check": self.check_command(files, with_points),
+                                        "import": import_command(files, with_points)},
+                                max(self.options.runs, 9))
+        self.ratio_bar(group, measured, "check", "import", 1.3)
+
+    def start(self):
+        group = "convert 1000 vertices"
+        if not self.wanted(group):
+            return
+        print(f"\n{group}")
+        # To standard output: a file is waited for until the disk has it.
+        commands = {"floor-start": [[BIN / "floor-start"]]}
+        for fmt in FORMATS:
+            commands[fmt] = [[self.tool, "convert"] + Files("city", fmt, 1000).options(False)]
+        measured = self.measure(group, commands, max(self.options.runs, 101))
+        for fmt in FORMATS:
+            self.ratio_bar(group, measured, fmt, "floor-start", 2)
+
+    def plan(self, files):
+        group = f"plan, {self.options.vertices}"
+        if not self.wanted(group):
+            return
+        print(f"\n{group}")
+        with tempfile.TemporaryDirectory(dir=DATA) as folder:
+            measured = self.measure(group, {
+                "plan": [[self.tool, "plan"] + files.options(False)
+                         + ["-o", Path(folder) / "plan.svg"]]})
+        self.report.bar(group, "plan", self.time_of(measured["plan"]), 3, " s")
+
+    def jobs(self):
+        """Elapsed time always: jobs share the work, they do not lessen it."""
+        group = "60 files, --jobs 2 against 1"
+        if not self.wanted(group):
+            return
+        print(f"\n{group}")
+        files = Files("city", "mif", self.options.vertices // 10)
+        with tempfile.TemporaryDirectory(dir=DATA) as folder:
+            drawings = Path(folder) / "drawings"
+            drawings.mkdir()
+            for number in range(60):
+                for path in files.with_companion(files.main):
+                    shutil.copy(path, drawings / f"{number}{path.suffix}")
+            measured = self.measure(group, {
+                f"--jobs {jobs}": [[self.tool, "convert", "--encoding", files.encoding, "--jobs",
+                                    str(jobs), drawings, "--out-dir", Path(folder) / str(jobs)]]
+                for jobs in (1, 2)})
+        self.report.bar(group, "--jobs 2 / --jobs 1",
+                        measured["--jobs 2"].wall / measured["--jobs 1"].wall, 1 / 1.8)
+
     def growth(self):
         for layout in LAYOUTS:
             for fmt in FORMATS:
@@ -253,12 +350,12 @@ class Comparison:
                                lambda files: import_command(files, False))
                 if self.tool:
                     self.growth_of(f"growth {layout} {fmt} check", layout, fmt,
-                                   lambda files: self.check_command(files))
+                                   lambda files: self.check_command(files, False))
 
-    def check_command(self, files):
+    def check_command(self, files, with_points):
         """Duplicates and conflicts are found on purpose: status 3 is no failure."""
         return [["sh", "-c", '"$@" || [ $? = 3 ]', "sh", self.tool, "check"]
-                + files.options(False)]
+                + files.options(with_points)]
 
     def growth_of(self, group, layout, fmt, command_for):
         if not self.wanted(group):
@@ -336,8 +433,10 @@ def main():
     comparison = Comparison(options, report)
     print(machine())
     comparison.imports()
+    comparison.other_layouts()
     comparison.encodings()
     comparison.converts()
+    comparison.commands()
     comparison.growth()
     comparison.dialog()
     report.print_table()

@@ -1,14 +1,17 @@
 #include "outputs.h"
 #include "textoutput.h"
 
+#include <cmath>
+
 namespace {
 
 class DxfOutput {
 public:
-    DxfOutput(const QString& fileName, const QTextCodec* codec)
-        : m_out(fileName, codec)
+    DxfOutput(const QString& fileName, const QTextCodec* codec, int decimals)
+        : m_lastDecimal(std::pow(10, -decimals))
+        , m_out(fileName, codec)
     {
-        m_out.setDecimals(4);
+        m_out.setDecimals(decimals + 2);
         m_out << "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1015\n"
               << "  9\n$DWGCODEPAGE\n  3\nANSI_1251\n  0\nENDSEC\n"
               << "  0\nSECTION\n  2\nENTITIES\n";
@@ -46,8 +49,10 @@ public:
         for (const Vertex& point : points)
             writePoint(point);
         int index = 0;
-        for (const Vertex& point : points)
-            writeText(pointDef(index++), { point.x + 0.3, point.y + 0.4 }, m_pointLabelLayer);
+        for (const Vertex& point : points) {
+            const Vertex label{ point.x + 30 * m_lastDecimal, point.y + 40 * m_lastDecimal };
+            writeText(pointDef(index++), label, m_pointLabelLayer);
+        }
     }
 
     void writeShapesWithLabels(const std::vector<Shape>& shapes)
@@ -80,6 +85,7 @@ private:
     const QString m_pointLabelLayer = QStringLiteral("Номера точек");
     const QString m_objectLayer = QStringLiteral("Участки");
     const QString m_objectLabelLayer = QStringLiteral("Обозначения участков");
+    const double m_lastDecimal;
     TextOutput m_out;
     int m_handle = 0x100;
 };
@@ -88,10 +94,10 @@ private:
 
 void writeDxf(const Drawing& drawing, const QString& prefix, const QTextCodec* codec)
 {
-    DxfOutput points(prefix + QStringLiteral("-points.dxf"), codec);
+    DxfOutput points(prefix + QStringLiteral("-points.dxf"), codec, drawing.decimals);
     points.writePointsWithLabels(drawing.points);
 
-    DxfOutput objects(prefix + QStringLiteral(".dxf"), codec);
+    DxfOutput objects(prefix + QStringLiteral(".dxf"), codec, drawing.decimals);
     objects.writePointsWithLabels(drawing.points);
     objects.writeShapesWithLabels(drawing.shapes);
 }

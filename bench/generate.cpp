@@ -52,6 +52,7 @@ int main(int argc, char* argv[])
 
     Drawing drawing;
     drawing.shapes = makeLayout(parser.value(layout), vertexCount);
+    drawing.decimals = layoutDecimals(parser.value(layout));
     drawing.points = distinctVertices(drawing.shapes);
     writer->write(drawing, parser.positionalArguments().constFirst(), codec);
     return EXIT_SUCCESS;

@@ -1,5 +1,6 @@
 #include "layouts.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
@@ -12,6 +13,8 @@ namespace {
 constexpr Vertex origin{ 2190000, 430000 };
 /// Objects of the layouts without parcels have as many vertices as a parcel has on average.
 constexpr int lineLength = 9;
+constexpr int usualDecimals = 2;
+constexpr int degreeDecimals = 8;
 
 /// Numbers that are the same with every standard library.
 class Random {
@@ -161,6 +164,23 @@ std::vector<Shape> makeCity(int vertexCount)
     return shapes;
 }
 
+std::vector<Shape> makeDegrees(int vertexCount)
+{
+    constexpr double metresPerDegree = 111000;
+    const double scale = std::pow(10, degreeDecimals);
+    const auto toDegrees = [scale](Vertex& place) {
+        place = { std::round(place.x / metresPerDegree * scale) / scale,
+            std::round(place.y / metresPerDegree * scale) / scale };
+    };
+    std::vector<Shape> shapes = makeCity(vertexCount);
+    for (Shape& shape : shapes) {
+        for (Ring& ring : shape.rings)
+            std::for_each(ring.begin(), ring.end(), toDegrees);
+        toDegrees(shape.label);
+    }
+    return shapes;
+}
+
 std::vector<Shape> makeGrid(int vertexCount)
 {
     constexpr double size = 10;
@@ -216,10 +236,12 @@ std::vector<Shape> makeSingle(int vertexCount)
 struct Layout {
     QLatin1String name;
     std::vector<Shape> (*make)(int vertexCount);
+    int decimals = usualDecimals;
 };
 
 constexpr Layout layouts[] = {
     { QLatin1String("city"), makeCity },
+    { QLatin1String("degrees"), makeDegrees, degreeDecimals },
     { QLatin1String("grid"), makeGrid },
     { QLatin1String("column"), makeColumn },
     { QLatin1String("random"), makeRandom },
@@ -243,6 +265,15 @@ std::vector<Shape> makeLayout(const QString& name, int vertexCount)
             return layout.make(vertexCount);
     }
     return {};
+}
+
+int layoutDecimals(const QString& name)
+{
+    for (const Layout& layout : layouts) {
+        if (name == layout.name)
+            return layout.decimals;
+    }
+    return usualDecimals;
 }
 
 std::vector<Vertex> distinctVertices(const std::vector<Shape>& shapes)

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-/// A place; coordinates are exact hundredths, as surveys give them.
+/// A place; its coordinates have as many decimals as files of the layout give them.
 struct Vertex {
     double x;
     double y;
@@ -26,11 +26,15 @@ QStringList layoutNames();
 /// Objects with about `vertexCount` vertices in all, the same ones on every machine:
 ///  - "city": blocks of parcels that share vertices with their neighbours, some with a hole;
 ///  - "grid": square cells on an exact grid;
+///  - "degrees": the city in degrees, so that many vertices stand within the tolerance;
 ///  - "column": lines along one column of equal x;
 ///  - "random": lines between random places, each used once;
 ///  - "single": one small line, and one object that has all the vertices.
 /// An unknown name gives no objects.
 std::vector<Shape> makeLayout(const QString& name, int vertexCount);
+
+/// The decimals of the coordinates of a layout; 2, as surveys give them, but for degrees.
+int layoutDecimals(const QString& name);
 
 /// The distinct places of all vertices, in the order in which they are met.
 std::vector<Vertex> distinctVertices(const std::vector<Shape>& shapes);

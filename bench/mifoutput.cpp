@@ -3,7 +3,7 @@
 
 namespace {
 
-void writeHeader(TextOutput& mif, const QTextCodec* codec, const char* columns)
+void writeHeader(TextOutput& mif, const QTextCodec* codec, const QString& columns)
 {
     const char* charset = codec->name() == "UTF-8" ? "UTF-8" : "WindowsCyrillic";
     mif << "Version 300\nCharset \"" << charset << "\"\nDelimiter \",\"\n"
@@ -38,7 +38,9 @@ void writeObjects(const Drawing& drawing, const QString& prefix, const QTextCode
 {
     TextOutput mif(prefix + QStringLiteral(".mif"), codec);
     TextOutput mid(prefix + QStringLiteral(".mid"), codec);
-    writeHeader(mif, codec, "Columns 3\n  Def Char(40)\n  Category Char(40)\n  Address Char(80)\n");
+    mif.setDecimals(drawing.decimals);
+    writeHeader(mif, codec,
+        QStringLiteral("Columns 3\n  Def Char(40)\n  Category Char(40)\n  Address Char(80)\n"));
     int index = 0;
     for (const Shape& shape : drawing.shapes) {
         writeShape(mif, shape);
@@ -52,8 +54,11 @@ void writePoints(const Drawing& drawing, const QString& prefix, const QTextCodec
 {
     TextOutput mif(prefix + QStringLiteral("-points.mif"), codec);
     TextOutput mid(prefix + QStringLiteral("-points.mid"), codec);
-    writeHeader(mif, codec,
-        "Columns 4\n  Def Char(20)\n  X Decimal(14,2)\n  Y Decimal(14,2)\n  Mark Char(40)\n");
+    mif.setDecimals(drawing.decimals);
+    mid.setDecimals(drawing.decimals);
+    const QString columns = QStringLiteral(
+        "Columns 4\n  Def Char(20)\n  X Decimal(14,%1)\n  Y Decimal(14,%1)\n  Mark Char(40)\n");
+    writeHeader(mif, codec, columns.arg(drawing.decimals));
     int index = 0;
     for (const Vertex& point : drawing.points) {
         mif << "Point " << point.x << " " << point.y << "\n    Symbol (34,0,12)\n";

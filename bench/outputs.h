@@ -11,6 +11,7 @@
 struct Drawing {
     std::vector<Shape> shapes;
     std::vector<Vertex> points;
+    int decimals = 2; ///< of the coordinates
 };
 
 /// Writes PREFIX.mif and PREFIX.mid with the objects, PREFIX-points.mif and PREFIX-points.mid with
