@@ -62,6 +62,11 @@ class Measured:
         return {"wall_s": self.wall, "cpu_s": self.cpu, "peak_bytes": self.peak}
 
 
+def elapsed(measured):
+    """The time that counts where processors share a work: shared, it does not become less."""
+    return measured.wall
+
+
 class Report:
     """Collects the figures and the bars, and prints them as they come."""
 
@@ -161,9 +166,10 @@ class Comparison:
             self.report.figure(group, name, result)
         return measured
 
-    def ratio_bar(self, group, measured, name, peer, limit):
+    def ratio_bar(self, group, measured, name, peer, limit, time_of=None):
         """Holds a ratio against its bar, or only tells it where there is none."""
-        ratio = self.time_of(measured[name]) / self.time_of(measured[peer])
+        time_of = time_of or self.time_of
+        ratio = time_of(measured[name]) / time_of(measured[peer])
         if limit is None:
             self.report.ratio(f"{name} / {peer}", ratio)
             return
@@ -198,35 +204,33 @@ class Comparison:
     def other_layouts(self):
         """Against the conversion of their numbers alone; the city beside them is held above."""
         for layout in LAYOUTS[1:]:
-            mif, dxf = (Files(layout, fmt, self.options.vertices) for fmt in FORMATS)
-            self.layout_import(layout, "MIF with points", mif, True, mif.all())
-            self.layout_import(layout, "MIF objects alone", mif, False,
-                               mif.with_companion(mif.main))
-            self.layout_import(layout, "DXF", dxf, False, [dxf.main])
-        self.degrees()
+            self.layout_import(layout, "MIF with points", "mif", True)
+            self.layout_import(layout, "MIF objects alone", "mif", False)
+            self.layout_import(layout, "DXF", "dxf", False)
+        self.degrees("MIF with points", True)
+        self.degrees("MIF objects alone", False)
 
-    def layout_import(self, layout, kind, files, with_points, parsed):
-        group = f"layout {layout}, {kind}"
+    def layout_import(self, layout, kind, fmt, with_points):
+        group = f"layout {layout}, {kind}, {self.options.vertices}"
         if not self.wanted(group):
             return
         print(f"\n{group}")
+        files = Files(layout, fmt, self.options.vertices)
+        parsed = files.all() if with_points else files.with_companion(files.main)
         measured = self.measure(group, {"import": import_command(files, with_points),
                                         "floor-fromchars": fromchars_command(parsed)})
         self.ratio_bar(group, measured, "import", "floor-fromchars", 5)
 
-    def degrees(self):
+    def degrees(self, kind, with_points):
         """Where many vertices stand within the tolerance, an import takes no longer."""
-        city, degrees = (Files(layout, "mif", self.options.vertices)
-                         for layout in ["city", "degrees"])
-        for kind, with_points in [("MIF with points", True), ("MIF objects alone", False)]:
-            group = f"degrees, {kind}"
-            if not self.wanted(group):
-                continue
-            print(f"\n{group}")
-            measured = self.measure(group, {"degrees": import_command(degrees, with_points),
-                                            "city": import_command(city, with_points)},
-                                    max(self.options.runs, 9))
-            self.ratio_bar(group, measured, "degrees", "city", 1)
+        group = f"degrees, {kind}, {self.options.vertices}"
+        if not self.wanted(group):
+            return
+        print(f"\n{group}")
+        measured = self.measure(group, {
+            layout: import_command(Files(layout, "mif", self.options.vertices), with_points)
+            for layout in ["degrees", "city"]}, max(self.options.runs, 9))
+        self.ratio_bar(group, measured, "degrees", "city", 1)
 
     def encodings(self):
         group = f"UTF-8 against Windows-1251, {self.options.vertices}"
@@ -270,9 +274,9 @@ class Comparison:
             measured = self.measure(group, commands, runs)
         self.ratio_bar(group, measured, "convert", "ogr2ogr", limit)
         if bare:
-            self.report.bar(group, "convert", self.time_of(measured["convert"]),
-                            self.time_of(measured["import"])
-                            + 2 * self.time_of(measured["floor-write"]) + 0.1, " s")
+            self.report.bar(group, "convert", elapsed(measured["convert"]),
+                            elapsed(measured["import"])
+                            + 2 * elapsed(measured["floor-write"]) + 0.1, " s")
         if memory_inputs:
             self.report.bar(group, "peak memory", measured["convert"].peak / MIB,
                             10 * total_size(memory_inputs) / MIB + 32, " MiB")
@@ -281,48 +285,49 @@ class Comparison:
         if not self.tool:
             return
         size = self.options.vertices
-        mif, dxf = Files("city", "mif", size), Files("city", "dxf", size)
-        self.check("check MIF with points", mif, True)
-        self.check("check DXF", dxf, False)
+        self.check(f"check MIF with points, {size}", "mif", True)
+        self.check(f"check DXF, {size}", "dxf", False)
         self.start()
-        self.plan(mif)
+        self.plan()
         self.jobs()
 
-    def check(self, group, files, with_points):
+    def check(self, group, fmt, with_points):
         if not self.wanted(group):
             return
         print(f"\n{group}")
+        files = Files("city", fmt, self.options.vertices)
         measured = self.measure(group, {"check": self.check_command(files, with_points),
                                         "import": import_command(files, with_points)},
                                 max(self.options.runs, 9))
-        self.ratio_bar(group, measured, "check", "import", 1.3)
+        self.ratio_bar(group, measured, "check", "import", 1.3, elapsed)
 
     def start(self):
-        group = "convert 1000 vertices"
+        group = "start, 1000 vertices"
         if not self.wanted(group):
             return
         print(f"\n{group}")
         # To standard output: a file is waited for until the disk has it.
         commands = {"floor-start": [[BIN / "floor-start"]]}
         for fmt in FORMATS:
-            commands[fmt] = [[self.tool, "convert"] + Files("city", fmt, 1000).options(False)]
+            commands[f"convert {fmt.upper()}"] = [
+                [self.tool, "convert"] + Files("city", fmt, 1000).options(False)]
         measured = self.measure(group, commands, max(self.options.runs, 101))
         for fmt in FORMATS:
-            self.ratio_bar(group, measured, fmt, "floor-start", 2)
+            self.ratio_bar(group, measured, f"convert {fmt.upper()}", "floor-start", 2)
 
-    def plan(self, files):
+    def plan(self):
         group = f"plan, {self.options.vertices}"
         if not self.wanted(group):
             return
         print(f"\n{group}")
         with tempfile.TemporaryDirectory(dir=DATA) as folder:
             measured = self.measure(group, {
-                "plan": [[self.tool, "plan"] + files.options(False)
+                "plan": [[self.tool, "plan"]
+                         + Files("city", "mif", self.options.vertices).options(False)
                          + ["-o", Path(folder) / "plan.svg"]]})
         self.report.bar(group, "plan", self.time_of(measured["plan"]), 3, " s")
 
     def jobs(self):
-        """Elapsed time always: jobs share the work, they do not lessen it."""
         group = "60 files, --jobs 2 against 1"
         if not self.wanted(group):
             return
@@ -338,8 +343,7 @@ class Comparison:
                 f"--jobs {jobs}": [[self.tool, "convert", "--encoding", files.encoding, "--jobs",
                                     str(jobs), drawings, "--out-dir", Path(folder) / str(jobs)]]
                 for jobs in (1, 2)})
-        self.report.bar(group, "--jobs 2 / --jobs 1",
-                        measured["--jobs 2"].wall / measured["--jobs 1"].wall, 1 / 1.8)
+        self.ratio_bar(group, measured, "--jobs 2", "--jobs 1", 1 / 1.8, elapsed)
 
     def growth(self):
         for layout in LAYOUTS:
@@ -417,8 +421,8 @@ def parse_options():
     parser.add_argument("--only", action="append", metavar="TEXT",
                         help="only groups with this text in their name; repeatable")
     parser.add_argument("--cpu", action="store_true",
-                        help="hold processor time against the bars instead of elapsed time: for a"
-                             " machine that others use at the same time")
+                        help="hold processor time against the bars, but those of commands that use"
+                             " two processors: for a machine that others use at the same time")
     parser.add_argument("--tool", type=Path, default=BIN / "importgeometry",
                         help="the command line tool; left out when it does not exist")
     parser.add_argument("--output", type=Path, default=ROOT / "bench" / "results.json")

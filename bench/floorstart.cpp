@@ -1,6 +1,7 @@
+// The floor below all commands: a program with Qt Core that does nothing.
+
 #include <QCoreApplication>
 
-/// The start of a program with Qt Core that does nothing.
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);

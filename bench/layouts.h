@@ -25,8 +25,8 @@ QStringList layoutNames();
 
 /// Objects with about `vertexCount` vertices in all, the same ones on every machine:
 ///  - "city": blocks of parcels that share vertices with their neighbours, some with a hole;
-///  - "grid": square cells on an exact grid;
 ///  - "degrees": the city in degrees, so that many vertices stand within the tolerance;
+///  - "grid": square cells on an exact grid;
 ///  - "column": lines along one column of equal x;
 ///  - "random": lines between random places, each used once;
 ///  - "single": one small line, and one object that has all the vertices.
