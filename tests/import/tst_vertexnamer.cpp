@@ -124,6 +124,7 @@ private slots:
     void stopsInTheMiddle();
     void allocationsOfTheThread_data();
     void allocationsOfTheThread();
+    void lastAllocationsOfTheThread();
     void allocationsOfTheReader_data();
     void allocationsOfTheReader();
 
@@ -341,6 +342,28 @@ void TestVertexNamer::allocationsOfTheThread()
     }
     // As much is left to who takes the objects.
     QCOMPARE(named[1], named[0]);
+}
+
+/// The reader has no more to hand over then, and must still hear of it.
+void TestVertexNamer::lastAllocationsOfTheThread()
+{
+    if (std::thread::hardware_concurrency() < 2)
+        QSKIP("There is no second processor");
+    if (!failing::canFailMalloc())
+        QSKIP("A sanitizer has an allocator of its own");
+    const Rings rings = ringsAnywhere(30000, 100000, 6);
+    const ImportOptions options = optionsOf(regionsOf(rings, 1));
+    const QStringList expected = expectedNames(rings, {});
+    int granted = 0;
+    for (int step = 1 << 16; step > 0; step /= 2) {
+        bool hasFailed = false;
+        importInWant(
+            failing::Threads::Others, false, granted + step, false, options, expected, &hasFailed);
+        if (QTest::currentTestFailed())
+            return;
+        granted += hasFailed ? step : 0;
+    }
+    QVERIFY(granted > 1000);
 }
 
 void TestVertexNamer::allocationsOfTheReader_data()
