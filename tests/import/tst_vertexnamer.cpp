@@ -313,6 +313,9 @@ void TestVertexNamer::importInWant(failing::Threads threads, bool isNew, int gra
     *hasFailed = failing::disarm();
     const QStringList names = namesOf(import.objects);
     QCOMPARE(names, expected.mid(0, names.size()));
+    QCOMPARE(import.shapes.size(), import.objects.size());
+    if (isTaken)
+        QCOMPARE(taken, names);
     if (named)
         *named = names.size();
     if (!*hasFailed) {
